@@ -1,0 +1,165 @@
+#include "as/asCommand.h"
+
+#include "as/asOptions.h"
+#include "as/asOutput.h"
+#include "as/asSource.h"
+#include "symtab/symtab.h"
+#include "util/text.h"
+
+#include <array>
+#include <initializer_list>
+#include <string_view>
+
+std::string OutputTitle;
+std::string DbgSrcDir;
+
+namespace {
+
+// Definition line, kind and element count of names given with -D.
+constexpr int kDefinitionLine = 1;
+constexpr int kSymbolKind = 32;
+constexpr int kNoData = -1;
+
+void print(std::initializer_list<std::string_view> parts) {
+    for (const std::string_view part : parts) {
+        standard_output.put(part);
+    }
+}
+
+void report_unknown(const char *argument) {
+    print({kProgramName, ": Unknown option '", argument + 1, "' is ignored.\n"});
+}
+
+void define_symbol(const char *name) {
+    if (Symbol *symbol = getsym(name); symbol != nullptr) {
+        symbol->flags |= SYM_MULTIPLE;
+    } else {
+        (void)putsym(name, 0, kDefinitionLine, SYM_DEFINED, kSymbolKind, nullptr, kNoData);
+    }
+}
+
+void set_source_directory(const char *directory) {
+    copyquotedopt(DbgSrcDir, directory);
+    O_aliased_input = 1;
+}
+
+void set_output_title(const char *name) {
+    copyquotedopt(OutputTitle, name);
+    O_oflag = 1;
+}
+
+void set_compatibility(const char *word) {
+    const std::string_view name = word;
+    if (name == "nopure") {
+        O_directive_style_pure = 0;
+    } else if (name == "nonative") {
+        O_directive_style_native = 0;
+    } else if (name == "nocase") {
+        O_symbol_case_sensitive = 0;
+    } else {
+        print({kProgramName, ": Unknown compatibility option -C '", name, "' is ignored.\n"});
+    }
+}
+
+// An option without a value.
+struct Switch {
+    std::string_view text;
+    std::int16_t *flag;
+};
+const std::array<Switch, 5> kSwitches = {{
+    {"-L", &O_list},
+    {"-S", &O_symtab},
+    {"-A", &O_cout},
+    {"-g", &O_symdebug},
+    {"-w", &O_warn},
+}};
+
+bool take_switch(std::string_view argument) {
+    for (const Switch &option : kSwitches) {
+        if (argument == option.text) {
+            *option.flag = 1;
+            return true;
+        }
+    }
+    if (argument == "-S1" || argument == "-S2" || argument == "-S3") {
+        record_type = argument[2] - '0';
+        return true;
+    }
+    return false;
+}
+
+// An option with a value: in the next argument, or joined, for some only in double quotes.
+struct ValueOption {
+    char letter;
+    bool joined_in_quotes_only;
+    void (*carry_out)(const char *value);
+};
+constexpr std::array<ValueOption, 5> kValueOptions = {{
+    {'d', true, set_source_directory},
+    {'o', true, set_output_title},
+    {'D', false, define_symbol},
+    {'I', false, push_include},
+    {'C', false, set_compatibility},
+}};
+
+const ValueOption *find_value_option(const char *argument) {
+    for (const ValueOption &option : kValueOptions) {
+        if (argument[1] == option.letter &&
+            (argument[2] == '\0' || argument[2] == '"' || !option.joined_in_quotes_only)) {
+            return &option;
+        }
+    }
+    return nullptr;
+}
+
+} // namespace
+
+void command_new_run() {
+    OutputTitle.clear();
+    DbgSrcDir.clear();
+}
+
+const char *read_command_line(int argc, const char *const *argv) {
+    for (int i = 1; i < argc; ++i) {
+        const char *argument = argv[i];
+        if (*argument != '-') {
+            return argument;
+        }
+        if (take_switch(argument)) {
+            continue;
+        }
+        const ValueOption *option = find_value_option(argument);
+        if (option != nullptr && argument[2] != '\0') {
+            option->carry_out(argument + 2);
+        } else if (option != nullptr && i + 1 < argc) {
+            option->carry_out(argv[++i]);
+        } else {
+            report_unknown(argument);
+        }
+    }
+    return nullptr;
+}
+
+// Kept: the text is the program's own as it stands: it leaves out -A, spells "sensivity", has a blank
+// behind one line, and names "notrad", which is not accepted.
+void print_usage() {
+    print({kProgramName, " - ", kProcessorName, " Absolute crossassembler, Version ", kVersion, "\n",
+           kNotice, "\n\n", kProgramName, " creates a S-record format file named 'file.s19'\n",
+           "from an assembly source file e.g. \"file", kSourceExtension, "\"\n", "Usage: ",
+           kProgramName, " [ options ] file\n"});
+    print({"options: -L Create list file \"file.lst\"\n",
+           "         -w Print warnings\n",
+           "         -S Print symbol table\n",
+           "         -g Generate source level debug information\n",
+           "         -o [FILENAME] Rename output file\n",
+           "         -d [DIRECTORY] Set directory for source (debugger info)\n",
+           "         -D SYMBOL Enter 'SYMBOL' as defined in symbol table\n",
+           "         -I [FILENAME] Include file\n",
+           "         -S1 Force generation of S1-records\n",
+           "         -S2 Force generation of S2-records\n",
+           "         -S3 Force generation of S3-records\n",
+           "compatibility options: -C option\n",
+           "         nocase - Turn case sensivity OFF\n",
+           "         nopure - Turn recognition of 'pure' assembler directives OFF \n",
+           "         notrad - Turn recognition of 'traditional' assembler directives OFF\n"});
+}

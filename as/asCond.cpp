@@ -1,0 +1,267 @@
+#include "as/asCond.h"
+
+#include "as/asDiag.h"
+#include "as/asList.h"
+#include "as/asListing.h"
+#include "as/asPseudo.h"
+#include "as/asSource.h"
+#include "expr/expr.h"
+#include "symtab/symtab.h"
+#include "target/scan.h"
+#include "util/text.h"
+#include "util/wrap.h"
+
+#include <cstring>
+#include <string_view>
+#include <vector>
+
+std::int32_t ifdepth = 0;
+std::int32_t skipping = 0;
+
+namespace {
+
+// What has happened in a conditional.
+enum BranchState : std::int32_t { kNoBranchTaken = 0, kBranchTaken = 1, kElseSeen = 2 };
+
+// States by depth, from 1. Depths beyond the deepest nesting get entries too, so that "#else" and
+// "#elif" there find one.
+std::vector<std::int32_t> ifsatisfied;
+
+constexpr int kSymbolKind = 32;
+constexpr int kNoData = -1;
+
+std::int32_t &satisfied() {
+    const auto index = static_cast<std::size_t>(ifdepth);
+    if (ifsatisfied.size() <= index) {
+        ifsatisfied.resize(index + 1, kNoBranchTaken);
+    }
+    return ifsatisfied[index];
+}
+
+// ---- The operand words of a line -------------------------------------------------------------------
+
+// A copy of the rest of the line, split at blanks. A word is followed by a NUL; behind the copy there
+// is room for a look ahead.
+struct OperandWords {
+    std::array<char, kConditionalTextLimit + 8> text{};
+    int column = 0;           // of the copy's start in the line, 0-based
+    char *first = nullptr;    // the name or expression; may be empty
+    char *second = nullptr;   // the value; may be empty
+
+    int column_of(const char *word) const { return column + static_cast<int>(word - text.data()); }
+};
+OperandWords words;
+
+// Ends the word at p; returns the start of the next.
+char *end_word(char *p) {
+    while (!isblanc(*p)) {
+        ++p;
+    }
+    if (*p != '\0') {
+        *p++ = '\0';
+    }
+    return p + (skipblanc(p) - p);
+}
+
+void read_words() {
+    words.text.fill('\0');
+    words.column = static_cast<int>(Col_Ptr - Line_Ptr);
+    std::strncpy(words.text.data(), Col_Ptr, kConditionalTextLimit);
+    char *start = words.text.data();
+    words.first = start + (skipblanc(start) - start);
+    words.second = end_word(words.first);
+    end_word(words.second);
+}
+
+std::int64_t evaluate(const char *word) { return evalexp(word, 1, words.column_of(word)); }
+
+// The symbol named by the first word, entered as undefined if it is new; none, reported, if that
+// can't be done.
+Symbol *named_symbol() {
+    Symbol *symbol = getsym(words.first);
+    if (symbol == nullptr) {
+        symbol = putsym(words.first, 0, realline, SYM_CONDITIONAL | SYM_UNDEFINED, kSymbolKind, nullptr,
+                        kNoData);
+        if (symbol == nullptr) {
+            Error("Bad preproc");
+        }
+    }
+    return symbol;
+}
+
+bool name_is_defined() {
+    const Symbol *symbol = named_symbol();
+    return symbol != nullptr && symbol->has(SYM_DEFINED);
+}
+
+// ---- The words -----------------------------------------------------------------------------------
+
+// A line that starts skipping is listed first, because it would not be listed any more afterwards.
+void start_skipping() {
+    if (skipping == 0) {
+        as_write_listline();
+    }
+    skipping = ifdepth;
+}
+
+// Opens a conditional. True when its test is to be made.
+bool open_conditional(const char *too_deep) {
+    ++ifdepth;
+    if (ifdepth > kDeepestConditional) {
+        Error(too_deep);
+        return false;
+    }
+    if (skipping != 0) {
+        return false;
+    }
+    satisfied() = kNoBranchTaken;
+    return true;
+}
+
+void choose_branch(bool taken) {
+    if (taken) {
+        satisfied() = kBranchTaken;
+    } else {
+        start_skipping();
+    }
+}
+
+void do_if() {
+    if (open_conditional("#if too deeply nested")) {
+        choose_branch(low_32(evaluate(words.first)) != 0);
+    }
+}
+
+void do_ifdef() {
+    if (open_conditional("#if too deeply nested")) {
+        choose_branch(name_is_defined());
+    }
+}
+
+void do_ifndef() {
+    if (open_conditional("#ifndef too deeply nested")) {
+        choose_branch(!name_is_defined());
+    }
+}
+
+// True when a branch word belongs to a conditional that was opened inside a skipped region.
+bool is_inside_skipped() { return skipping != 0 && skipping < ifdepth; }
+
+void do_elif() {
+    if (is_inside_skipped()) {
+        return;
+    }
+    if (ifdepth == 0) {
+        Error("#elif with no #if");
+        return;
+    }
+    if (satisfied() == kElseSeen) {
+        Error("#elif after #else");
+    }
+    if (!name_is_defined()) {
+        start_skipping();
+    } else if (satisfied() == kNoBranchTaken) {
+        skipping = 0;
+        satisfied() = kBranchTaken;
+    } else {
+        skipping = ifdepth;
+    }
+}
+
+void do_else() {
+    if (is_inside_skipped()) {
+        return;
+    }
+    if (ifdepth == 0) {
+        Error("#else with no #if");
+        return;
+    }
+    if (satisfied() == kElseSeen) {
+        Error("#else after #else");
+    }
+    skipping = satisfied() != kNoBranchTaken ? ifdepth : 0;
+    satisfied() = kElseSeen;
+}
+
+void do_endif() {
+    if (skipping != 0) {
+        --ifdepth;
+        if (skipping > ifdepth) {
+            skipping = 0;
+        }
+    } else if (ifdepth == 0) {
+        Error("#endif with no #if");
+    } else {
+        --ifdepth;
+    }
+}
+
+void make_defined(Symbol &symbol) {
+    symbol.flags &= ~SYM_UNDEFINED;
+    symbol.flags |= SYM_DEFINED | SYM_CONDITIONAL;
+    symbol.definition_line = realline;
+    if (*words.second != '\0' && IsCommentChar(*words.second) == 0) {
+        symbol.value = signed_32(evaluate(words.second));
+        symbol.segment = LookupSegment("abs", 1);
+    }
+}
+
+// Kept: a duplicate is a warning here and an error for EQU.
+void check_duplicate(const Symbol &symbol) {
+    if (symbol.definition_line == realline) {
+        return;
+    }
+    vpWarning("symbol '%s' previously defined at line %d", symbol.name, symbol.definition_line);
+    if (*words.second != '\0' && symbol.value != evaluate(words.second)) {
+        vpError("symbol '%s' redefined at line %d", symbol.name, realline);
+    }
+}
+
+void do_define() {
+    if (skipping != 0) {
+        return;
+    }
+    if (std::string_view(words.first).find_first_of("()") != std::string_view::npos) {
+        Warning("Macro Expansions is NOT supported, 'define' igored");
+        return;
+    }
+    Symbol *symbol = named_symbol();
+    if (symbol == nullptr) {
+        return;
+    }
+    if (symbol->has(SYM_DEFINED)) {
+        symbol->flags |= SYM_MULTIPLE;
+    } else {
+        make_defined(*symbol);
+    }
+    if (symbol->has(SYM_MULTIPLE)) {
+        check_duplicate(*symbol);
+    }
+}
+
+} // namespace
+
+void init_as_conditional_handling() {
+    ifdepth = 0;
+    skipping = 0;
+    ifsatisfied.clear();
+}
+
+int DoCond(int token) {
+    read_words();
+    switch (token) {
+    case DIR_IF: do_if(); return 1;
+    case DIR_IFDEF: do_ifdef(); return 1;
+    case DIR_IFNDEF: do_ifndef(); return 1;
+    case DIR_ELIF: do_elif(); return 1;
+    case DIR_ELSE: do_else(); return 1;
+    case DIR_ENDIF: do_endif(); return 1;
+    case DIR_COND_DEFINE: do_define(); return 1;
+    case DIR_ERROR:
+        if (skipping == 0) {
+            Error("Message Directive");
+        }
+        return 1;
+    default: return 0;
+    }
+}

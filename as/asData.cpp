@@ -1,0 +1,156 @@
+#include "as/asData.h"
+
+#include "as/asDiag.h"
+#include "as/asLine.h"
+#include "as/asList.h"
+#include "as/asOptions.h"
+#include "as/asSource.h"
+#include "expr/expr.h"
+#include "symtab/symtab.h"
+#include "target/emit.h"
+#include "target/operand.h"
+#include "target/reloc.h"
+#include "util/text.h"
+#include "util/wrap.h"
+
+namespace {
+
+constexpr int kFailed = -1;
+
+// The largest block that is reserved, in bytes: the whole 32-bit address space.
+constexpr std::int64_t kLargestReservation = std::int64_t{1} << 32U;
+
+int fail(const char *text) {
+    Error(text);
+    return kFailed;
+}
+
+void define_label_if_any() {
+    if (label != 0) {
+        define_directive_label();
+    }
+}
+
+// In the final pass, adds data to what is registered for the last seen label, if there is one.
+void register_size(std::int32_t count, std::uint32_t element_size) {
+    if (Pass2 == 0 || last_seen_label.empty()) {
+        return;
+    }
+    Symbol *symbol = getsym(last_seen_label);
+    if (symbol == nullptr) {
+        Error("RegisterSymSize failed");
+        return;
+    }
+    if (last_seen_label_offset == 0) {
+        symbol->element_count = count;
+        symbol->element_size = element_size;
+        last_seen_label_offset = static_cast<std::uint32_t>(count) * element_size;
+    } else {
+        symbol->element_count = signed_32(wrap_add(symbol->element_count, count));
+    }
+}
+
+// The byte that a character behind a backslash stands for.
+char escaped(char ch) {
+    switch (ch) {
+    case 'b': return 8;
+    case 'n': return 10;
+    case 'r': return 13;
+    // Kept: a vertical tab, not a horizontal one.
+    case 't': return 11;
+    default: return is_digit(ch) ? static_cast<char>(ch - '0') : ch;
+    }
+}
+
+// Takes one character of a string and emits it. False when the text has ended.
+bool string_character() {
+    char ch = *Col_Ptr;
+    if (ch == '\0') {
+        return false;
+    }
+    ++Col_Ptr;
+    if (ch == '\\') {
+        if (*Col_Ptr == '\0') {
+            return false;
+        }
+        ch = escaped(*Col_Ptr++);
+    } else if (static_cast<unsigned char>(ch) >= 128) {
+        Warning("Illegal ASCII character");
+    }
+    ebyte(static_cast<unsigned char>(ch));
+    return true;
+}
+
+} // namespace
+
+void define_directive_label() {
+    const std::string_view name = label_name();
+    defsym(name, LC, 1);
+    SetLastLabel(name, LC);
+    IsEqu = 1;
+}
+
+int do_define_data() {
+    define_label_if_any();
+    std::int32_t count = 0;
+    while (true) {
+        ClearOp(opnd1);
+        if (ppexpr(opnd1, 1) != 0 || do_reloc_cmd(opnd1, REL_CMD_OFF_8, LC) != 0) {
+            return kFailed;
+        }
+        ++count;
+        const char delimiter = *Col_Ptr;
+        if (isblanc(delimiter)) {
+            break;
+        }
+        if (delimiter != ',') {
+            return fail("Bad delimiter");
+        }
+        ++Col_Ptr;
+    }
+    Byte_Extension = 1;
+    register_size(count, 1);
+    return 1;
+}
+
+int do_define_characters(char delimiter, int terminate) {
+    define_label_if_any();
+    if (*Col_Ptr != delimiter) {
+        return fail("Bad operand syntax");
+    }
+    ++Col_Ptr;
+    std::int32_t count = 0;
+    // Kept: the first character is content even when it is the delimiter.
+    do {
+        if (!string_character()) {
+            break;
+        }
+        ++count;
+    } while (*Col_Ptr != delimiter && *Col_Ptr != '\0');
+    if (*Col_Ptr == '\0') {
+        return fail("Bad operand syntax");
+    }
+    if (terminate != 0) {
+        ebyte(0);
+    }
+    register_size(count, 1);
+    return Pass2 != 0 ? 2 : 1;
+}
+
+int do_reserve_memory(int unit) {
+    define_label_if_any();
+    ClearOp(opnd1);
+    if (ppexpr(opnd1, 1) != 0) {
+        return kFailed;
+    }
+    if (!isblanc(*Col_Ptr)) {
+        return fail("Bad constant delimiter");
+    }
+    const std::int64_t bytes = wrap_multiply(unit, opnd1.value);
+    if (bytes < 1 || bytes > kLargestReservation) {
+        return fail("Undetermined size for reservation of storage");
+    }
+    register_size(signed_32(opnd1.value), static_cast<std::uint32_t>(unit));
+    emit_zeros(static_cast<std::uint64_t>(bytes));
+    return kFailed;
+}

@@ -1,0 +1,17 @@
+// The directives that put bytes into the program: FCB, FCS and RMB.
+//
+// Each also records how much data follows a label, for the types of debug records.
+#pragma once
+
+// FCB: a list of byte values. 1, or -1 after an error.
+int do_define_data();
+
+// FCS: a string in delimiters, with a 0 byte behind it if terminate is set. 1 before the final pass, 2
+// in it, or -1 after an error.
+int do_define_characters(char delimiter, int terminate);
+
+// RMB: as many zero units as the operand says; unit is in bytes. Always -1.
+int do_reserve_memory(int unit);
+
+// Defines the line's label at the location counter, in place of the line assembler.
+void define_directive_label();

@@ -1,0 +1,164 @@
+#include "as/asDiag.h"
+
+#include "as/asOptions.h"
+#include "as/asOutput.h"
+#include "as/asSource.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <initializer_list>
+#include <string>
+#include <string_view>
+
+std::int16_t Errors = 0;
+std::int32_t Warnings = 0;
+int LineError = 0;
+int Line_Done = 0;
+int phase_error = 0;
+int Phase_Error_Written = 0;
+
+namespace {
+
+std::string format_text(const char *format, va_list values) {
+    va_list counted;
+    va_copy(counted, values);
+    const int length = std::vsnprintf(nullptr, 0, format, counted);
+    va_end(counted);
+    std::string text(static_cast<std::size_t>(std::max(length, 0)) + 1, '\0');
+    (void)std::vsnprintf(text.data(), text.size(), format, values);
+    text.pop_back();
+    return text;
+}
+
+void put_all(OutputFile &out, std::initializer_list<std::string_view> parts) {
+    for (const std::string_view part : parts) {
+        out.put(part);
+    }
+}
+
+// The two names of the place that a report speaks of: standard output shows the path, the listing
+// the bare name.
+struct Place {
+    const char *path;
+    const char *name;
+    int line;
+};
+
+Place current_place() {
+    const FileEntry *file = getCurrentFileInfo(-1);
+    if (file == nullptr) {
+        return {"", "", Line_no};
+    }
+    return {file->pathname.c_str(), file->name.c_str(), Line_no};
+}
+
+bool is_listing() { return O_list != 0 && listfile.is_open(); }
+
+void count_error() {
+    Errors = static_cast<std::int16_t>(static_cast<std::uint16_t>(Errors) + 1U);
+}
+
+void report_error(const char *text) {
+    count_error();
+    LineError = 1;
+    const Place place = current_place();
+    const std::string line = std::to_string(place.line);
+    put_all(standard_output, {place.path, " (", line, ") Error: ", text, "\n"});
+    if (is_listing()) {
+        put_all(listfile, {"\"", place.name, "\" line ", line, ", ERROR: ", text, "\n"});
+    }
+}
+
+// Kept: the listing says "LINE:" and has no blank after the comma, unlike its error lines.
+void report_warning(const char *text, const Place &place) {
+    Warnings = static_cast<std::int32_t>(static_cast<std::uint32_t>(Warnings) + 1U);
+    const std::string line = std::to_string(place.line);
+    put_all(standard_output, {place.path, " (", line, ") Warning: ", text, "\n"});
+    if (is_listing()) {
+        put_all(listfile, {"\"", place.name, "\" LINE: ", line, ",WARNING: ", text, "\n"});
+    }
+}
+
+bool warnings_are_reported() { return O_warn > 0 && Pass2 != 0; }
+
+} // namespace
+
+void Error(const char *text) {
+    if (Pass2 != 0) {
+        if (phase_error != 0) {
+            // Kept: after the one phase error that is told, the next one leaves the flag set, and
+            // every later error of the pass is swallowed here, uncounted.
+            if (Phase_Error_Written != 0) {
+                return;
+            }
+            Phase_Error_Written = 1;
+            phase_error = 0;
+        }
+        if (LineError == 0) {
+            report_error(text);
+        }
+    }
+    Line_Done = 1;
+}
+
+void vpError(const char *format, ...) {
+    va_list values;
+    va_start(values, format);
+    const std::string text = Pass2 != 0 ? format_text(format, values) : std::string();
+    va_end(values);
+    LineError = 0;
+    Error(text.c_str());
+}
+
+void Warning(const char *text) {
+    if (warnings_are_reported()) {
+        report_warning(text, current_place());
+    }
+}
+
+void vpWarning(const char *format, ...) {
+    if (warnings_are_reported()) {
+        va_list values;
+        va_start(values, format);
+        const std::string text = format_text(format, values);
+        va_end(values);
+        report_warning(text.c_str(), current_place());
+    }
+}
+
+void ExtendedWarning(const char *text, const char *file_name, int line) {
+    if (warnings_are_reported()) {
+        report_warning(text, {file_name, file_name, line});
+    }
+}
+
+void vpFatal(const char *format, ...) {
+    va_list values;
+    va_start(values, format);
+    std::string text = format_text(format, values);
+    va_end(values);
+    text.resize(std::min<std::size_t>(text.size(), kFatalTextLimit));
+    const Place place = current_place();
+    if (*place.path == '\0') {
+        put_all(standard_output, {"Fatal error: ", text, "\n"});
+    } else {
+        const std::string line = std::to_string(place.line);
+        // Kept: no blank between ")" and "Fatal" on standard output, and the path in the listing.
+        put_all(standard_output, {place.path, " (", line, ")Fatal error: ", text, "\n"});
+        if (is_listing()) {
+            put_all(listfile, {"\"", place.path, "\" (", line, ") Fatal error: ", text, "\n"});
+        }
+    }
+    end_run(1);
+}
+
+void diag_new_pass() {
+    diag_new_counts();
+    phase_error = 0;
+    Phase_Error_Written = 0;
+}
+
+void diag_new_counts() {
+    Errors = 0;
+    Warnings = 0;
+}

@@ -1,0 +1,207 @@
+#include "as/asLine.h"
+
+#include "as/asCond.h"
+#include "as/asDebug.h"
+#include "as/asDiag.h"
+#include "as/asList.h"
+#include "as/asOptions.h"
+#include "as/asPseudo.h"
+#include "as/asSource.h"
+#include "symtab/symtab.h"
+#include "target/encode.h"
+#include "target/optab.h"
+#include "target/scan.h"
+#include "util/text.h"
+
+#include <cstring>
+
+int label = 0;
+int IsEqu = 0;
+int IsEquDirective = 0;
+int pending_listLC = 0;
+std::uint32_t listLC = 0;
+
+std::string last_seen_label;
+std::uint32_t last_seen_label_value = 0;
+std::uint32_t last_seen_label_offset = 0;
+
+namespace {
+
+constexpr std::uint16_t kLastOperandCoder = 127;
+
+std::size_t label_length = 0; // characters of the label, which starts the line
+
+void done_without_address() {
+    Line_Done = 1;
+    pending_listLC = 0;
+}
+
+// Carries out a conditional word, on every line, also while lines are skipped.
+void conditional_word() {
+    const char *p = skipblanc(Line_Ptr);
+    const int token = is_conditional_macro_directive(p);
+    if (token != 0) {
+        Col_Ptr = p;
+        if (DoCond(token) != 0) {
+            done_without_address();
+        }
+    }
+}
+
+bool is_debugger_line() { return std::strncmp(Line_Ptr, ".stab", 5) == 0; }
+
+// Skips a debugger line together with its continuation lines. False when the source ends inside.
+bool skip_debugger_line() {
+    while (line_divided(Line_Ptr)) {
+        if (as_read_line() == 0) {
+            Error("Read Error: Possibly last line continuation");
+            return false;
+        }
+    }
+    Line_Done = 1;
+    return true;
+}
+
+bool debugger_line(int pass) {
+    if (pass == 2 && O_symdebug != 0) {
+        ProcessStab();
+        Line_Done = 1;
+        return true;
+    }
+    return skip_debugger_line();
+}
+
+void label_field() {
+    if (isblanc(*Col_Ptr)) {
+        SkipSpace();
+    } else if (IsLabel() != 0) {
+        label = 1;
+    } else {
+        Error("Illegal label");
+        Line_Done = 1;
+    }
+}
+
+// The fields ahead of the operation. False when the source ended within a debugger line.
+bool leading_fields(int pass) {
+    conditional_word();
+    if (is_true_level() == 0 || *Line_Ptr == '\n' || *Line_Ptr == '\0' ||
+        IsCommentChar(*Line_Ptr) != 0) {
+        done_without_address();
+        return true;
+    }
+    if (Line_Done != 0) {
+        return true;
+    }
+    if (pass != 0 && is_debugger_line()) {
+        return debugger_line(pass);
+    }
+    label_field();
+    return true;
+}
+
+// In pass 0 only constants are defined.
+void constants_only() {
+    if (Line_Done == 0 && isPseudoEqu() != 0) {
+        DoEqu(0);
+    }
+}
+
+// The operation field: a directive is carried out at once, an instruction is left in mp.
+void operation_field() {
+    if (PseudoOp() != 0) {
+        Line_Done = 1;
+    } else if (ZIRPA_getmnem(mp) == 0) {
+        Error("Illegal mnemonic");
+        Line_Done = 1;
+    }
+}
+
+void define_label(std::uint32_t value) {
+    const std::string_view name = label_name();
+    defsym(name, value, 1);
+    pending_listLC = 1;
+    SetLastLabel(name, value);
+}
+
+} // namespace
+
+void assaline(int pass) {
+    mp->coder = kNoCoder;
+    dotLC = LC;
+    pending_listLC = 1;
+    const std::uint32_t label_value = LC;
+    if (!leading_fields(pass)) {
+        return;
+    }
+    const bool is_comment = SkipSpace() != nullptr && IsCommentChar(*Col_Ptr) != 0;
+    if (is_comment) {
+        Line_Done = 1;
+    }
+    if (pass == 0) {
+        constants_only();
+        return;
+    }
+    listLC = LC;
+    if (Line_Done == 0) {
+        operation_field();
+    }
+    if (mp->coder >= 1 && mp->coder <= kLastOperandCoder) {
+        resetLabel();
+    }
+    // The label takes the location from before the line's directive has changed it.
+    if (label != 0 && IsEqu == 0) {
+        define_label(label_value);
+    }
+    if (Line_Done == 0) {
+        SkipSpace();
+        CodeLine();
+        Line_Done = 1;
+    }
+}
+
+int IsLabel() {
+    if (valid_sym() == 0) {
+        return 0;
+    }
+    label_length = yytext.size();
+    lookahead(':');
+    return 1;
+}
+
+std::string_view label_name() { return {Line_Ptr, label_length}; }
+
+int Skip_Delimiter() {
+    const char delimiter = *Col_Ptr++;
+    if (delimiter == ',') {
+        return 0;
+    }
+    Error("Bad delimiter");
+    Line_Done = 1;
+    return 1;
+}
+
+const char *SkipSpace() {
+    while (*Col_Ptr == ' ' || *Col_Ptr == '\t') {
+        ++Col_Ptr;
+    }
+    if (*Col_Ptr == '\n' || *Col_Ptr == '\0') {
+        Line_Done = 1;
+        return nullptr;
+    }
+    return Col_Ptr;
+}
+
+void resetLabel() {
+    last_seen_label.clear();
+    last_seen_label_value = 0;
+    last_seen_label_offset = 0;
+}
+
+void SetLastLabel(std::string_view name, std::uint32_t value) {
+    last_seen_label = name;
+    last_seen_label_value = value;
+    last_seen_label_offset = 0;
+}
+
+void line_new_pass() { listLC = 0; }

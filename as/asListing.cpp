@@ -1,0 +1,123 @@
+#include "as/asListing.h"
+
+#include "as/asCond.h"
+#include "as/asDebug.h"
+#include "as/asLine.h"
+#include "as/asOptions.h"
+#include "as/asOutput.h"
+#include "as/asSource.h"
+#include "target/emit.h"
+#include "target/encode.h"
+
+int listing_on = 0;
+int uncond_listing_on = 0;
+
+namespace {
+
+// Bytes of a listing line.
+constexpr std::size_t kColumns = 6;
+constexpr unsigned kLineNumberWidth = 4;
+// As wide as the byte columns.
+constexpr std::string_view kEquPadding = "                  ";
+
+void put_byte_columns(std::size_t first) {
+    for (std::size_t i = first; i < first + kColumns; ++i) {
+        if (i < code_i) {
+            listfile.put(' ');
+            listfile.put_hex_byte(Code[i]);
+        } else {
+            listfile.put("   ");
+        }
+    }
+}
+
+void put_word_columns(std::size_t first) {
+    for (std::size_t i = first; i < first + kColumns; i += 2) {
+        if (i < code_i) {
+            listfile.put(' ');
+            listfile.put_hex_byte(Code[i]);
+            listfile.put_hex_byte(Code[i + 1]);
+        } else {
+            listfile.put("     ");
+        }
+    }
+    listfile.put("   ");
+}
+
+void put_columns(std::size_t first) {
+    if (Byte_Extension != 0) {
+        put_byte_columns(first);
+    } else {
+        put_word_columns(first);
+    }
+}
+
+void put_number_and_text() {
+    listfile.put(' ');
+    listfile.put_decimal(listline, kLineNumberWidth);
+    listfile.put(". ");
+    listfile.put(Line.view());
+}
+
+// Kept: a count that is a multiple of the columns is followed by one line of blanks.
+void put_continuation_lines() {
+    std::size_t first = kColumns;
+    do {
+        listfile.put("    ");
+        put_columns(first);
+        listfile.put('\n');
+        first += kColumns;
+    } while (code_i >= first);
+}
+
+void put_line() {
+    const bool is_value = pending_listLC == 0 && IsEquDirective != 0;
+    if (is_value) {
+        listfile.put_hex_byte(Code[1]);
+        listfile.put(kEquPadding);
+        put_number_and_text();
+        return;
+    }
+    if (pending_listLC != 0) {
+        listfile.put_hex_byte(listLC);
+    } else {
+        listfile.put("  ");
+    }
+    put_columns(0);
+    put_number_and_text();
+    if (code_i > kColumns) {
+        put_continuation_lines();
+    }
+}
+
+void put_file_header() {
+    newuse = 0;
+    listfile.put("---- File: \"");
+    listfile.put(getCurrentFileInfo(-1)->name);
+    listfile.put("\"\n");
+}
+
+} // namespace
+
+void as_write_listline() {
+    if (O_symdebug != 0 && isinstruction != 0 && O_compiler_generated_input == 0) {
+        asm_write_sd_exec(Line_no, 1, listLC);
+    }
+    if (O_list == 0 || listing_on == 0 || Pass2 == 0) {
+        return;
+    }
+    if (is_true_level() == 0 && uncond_listing_on == 0) {
+        return;
+    }
+    put_line();
+    if (newuse != 0) {
+        put_file_header();
+    }
+}
+
+void listing_new_run() {
+    listing_on = 0;
+    listing_new_pass();
+}
+
+void listing_new_pass() { uncond_listing_on = 0; }

@@ -1,0 +1,166 @@
+#include "as/asMain.h"
+
+#include "as/asCommand.h"
+#include "as/asCond.h"
+#include "as/asDiag.h"
+#include "as/asFiles.h"
+#include "as/asLine.h"
+#include "as/asList.h"
+#include "as/asListing.h"
+#include "as/asOptions.h"
+#include "as/asOutput.h"
+#include "as/asPseudo.h"
+#include "as/asSource.h"
+#include "symtab/symtab.h"
+#include "target/emit.h"
+
+#include <csignal>
+
+namespace {
+
+constexpr int kFailure = 1;
+constexpr int kStatusMask = 0xFF;
+
+void start_up(const char *invocation) {
+    output_new_run();
+    options_new_run();
+    diag_new_pass();
+    source_new_run(invocation);
+    command_new_run();
+    files_new_run();
+    listing_new_run();
+    pseudo_new_run();
+    emit_new_run();
+    InitSegmentList();
+    init_as_symbol_table();
+    init_as_conditional_handling();
+}
+
+// What every pass begins with.
+void reset_pass_state() {
+    location_new_pass();
+    line_new_pass();
+    listing_new_pass();
+    pseudo_new_pass();
+}
+
+// Before passes 0 and 1.
+void initpass1() {
+    Pass2 = 0;
+    reset_pass_state();
+    diag_new_pass();
+    source_new_pass();
+}
+
+int cannot_open(const char *file) {
+    standard_output.put(kProgramName);
+    standard_output.put(": Can't open '");
+    standard_output.put(file);
+    standard_output.put("'\n");
+    standard_output.flush();
+    return 0;
+}
+
+// Constants become known. Returns 0 when the source cannot be opened, as first_pass does.
+int constants_pass(const char *file) {
+    Pass = 0;
+    initpass1();
+    if (push_source(file) == 0) {
+        return cannot_open(file);
+    }
+    while (as_read_line() != 0) {
+        assaline(0);
+    }
+    return 1;
+}
+
+// Labels get their addresses.
+int first_pass(const char *file) {
+    Pass = 1;
+    initpass1();
+    if (openfiles(file) == 0) {
+        return cannot_open(file);
+    }
+    while (as_read_line() != 0) {
+        assaline(1);
+    }
+    return 1;
+}
+
+// Everything is evaluated, emitted, listed and reported.
+void final_pass() {
+    Pass = 2;
+    Pass2 = 1;
+    prep_undefine();
+    // Kept: the first record begins at the location counter that pass 1 has left.
+    outrecinit(record_type, LC);
+    write_headers();
+    source_rewind();
+    push_source("");
+    reset_pass_state();
+    source_new_counts();
+    diag_new_counts();
+    while (as_read_line() != 0) {
+        assaline(2);
+        as_write_listline();
+    }
+    if (O_symtab != 0) {
+        symwrite(O_list != 0 ? listfile : standard_output);
+    }
+    if (O_symdebug != 0) {
+        symdebugwrite(symdebfile);
+    }
+}
+
+// Kept: a clean run says "No errors." alone with -w and behind "-- " without.
+void print_summary() {
+    const bool warned = O_warn > 0 && Warnings != 0;
+    if (Errors != 0 || O_warn <= 0 || warned) {
+        standard_output.put("-- ");
+    }
+    if (Errors != 0) {
+        standard_output.put_decimal(Errors);
+        standard_output.put(" error(s).\n");
+    } else {
+        standard_output.put("No errors.\n");
+    }
+    if (warned) {
+        standard_output.put_decimal(Warnings);
+        standard_output.put(" warning(s).\n");
+    }
+}
+
+int finish() {
+    CloseDown();
+    if (report_write_failures()) {
+        standard_output.flush();
+        return kFailure;
+    }
+    print_summary();
+    standard_output.flush();
+    return standard_output.has_failed() ? kFailure : Errors & kStatusMask;
+}
+
+int assemble(const char *file) {
+    if (constants_pass(file) == 0 || first_pass(file) == 0) {
+        return kFailure;
+    }
+    final_pass();
+    return finish();
+}
+
+} // namespace
+
+int as_main(int argc, const char *const *argv) {
+    // A closed pipe then is a write that fails, and is reported as one.
+    (void)std::signal(SIGPIPE, SIG_IGN);
+    start_up(argc > 0 ? argv[0] : kProgramName);
+    if (argc < 2) {
+        print_usage();
+        standard_output.flush();
+        return 0;
+    }
+    const char *file = read_command_line(argc, argv);
+    standard_output.flush();
+    return file == nullptr ? 0 : assemble(file);
+}

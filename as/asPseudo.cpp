@@ -1,0 +1,401 @@
+#include "as/asPseudo.h"
+
+#include "as/asData.h"
+#include "as/asDiag.h"
+#include "as/asLine.h"
+#include "as/asList.h"
+#include "as/asListing.h"
+#include "as/asOptions.h"
+#include "as/asSource.h"
+#include "expr/expr.h"
+#include "symtab/symtab.h"
+#include "target/emit.h"
+#include "target/operand.h"
+#include "target/scan.h"
+#include "util/path.h"
+#include "util/text.h"
+#include "util/wrap.h"
+
+#include <array>
+#include <cstring>
+
+// clang-format off
+const DirectiveEntry pseudo_zirpa[] = {
+    {"org",     DIR_ORG,     0},
+    {"equ",     DIR_EQU,     0},
+    {"rmb",     DIR_RESERVE, 0},
+    {"fcb",     DIR_BYTES,   0},
+    {"fcs",     DIR_STRING,  0},
+    {"end",     DIR_END,     0},
+    {nullptr,   DIR_NONE,    0},
+};
+
+// Kept: the first word holds its hash sign, so that the if with an expression is written "##if".
+const DirectiveEntry macro_pure[] = {
+    {"#if",     DIR_IF,          0},
+    {"else",    DIR_ELSE,        0},
+    {"endif",   DIR_ENDIF,       0},
+    {"elif",    DIR_ELIF,        0},
+    {"define",  DIR_COND_DEFINE, 0},
+    {"error",   DIR_ERROR,       0},
+    {"ifdef",   DIR_IFDEF,       0},
+    {"ifndef",  DIR_IFNDEF,      0},
+    {nullptr,   DIR_NONE,        0},
+};
+
+const DirectiveEntry macro_native[] = {
+    {".if",     DIR_IF,     0},
+    {".else",   DIR_ELSE,   0},
+    {".endif",  DIR_ENDIF,  0},
+    {".elseif", DIR_ELIF,   0},
+    {".ifdef",  DIR_IFDEF,  0},
+    {".ifndef", DIR_IFNDEF, 0},
+    {".error",  DIR_ERROR,  0},
+    {nullptr,   DIR_NONE,   0},
+};
+// clang-format on
+
+std::uint32_t MC6809_anticipated_dp = 0;
+int default_entry_seen = 0;
+std::uint32_t defaultentryLC = 0;
+int entry_is_defined = 0;
+std::int64_t entryLC = 0;
+
+namespace {
+
+// Longest directive word that is looked up, in characters; longer ones are cut.
+constexpr std::size_t kDirectiveWordLimit = 63;
+constexpr int kCarriedOut = 2;
+constexpr int kFailed = -1;
+// Kind and element count of names that have no data.
+constexpr int kSymbolKind = 32;
+constexpr int kNoData = -1;
+
+std::uint32_t find_directive(const DirectiveEntry *table, const char *word) {
+    for (const DirectiveEntry *entry = table; entry->name != nullptr; ++entry) {
+        if (namecomparei(word, entry->name)) {
+            return entry->token;
+        }
+    }
+    return DIR_NONE;
+}
+
+// Reads the word at the scan position, moves behind it and the blanks that follow (line ends
+// included), and returns its directive number.
+std::uint32_t directive_at_scan_position() {
+    std::array<char, kDirectiveWordLimit + 1> word{};
+    std::size_t length = 0;
+    while (length < kDirectiveWordLimit && !isblanc(*Col_Ptr)) {
+        word[length++] = *Col_Ptr++;
+    }
+    Col_Ptr = skipblanc(Col_Ptr);
+    return GetPseudoToken(word.data());
+}
+
+// A conditional word of a table at p: its number, with position behind it, or 0.
+int find_conditional(const DirectiveEntry *table, const char *p, const char *&position) {
+    const std::uint32_t token = find_directive(table, p);
+    if (token != DIR_NONE) {
+        position = skipnonblanc(p);
+    }
+    return static_cast<int>(token);
+}
+
+// ---- Directives of other dialects ------------------------------------------------------------------
+
+int do_include() {
+    pending_listLC = 0;
+    resetLabel();
+    std::string name;
+    copyFname(name, Col_Ptr);
+    if (push_source(name.c_str()) == 0) {
+        vpFatal("File '%s' not found", name.c_str());
+    }
+    newuse = 1;
+    return kCarriedOut;
+}
+
+void warn_old_fashioned(const char *word, const char *instead) {
+    vpWarning("Old fashioned directive: '%s', use '%s' instead", word, instead);
+}
+
+int do_listing_word(std::uint32_t token) {
+    switch (token) {
+    case DIR_LIST:
+        warn_old_fashioned("LIST", "OPTION LIST");
+        listing_on = O_list != 0 ? 1 : listing_on;
+        break;
+    case DIR_LISTCOND:
+        warn_old_fashioned("LISTCOND", "OPTION LISTCOND");
+        uncond_listing_on = 1;
+        break;
+    case DIR_NOLIST:
+        warn_old_fashioned("NOLIST", "OPTION NOLIST");
+        listing_on = O_list != 0 ? 0 : listing_on;
+        break;
+    default:
+        warn_old_fashioned("NOLISTCOND", "OPTION NOLISTCOND");
+        uncond_listing_on = 0;
+        break;
+    }
+    return 1;
+}
+
+int do_unimplemented() {
+    Warning("Unimplemented assembler directive, ignored");
+    return kFailed;
+}
+
+int do_unimplemented_module_word(std::uint32_t token) {
+    if (token == DIR_DEFINE) {
+        warn_old_fashioned("DEFINE or XDEF", "EXPORT");
+    } else if (token == DIR_EXTERN) {
+        warn_old_fashioned("EXTERN or XREF", "IMPORT");
+    }
+    resetLabel();
+    return do_unimplemented();
+}
+
+int fail(const char *text) {
+    Error(text);
+    return kFailed;
+}
+
+int do_set_direct_page() {
+    ClearOp(opnd1);
+    if (ppexpr(opnd1, 1) != 0) {
+        return kFailed;
+    }
+    if (!isblanc(*Col_Ptr)) {
+        return fail("Bad constant delimiter");
+    }
+    if (opnd1.value > 255) {
+        return fail("DPR register is 8 bits");
+    }
+    MC6809_anticipated_dp = low_32(opnd1.value);
+    return kCarriedOut;
+}
+
+// ---- EQU -----------------------------------------------------------------------------------------
+
+void store_operand(Symbol &symbol) { symbol.value = signed_32(evalexp(Col_Ptr, 0)); }
+
+void make_absolute(Symbol &symbol, int set) {
+    symbol.flags &= ~SYM_UNDEFINED;
+    symbol.flags |= SYM_DEFINED | SYM_ABSOLUTE | (set != 0 ? SYM_REDEFINABLE : 0U);
+}
+
+// A symbol that exists, before the final pass.
+void equate_existing(Symbol &symbol, int set) {
+    if (symbol.has(SYM_UNDEFINED)) {
+        make_absolute(symbol, set);
+        store_operand(symbol);
+    } else if (set == 0 || !symbol.has(SYM_REDEFINABLE)) {
+        // Every EQU is met again in pass 1, so the mark alone makes no duplicate.
+        symbol.flags |= SYM_MULTIPLE;
+    } else {
+        store_operand(symbol);
+    }
+}
+
+Symbol *create_constant(std::string_view name, std::int32_t value, int set) {
+    Symbol *symbol =
+        putsym(name, value, realline, SYM_DEFINED | SYM_ABSOLUTE | (set != 0 ? SYM_REDEFINABLE : 0U),
+               kSymbolKind, nullptr, kNoData);
+    if (symbol != nullptr) {
+        symbol->segment = LookupSegment("abs", 1);
+    }
+    return symbol;
+}
+
+// The checks of the final pass. The operand is compared with the value from before this line.
+void check_constant(Symbol &symbol, std::int32_t value_before) {
+    symbol.file = current_file_index();
+    if (symbol.has(SYM_MULTIPLE) && symbol.definition_line != realline) {
+        vpError("symbol '%s' previously defined at line %d", symbol.name, symbol.definition_line);
+        if (!isblanc(*Col_Ptr) && value_before != evalexp(Col_Ptr, 1)) {
+            vpError("symbol '%s' redefined at line %d", symbol.name, realline);
+        }
+    }
+    if (symbol.has(SYM_FORWARD)) {
+        vpWarning("symbol '%s' is forward referenced from line %d", symbol.name,
+                  symbol.first_reference_line);
+    }
+}
+
+// Gives the label its value. None when pass 0 has created it and nothing is left to be done.
+Symbol *equate(std::string_view name, int set) {
+    Symbol *symbol = getsym(name);
+    if (symbol == nullptr) {
+        if (Pass == 0 && set == 0) {
+            (void)create_constant(name, signed_32(evalexp(Col_Ptr, 0)), set);
+            return nullptr;
+        }
+        symbol = create_constant(name, 0, set);
+        store_operand(*symbol);
+        return symbol;
+    }
+    if (symbol->definition_line == 0) {
+        symbol->definition_line = realline;
+    }
+    if (Pass2 == 0) {
+        equate_existing(*symbol, set);
+        return symbol;
+    }
+    const std::int32_t value_before = symbol->value;
+    store_operand(*symbol);
+    check_constant(*symbol, value_before);
+    return symbol;
+}
+
+} // namespace
+
+std::uint32_t GetPseudoToken(const char *word) { return find_directive(pseudo_zirpa, word); }
+
+int PseudoOp() {
+    if (*Col_Ptr == '\0') {
+        return 0;
+    }
+    const char *word = Col_Ptr;
+    const std::uint32_t token = directive_at_scan_position();
+    if (token == DIR_NONE) {
+        Col_Ptr = word;
+        return 0;
+    }
+    return do_directive(token);
+}
+
+int do_directive(std::uint32_t token) {
+    switch (token) {
+    case DIR_INCLUDE: return do_include();
+    case DIR_LIST:
+    case DIR_LISTCOND:
+    case DIR_NOLIST:
+    case DIR_NOLISTCOND: return do_listing_word(token);
+    case DIR_ORG: return DoOrg();
+    case DIR_EQU: return DoEqu(0);
+    case DIR_SET: return DoEqu(1);
+    case DIR_END: return DoEnd();
+    case DIR_BYTES: return do_define_data();
+    case DIR_RESERVE: return do_reserve_memory(1);
+    case DIR_STRING: return do_define_characters('"', 0);
+    case 24:
+    case 25:
+    case 26:
+    case DIR_DEFINE:
+    case 28:
+    case DIR_EXTERN:
+    case 30:
+    case 31:
+    case 32:
+    case 33:
+    case 34:
+    case 36:
+    case 37: return do_unimplemented_module_word(token);
+    case 52:
+    case 54:
+    case 55:
+    case 56:
+    case 57:
+    case 58: return do_unimplemented();
+    case DIR_SETDP: return do_set_direct_page();
+    default: return kFailed;
+    }
+}
+
+int isPseudoEqu() { return directive_at_scan_position() == DIR_EQU ? 1 : 0; }
+
+int is_conditional_macro_directive(const char *&position) {
+    const char *p = position;
+    if (O_directive_style_pure != 0 && *p == '#') {
+        p = skipblanc(p + 1);
+        if (const int token = find_conditional(macro_pure, p, position); token != 0) {
+            return token;
+        }
+    }
+    if (O_directive_style_native != 0) {
+        if (const int token = find_conditional(macro_native, p, position); token != 0) {
+            return token;
+        }
+    }
+    if (O_directive_style_gnu != 0 && *p == '.') {
+        // Kept: the words have a dot of their own, so a match needs two, as in "..if".
+        return find_conditional(macro_native, skipblanc(p + 1), position);
+    }
+    return 0;
+}
+
+int DoEqu(int set) {
+    if (label == 0) {
+        return fail("No label for \"equ\"");
+    }
+    const Symbol *symbol = equate(label_name(), set);
+    if (symbol == nullptr) {
+        return kCarriedOut;
+    }
+    const std::uint32_t value = low_32(symbol->value);
+    list_byte(value >> 8U);
+    list_byte(value);
+    pending_listLC = 0;
+    IsEqu = 1;
+    IsEquDirective = 1;
+    return kCarriedOut;
+}
+
+int DoOrg() {
+    resetLabel();
+    ClearOp(opnd1);
+    if (ppexpr(opnd1, 1) != 0) {
+        return kFailed;
+    }
+    if (opnd1.forward_references != 0) {
+        return fail("Forward reference");
+    }
+    putout();
+    LC = low_32(opnd1.value);
+    listLC = LC;
+    if (default_entry_seen == 0) {
+        default_entry_seen = 1;
+        defaultentryLC = LC;
+    }
+    outrecinit(record_type, LC);
+    if (label != 0) {
+        define_directive_label();
+    }
+    return kCarriedOut;
+}
+
+int DoEnd() {
+    if (Pass2 == 0 || isblanc(*Col_Ptr)) {
+        endflag = 1;
+        return 1;
+    }
+    std::string name;
+    extractsizedname(name, Col_Ptr, kNameLimit);
+    if (name.empty()) {
+        // Kept: the final pass reads on behind such a line, although pass 1 has stopped there.
+        return 1;
+    }
+    const Symbol *symbol = getsym(name);
+    if (symbol == nullptr || symbol->has(SYM_UNDEFINED)) {
+        // Kept: the wording, although no such symbol is defined.
+        vpWarning("start symbol '%s' is defined", symbol == nullptr ? name.c_str() : symbol->name);
+    } else if (entry_is_defined == 0) {
+        entryLC = symbol->value;
+        entry_is_defined = 1;
+    } else if (entryLC != symbol->value) {
+        Warning("Program entry defined, END <address> ignored");
+    }
+    endflag = 1;
+    return 1;
+}
+
+void pseudo_new_run() {
+    default_entry_seen = 0;
+    defaultentryLC = 0;
+    entry_is_defined = 0;
+    entryLC = 0;
+    pseudo_new_pass();
+}
+
+void pseudo_new_pass() { MC6809_anticipated_dp = 0; }

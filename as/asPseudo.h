@@ -1,0 +1,85 @@
+// Directives: their words, their recognition and dispatch, and those that emit nothing.
+//
+// A word is matched in any case and must end at a blank. Directives are numbered across all dialects
+// that share the dispatcher; only the three tables below have words for them here.
+#pragma once
+
+#include <cstdint>
+
+// A row of a directive table; none ends a table.
+struct DirectiveEntry {
+    const char *name; // lower case
+    std::uint32_t token;
+    std::int32_t reserved; // 0
+};
+
+// Directive numbers.
+enum DirectiveToken : std::uint32_t {
+    DIR_NONE = 0,
+    DIR_INCLUDE = 2,
+    DIR_LIST = 3,
+    DIR_LISTCOND = 4,
+    DIR_NOLIST = 5,
+    DIR_NOLISTCOND = 6,
+    DIR_ORG = 7,
+    DIR_EQU = 8,
+    DIR_SET = 9,
+    DIR_END = 10,
+    DIR_BYTES = 11,
+    DIR_RESERVE = 16,
+    DIR_STRING = 20,
+    DIR_DEFINE = 27,
+    DIR_EXTERN = 29,
+    DIR_IF = 44,
+    DIR_ELSE = 45,
+    DIR_ENDIF = 46,
+    DIR_ELIF = 47,
+    DIR_IFDEF = 48,
+    DIR_COND_DEFINE = 49,
+    DIR_IFNDEF = 50,
+    DIR_ERROR = 51,
+    DIR_SETDP = 53,
+};
+
+extern const DirectiveEntry pseudo_zirpa[]; // directives of the operation field
+extern const DirectiveEntry macro_pure[];   // conditional words behind a "#"
+extern const DirectiveEntry macro_native[]; // dotted conditional words
+
+// ---- State owned here ----------------------------------------------------------------------------
+
+extern std::uint32_t MC6809_anticipated_dp; // direct page that token 53 assumes; reset at each pass
+extern int default_entry_seen;        // an ORG has been carried out; set once in a run
+extern std::uint32_t defaultentryLC;  // the operand of that first ORG
+extern int entry_is_defined;          // END has named a start symbol; set once in a run
+extern std::int64_t entryLC;          // its value
+
+// ---- Functions -----------------------------------------------------------------------------------
+
+// The number of the directive at word, or 0.
+std::uint32_t GetPseudoToken(const char *word);
+
+// Carries out the directive at the scan position. 0 and the scan position unchanged when there is
+// none; 1 or 2 when it was carried out; -1 when it failed or was ignored.
+int PseudoOp();
+
+// Carries out a directive by its number, with the scan position at its operand; as PseudoOp, with -1
+// for numbers that do nothing.
+int do_directive(std::uint32_t token);
+
+// 1 when EQU stands at the scan position, else 0; moves past the word and the blanks behind it.
+int isPseudoEqu();
+
+// The number 44 to 51 of a conditional word at position, which then moves behind it, or 0.
+int is_conditional_macro_directive(const char *&position);
+
+// EQU; with set, the redefinable form. 2, or -1 after an error.
+int DoEqu(int set);
+
+// ORG. 2, or -1 after an error.
+int DoOrg();
+
+// END. Always 1.
+int DoEnd();
+
+void pseudo_new_run();
+void pseudo_new_pass();

@@ -1,0 +1,363 @@
+#include "as/asSource.h"
+
+#include "as/asDiag.h"
+#include "as/asLine.h"
+#include "as/asOptions.h"
+#include "target/emit.h"
+#include "target/encode.h"
+#include "target/operand.h"
+#include "target/scan.h"
+#include "util/path.h"
+#include "util/text.h"
+
+#include <algorithm>
+#include <cstring>
+
+std::string AsmStartDirectory;
+std::string AsmCurrentDirectory;
+std::deque<FileEntry> file_entry;
+int file_entry_ptr = -1;
+int source_stack_ptr = -1;
+int pplevel = -1;
+std::vector<int> file_entry_index;
+std::vector<std::string> include_stack;
+LineBuffer Line;
+const char *Line_Ptr = Line.begin();
+const char *Col_Ptr = Line.begin();
+int Line_no = 0;
+int realline = 0;
+int listline = 0;
+int newuse = 0;
+int endflag = 0;
+
+namespace {
+
+// The texts read in this run, under the names by which they were opened.
+struct LoadedFile {
+    std::string opened_name;
+    FileText text;
+};
+std::deque<LoadedFile> loaded_files;
+
+// The file's text, read at the first call for that name; none when it cannot be read.
+const FileText *load(const std::string &name) {
+    for (const LoadedFile &file : loaded_files) {
+        if (file.opened_name == name) {
+            return &file.text;
+        }
+    }
+    FileText text;
+    if (!read_file(name.c_str(), text)) {
+        return nullptr;
+    }
+    loaded_files.push_back({name, std::move(text)});
+    return &loaded_files.back().text;
+}
+
+// The directory of the current file joined to name; empty when no file is open.
+std::string beside_current_file(const std::string &name) {
+    if (source_stack_ptr < 0) {
+        return {};
+    }
+    std::string directory;
+    PathFromPathName(directory, getCurrentFileInfo(-1)->pathname.c_str());
+    return directory + "/" + name;
+}
+
+std::string in_include_directory(const std::string &name) {
+    bool from_start_directory = false;
+    const int index = match_include(name.c_str(), from_start_directory);
+    if (index < 0) {
+        return {};
+    }
+    const std::string &directory = include_stack[static_cast<std::size_t>(index)];
+    const std::string start = from_start_directory ? AsmStartDirectory + "/" : std::string();
+    return start + directory + "/" + name;
+}
+
+// Opens the first of the places where name may be; name becomes the place.
+const FileText *open_source(std::string &name) {
+    const FileText *text = load(name);
+    if (text != nullptr || PathHasRoot(name.c_str())) {
+        return text;
+    }
+    for (const auto &place_of : {beside_current_file, in_include_directory}) {
+        const std::string place = place_of(name);
+        if (place.empty()) {
+            continue;
+        }
+        text = load(place);
+        if (text != nullptr) {
+            name = place;
+            return text;
+        }
+    }
+    return nullptr;
+}
+
+bool is_on_stack(const std::string &name) {
+    for (int i = 0; i <= source_stack_ptr && i <= file_entry_ptr; ++i) {
+        if (file_entry[static_cast<std::size_t>(i)].pathname == name) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// The file that is current after a step of the sequence, -1: none.
+int file_at_step(int step) {
+    if (step < 0 || step >= static_cast<int>(file_entry_index.size())) {
+        return -1;
+    }
+    return file_entry_index[static_cast<std::size_t>(step)];
+}
+
+void record_step(int step, int file) {
+    const auto index = static_cast<std::size_t>(step);
+    if (file_entry_index.size() <= index) {
+        file_entry_index.resize(index + 1, -1);
+    }
+    file_entry_index[index] = file;
+}
+
+FileEntry *file_of_step(int step) {
+    const int file = file_at_step(step);
+    return file < 0 ? nullptr : &file_entry[static_cast<std::size_t>(file)];
+}
+
+int replay_push() {
+    if (FileEntry *file = file_of_step(pplevel); file != nullptr) {
+        file->saved_line = Line_no;
+    }
+    Line_no = 0;
+    ++source_stack_ptr;
+    ++pplevel;
+    newuse = 1;
+    return 1;
+}
+
+void enter_file(const std::string &name, const FileText *text) {
+    FileEntry entry;
+    if (PathHasRoot(name.c_str())) {
+        entry.pathname = name;
+    } else {
+        makePathAbsoluteUX(entry.pathname, name.c_str());
+    }
+    entry.name = FilenameFromPath(name.c_str());
+    entry.text = text;
+    entry.saved_line = Line_no;
+    file_entry.push_back(std::move(entry));
+    newuse = 1;
+    ++source_stack_ptr;
+    ++pplevel;
+    ++file_entry_ptr;
+    record_step(pplevel, file_entry_ptr);
+    Line_no = 0;
+}
+
+// Reads the next piece of a file into Line: up to a line feed, kLineReadLimit bytes or the end.
+bool read_piece(FileEntry &file) {
+    const FileText &text = *file.text;
+    const std::size_t left = std::min(text.size - file.position, kLineReadLimit);
+    if (left == 0) {
+        return false;
+    }
+    const char *start = &text.data[file.position];
+    const void *line_feed = std::memchr(start, '\n', left);
+    const std::size_t size =
+        line_feed == nullptr
+            ? left
+            : static_cast<std::size_t>(static_cast<const char *>(line_feed) - start) + 1;
+    file.position += size;
+    Line.assign(start, size);
+    return true;
+}
+
+void reset_line_state() {
+    diag_new_line();
+    line_new_line();
+    emit_new_line();
+    scan_new_line();
+    operand_new_line();
+    encode_new_line();
+}
+
+std::string start_directory(const char *invocation) {
+    // Kept: an invocation name without a separator stays whole.
+    const char *separator = StringHasPath(invocation);
+    return separator == nullptr ? std::string(invocation) : std::string(invocation, separator);
+}
+
+} // namespace
+
+void LineBuffer::assign(const char *text, std::size_t size) {
+    const std::size_t taken = std::min(size, kLineReadLimit);
+    std::memcpy(text_.data(), text, taken);
+    text_[taken] = '\0';
+    terminate(std::strlen(text_.data()));
+}
+
+void LineBuffer::end_in_line_feed() {
+    text_[length_ - 2] = '\n';
+    terminate(length_ - 1);
+}
+
+void LineBuffer::terminate(std::size_t length) {
+    length_ = length;
+    std::memset(&text_[length], 0, kGuard);
+}
+
+void source_new_run(const char *invocation) {
+    AsmStartDirectory = start_directory(invocation);
+    AsmCurrentDirectory = getMyDirectory();
+    loaded_files.clear();
+    init_as_include_stack();
+    source_new_pass();
+    Line.assign("", 0);
+    Line_Ptr = Line.begin();
+    Col_Ptr = Line.begin();
+}
+
+void source_new_pass() {
+    source_new_counts();
+    newuse = 0;
+    source_stack_ptr = -1;
+    file_entry_ptr = -1;
+    pplevel = -1;
+    file_entry.clear();
+    file_entry_index.clear();
+}
+
+void source_rewind() {
+    for (FileEntry &file : file_entry) {
+        file.position = 0;
+    }
+    source_stack_ptr = -1;
+    pplevel = -1;
+}
+
+void source_new_counts() {
+    Line_no = 0;
+    realline = 0;
+    listline = 0;
+    endflag = 0;
+}
+
+int push_source(const char *name) {
+    if (source_stack_ptr > kSourceStackTop) {
+        vpFatal("To many input files, source stack exhausted");
+    }
+    if (Pass2 != 0) {
+        return replay_push();
+    }
+    if (std::strlen(name) > kSourceNameLimit) {
+        Error("(F1034)");
+        return 0;
+    }
+    std::string opened = name;
+    const FileText *text = open_source(opened);
+    if (text == nullptr) {
+        return 0;
+    }
+    if (is_on_stack(opened)) {
+        Warning("Recursion in file stack, file ignored");
+        return 1;
+    }
+    enter_file(opened, text);
+    return 1;
+}
+
+int pop_source() {
+    --source_stack_ptr;
+    ++pplevel;
+    // Kept: the step two back is the parent only when the file being left has opened none itself;
+    // otherwise it is a file already at its end, and the rest of the outer files is not read.
+    if (Pass2 == 0) {
+        record_step(pplevel, file_at_step(pplevel - 2));
+    }
+    if (const FileEntry *file = file_of_step(pplevel); file != nullptr) {
+        Line_no = file->saved_line;
+    }
+    newuse = 1;
+    endflag = 0;
+    return source_stack_ptr >= 0 ? 1 : 0;
+}
+
+int as_read_line() {
+    if (endflag != 0 && pop_source() == 0) {
+        return 0;
+    }
+    reset_line_state();
+    while (true) {
+        FileEntry *file = file_of_step(pplevel);
+        if (file != nullptr && read_piece(*file)) {
+            break;
+        }
+        if (pop_source() == 0) {
+            return 0;
+        }
+    }
+    ++Line_no;
+    ++realline;
+    ++listline;
+    Col_Ptr = Line.begin();
+    Line_Ptr = Line.begin();
+    const std::size_t length = Line.length();
+    if (length > kLineWarningLimit) {
+        Warning("Source line is to long");
+    }
+    if (length >= 2 && Line.begin()[length - 2] == '\r') {
+        Line.end_in_line_feed();
+    }
+    return 1;
+}
+
+const FileEntry *getCurrentFileInfo(int n) {
+    const int index = n < 0 ? std::max(current_file_index(), 0) : n;
+    return index <= file_entry_ptr ? &file_entry[static_cast<std::size_t>(index)] : nullptr;
+}
+
+int current_file_index() { return source_stack_ptr < 0 ? -1 : file_at_step(pplevel); }
+
+const char *GetAsmStartDirectory() {
+    return AsmStartDirectory.empty() ? nullptr : AsmStartDirectory.c_str();
+}
+
+const char *GetAsmCurrentDirectory() {
+    return AsmCurrentDirectory.empty() ? nullptr : AsmCurrentDirectory.c_str();
+}
+
+void init_as_include_stack() { include_stack.clear(); }
+
+void push_include(const char *path) {
+    if (include_stack.size() >= kIncludeDirectoryLimit) {
+        vpError("Include stack is exhausted, '%s' is ignored", path);
+        return;
+    }
+    std::string directory;
+    copyquotedopt(directory, path);
+    if (directory.empty()) {
+        Warning("Pathname should be quoted, option ignored");
+        return;
+    }
+    include_stack.push_back(std::move(directory));
+}
+
+int match_include(const char *name, bool &from_start_directory) {
+    for (std::size_t i = 0; i < include_stack.size(); ++i) {
+        const std::string &directory = include_stack[i];
+        from_start_directory = directory[0] == '.';
+        const std::string start = from_start_directory ? AsmStartDirectory + "\\" : std::string();
+        // Kept: the probe joins with "\" although the file is then opened with "/".
+        if (can_open((start + directory + "\\" + name).c_str())) {
+            return static_cast<int>(i);
+        }
+    }
+    return -1;
+}
+
+bool is_source_file(dev_t device, ino_t inode) {
+    return std::any_of(loaded_files.begin(), loaded_files.end(), [=](const LoadedFile &file) {
+        return file.text.is_regular && file.text.device == device && file.text.inode == inode;
+    });
+}

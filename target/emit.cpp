@@ -1,0 +1,185 @@
+#include "target/emit.h"
+
+#include "as/asList.h"
+#include "as/asOptions.h"
+#include "as/asOutput.h"
+
+#include <string_view>
+
+std::array<std::uint8_t, 128> Code{};
+std::size_t code_i = 0;
+int Byte_Extension = 1;
+unsigned algofilecount = 0;
+
+namespace {
+
+// The record being collected: its bytes are the address, then the data.
+struct Record {
+    int type = 0;
+    std::size_t count = 0; // bytes held, address included, checksum not
+    std::array<std::uint8_t, kRecordCapacity> bytes{};
+};
+Record outrec;
+
+// The script lines of a record assume an address of this many bytes.
+constexpr std::size_t kScriptAddressBytes = 2;
+
+bool is_data_type(int type) { return type >= kDataRecord16 && type <= kDataRecord32; }
+
+bool is_end_type(int type) { return type >= kEndRecord32 && type <= kEndRecord16; }
+
+// Address bytes that an address needs: 2, 3 or 4.
+std::size_t address_width(std::uint32_t address) {
+    return address >> 24U != 0 ? 4 : address >> 16U != 0 ? 3 : 2;
+}
+
+void put_array_value(std::uint32_t value) {
+    algofile.put(algofilecount == 0 ? "0x" : ",0x");
+    algofile.put_hex_byte(value);
+    if (++algofilecount == kArrayRowValues) {
+        algofile.put(",\n");
+        algofilecount = 0;
+    }
+}
+
+// Adds a byte to the record and to the C array and advances the location counter.
+void emit_byte(std::uint32_t value) {
+    if (outrec.count == kRecordCapacity) {
+        putout1();
+        outrecinit(record_type, LC);
+    }
+    outrec.bytes[outrec.count++] = static_cast<std::uint8_t>(value);
+    ++LC;
+    if (O_cout != 0) {
+        put_array_value(value);
+    }
+}
+
+void put_script_line(unsigned address, unsigned value) {
+    zirpafile.put("\n #setMemory  ");
+    zirpafile.put_hex_byte(address);
+    zirpafile.put('=');
+    zirpafile.put_hex_byte(value);
+}
+
+} // namespace
+
+void ebyte(std::uint32_t value) {
+    if (Pass2 == 0) {
+        ++LC;
+        return;
+    }
+    emit_byte(value);
+    Byte_Extension = 1;
+    list_byte(value);
+}
+
+void eshort(std::uint32_t value) {
+    if (Pass2 == 0) {
+        LC += 2;
+        return;
+    }
+    if (code_i < kListedBytesLimit) {
+        Code[code_i++] = static_cast<std::uint8_t>(value >> 8U);
+        Code[code_i++] = static_cast<std::uint8_t>(value);
+    }
+    emit_byte(value >> 8U);
+    emit_byte(value);
+}
+
+void ecode(std::uint32_t value) { eshort(value); }
+
+void elong(std::uint32_t value) {
+    if (Pass2 == 0) {
+        LC += 4;
+        return;
+    }
+    for (unsigned shift = 32; shift > 0; shift -= 8) {
+        outcode(value >> (shift - 8));
+    }
+    if (code_i <= kListedBytesLimit) {
+        for (unsigned shift = 32; shift > 0; shift -= 8) {
+            Code[code_i++] = static_cast<std::uint8_t>(value >> (shift - 8));
+        }
+    }
+}
+
+void outcode(std::uint32_t value) {
+    if (Pass2 != 0) {
+        emit_byte(value);
+    }
+}
+
+void emit_zeros(std::uint64_t count) {
+    if (Pass2 == 0) {
+        LC += static_cast<std::uint32_t>(count);
+        return;
+    }
+    for (; count > 0; --count) {
+        code_i = 0;
+        ebyte(0);
+    }
+}
+
+void list_byte(std::uint32_t value) {
+    if (code_i < kListedBytesLimit) {
+        Code[code_i++] = static_cast<std::uint8_t>(value);
+    }
+}
+
+void outrecinit(int type, std::uint32_t address) {
+    if (Pass2 == 0) {
+        return;
+    }
+    std::size_t width = address_width(address);
+    if (is_data_type(type)) {
+        // Kept: the narrowest type that holds the address, whatever the options asked for.
+        type = static_cast<int>(width) - 1;
+        record_type = type;
+    } else if (is_end_type(type)) {
+        type = kEndRecord16 + 2 - static_cast<int>(width);
+    } else {
+        width = static_cast<std::size_t>(record_type) + 1;
+    }
+    outrec.type = type;
+    outrec.count = width;
+    for (std::size_t i = 0; i < width; ++i) {
+        outrec.bytes[i] = static_cast<std::uint8_t>(address >> (8 * (width - 1 - i)));
+    }
+}
+
+void putout() {
+    const bool is_empty =
+        is_data_type(outrec.type) && outrec.count == static_cast<std::size_t>(outrec.type) + 1;
+    if (Pass2 != 0 && !is_empty) {
+        putout1();
+    }
+}
+
+void putout1() {
+    const auto length = static_cast<unsigned>(outrec.count) + 1;
+    unsigned sum = length;
+    objectfile.put('S');
+    objectfile.put(kHexDigits[static_cast<unsigned>(outrec.type) & 0xFU]);
+    objectfile.put_hex_byte(length);
+    for (std::size_t i = 0; i < outrec.count; ++i) {
+        sum += outrec.bytes[i];
+        objectfile.put_hex_byte(outrec.bytes[i]);
+    }
+    objectfile.put_hex_byte(~sum);
+    objectfile.put('\n');
+    // Kept: a wider address spills into the script as memory contents at shifted addresses.
+    for (std::size_t i = kScriptAddressBytes; i < outrec.count; ++i) {
+        put_script_line(outrec.bytes[1] + static_cast<unsigned>(i - kScriptAddressBytes),
+                        outrec.bytes[i]);
+    }
+}
+
+void end_array() { algofile.put(algofilecount != 0 ? "\n};\n" : "};\n"); }
+
+void emit_new_run() {
+    outrec = Record{};
+    algofilecount = 0;
+    Code.fill(0);
+    emit_new_line();
+}

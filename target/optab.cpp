@@ -1,0 +1,216 @@
+#include "target/optab.h"
+
+#include "as/asSource.h"
+#include "util/text.h"
+
+namespace {
+
+// Sets of operand forms.
+constexpr std::uint64_t kInherent = ADR_INH;
+constexpr std::uint64_t kImmediate = ADR_IMM;
+constexpr std::uint64_t kBranch = ADR_ABS;
+constexpr std::uint64_t kByteOperand = kByteOperandModes;
+constexpr std::uint64_t kMemory =
+    ADR_ABS | ADR_SP_OFF | ADR_X_OFF | ADR_A_X | ADR_Y_OFF | ADR_A_Y;
+constexpr std::uint64_t kJump = ADR_ABS | ADR_X_OFF | ADR_A_X | ADR_Y_OFF | ADR_A_Y;
+constexpr std::uint64_t kAutoX = ADR_X_POSTINC | ADR_X_POSTDEC | ADR_X_PREINC | ADR_X_PREDEC;
+constexpr std::uint64_t kAutoY = ADR_Y_POSTINC | ADR_Y_POSTDEC | ADR_Y_PREINC | ADR_Y_PREDEC;
+constexpr std::uint64_t kStore = kMemory | kAutoX | kAutoY;
+constexpr std::uint64_t kLoad = kStore | ADR_IMM;
+constexpr std::uint64_t kCompareIndex = ADR_IMM | ADR_ABS | ADR_SP_OFF;
+constexpr std::uint64_t kCompareStack = ADR_IMM | ADR_ABS;
+constexpr std::uint64_t kLeaX = ADR_SP_OFF | ADR_X_OFF;
+constexpr std::uint64_t kLeaY = ADR_SP_OFF | ADR_Y_OFF;
+constexpr std::uint64_t kLeaStack = ADR_SP_OFF | ADR_X_OFF | ADR_Y_OFF;
+static_assert(kMemory == 0x1874 && kJump == 0x1864 && kLoad == 0x1fff6 && kStore == 0x1fff4);
+static_assert(kCompareIndex == 0x16 && kCompareStack == 0x6);
+static_assert(kLeaX == 0x30 && kLeaY == 0x810 && kLeaStack == 0x830);
+
+constexpr InstructionEntry kEnd = {nullptr, 0, 0, 0};
+
+// Rows: mnemonic without its first letter, base opcode, operand forms, encoder. The order within a
+// letter is the order of the search.
+// clang-format off
+constexpr InstructionEntry opNoneentry[] = {
+    kEnd,
+};
+constexpr InstructionEntry opaentry[] = {
+    {"dca",  0x05, kByteOperand,   4}, // ADCA
+    {"dda",  0x06, kByteOperand,   4}, // ADDA
+    {"nda",  0x09, kByteOperand,   4}, // ANDA
+    {"ndcc", 0x01, kImmediate,     1}, // ANDCC
+    {"sla",  0x0B, kInherent,      0}, // ASLA
+    {"sra",  0x0F, kInherent,      0}, // ASRA
+    {"sl",   0x0B, kMemory,        3}, // ASL
+    {"sr",   0x0F, kMemory,        3}, // ASR
+    kEnd,
+};
+constexpr InstructionEntry opbentry[] = {
+    {"sr",   0x20, kBranch,        2}, // BSR
+    {"ra",   0x21, kBranch,        2}, // BRA
+    {"mi",   0x22, kBranch,        2}, // BMI
+    {"pl",   0x23, kBranch,        2}, // BPL
+    {"eq",   0x24, kBranch,        2}, // BEQ
+    {"ne",   0x25, kBranch,        2}, // BNE
+    {"vs",   0x26, kBranch,        2}, // BVS
+    {"vc",   0x27, kBranch,        2}, // BVC
+    {"cs",   0x28, kBranch,        2}, // BCS
+    {"lo",   0x28, kBranch,        2}, // BLO
+    {"cc",   0x29, kBranch,        2}, // BCC
+    {"hs",   0x29, kBranch,        2}, // BHS
+    {"hi",   0x2A, kBranch,        2}, // BHI
+    {"ls",   0x2B, kBranch,        2}, // BLS
+    {"gt",   0x2C, kBranch,        2}, // BGT
+    {"ge",   0x2D, kBranch,        2}, // BGE
+    {"le",   0x2E, kBranch,        2}, // BLE
+    {"lt",   0x2F, kBranch,        2}, // BLT
+    {"ita",  0x08, kByteOperand,   4}, // BITA
+    kEnd,
+};
+constexpr InstructionEntry opcentry[] = {
+    {"lra",  0x05, kInherent,      0}, // CLRA
+    {"lr",   0x05, kMemory,        3}, // CLR
+    {"mpa",  0x07, kByteOperand,   4}, // CMPA
+    {"oma",  0x0A, kInherent,      0}, // COMA
+    {"om",   0x0A, kMemory,        3}, // COM
+    {"mpx",  0x0C, kCompareIndex,  4}, // CMPX
+    {"mpy",  0x0D, kCompareIndex,  4}, // CMPY
+    {"mpsp", 0x0E, kCompareStack,  4}, // CMPSP
+    kEnd,
+};
+constexpr InstructionEntry opdentry[] = {
+    {"eca",  0x08, kInherent,      0}, // DECA
+    {"ec",   0x08, kMemory,        3}, // DEC
+    {"aa",   0xE0, kInherent,      0}, // DAA
+    kEnd,
+};
+constexpr InstructionEntry opeentry[] = {
+    {"ora",  0x0B, kByteOperand,   4}, // EORA
+    {"xg",   0x00, kInherent,      6}, // EXG
+    kEnd,
+};
+constexpr InstructionEntry opientry[] = {
+    {"nca",  0x07, kInherent,      0}, // INCA
+    {"nc",   0x07, kMemory,        3}, // INC
+    kEnd,
+};
+constexpr InstructionEntry opjentry[] = {
+    {"mp",   0x03, kJump,          3}, // JMP
+    {"sr",   0x04, kJump,          3}, // JSR
+    kEnd,
+};
+constexpr InstructionEntry oplentry[] = {
+    {"sla",  0x0B, kInherent,      0}, // LSLA
+    {"sra",  0x0C, kInherent,      0}, // LSRA
+    {"sl",   0x0B, kMemory,        3}, // LSL
+    {"sr",   0x0C, kMemory,        3}, // LSR
+    {"da",   0xF0, kLoad,          1}, // LDA
+    {"dx",   0x00, kByteOperand,   4}, // LDX
+    {"dy",   0x01, kByteOperand,   4}, // LDY
+    {"dsp",  0x02, kByteOperand,   4}, // LDSP
+    {"eax",  0x0C, kLeaX,          7}, // LEAX
+    {"eay",  0x0D, kLeaY,          7}, // LEAY
+    {"easp", 0x0E, kLeaStack,      4}, // LEASP
+    kEnd,
+};
+constexpr InstructionEntry opnentry[] = {
+    {"ega",  0x06, kInherent,      0}, // NEGA
+    {"eg",   0x06, kMemory,        3}, // NEG
+    {"op",   0x00, kInherent,      0}, // NOP
+    kEnd,
+};
+constexpr InstructionEntry opoentry[] = {
+    {"ra",   0x0A, kByteOperand,   4}, // ORA
+    {"rcc",  0x02, kImmediate,     1}, // ORCC
+    kEnd,
+};
+constexpr InstructionEntry oppentry[] = {
+    {"sha",  0x10, kInherent,      0}, // PSHA
+    {"shx",  0x11, kInherent,      0}, // PSHX
+    {"shy",  0x12, kInherent,      0}, // PSHY
+    {"shc",  0x13, kInherent,      0}, // PSHC
+    {"shcc", 0x13, kInherent,      0}, // PSHCC
+    {"ula",  0x14, kInherent,      0}, // PULA
+    {"ulx",  0x15, kInherent,      0}, // PULX
+    {"uly",  0x16, kInherent,      0}, // PULY
+    {"ulc",  0x17, kInherent,      0}, // PULC
+    {"ulcc", 0x17, kInherent,      0}, // PULCC
+    kEnd,
+};
+constexpr InstructionEntry oprentry[] = {
+    {"ola",  0x0D, kInherent,      0}, // ROLA
+    {"ora",  0x0E, kInherent,      0}, // RORA
+    {"ol",   0x0D, kMemory,        3}, // ROL
+    {"or",   0x0E, kMemory,        3}, // ROR
+    {"ts",   0x43, kInherent,      0}, // RTS
+    {"ti",   0x44, kInherent,      0}, // RTI
+    kEnd,
+};
+constexpr InstructionEntry opsentry[] = {
+    {"bca",  0x03, kByteOperand,   4}, // SBCA
+    {"uba",  0x04, kByteOperand,   4}, // SUBA
+    {"ta",   0xE0, kStore,         1}, // STA
+    {"tx",   0x00, kMemory,        3}, // STX
+    {"ty",   0x01, kMemory,        3}, // STY
+    {"tsp",  0x02, kMemory,        3}, // STSP
+    kEnd,
+};
+constexpr InstructionEntry optentry[] = {
+    {"fr",   0x00, kInherent,      5}, // TFR
+    {"sta",  0x09, kInherent,      0}, // TSTA
+    {"st",   0x09, kMemory,        3}, // TST
+    kEnd,
+};
+// clang-format on
+
+// A letter's index, or kLetters: z begins no mnemonic.
+std::size_t letter_index(char ch) {
+    const char upper = to_upper(ch);
+    return upper >= 'A' && upper < 'Z' ? static_cast<std::size_t>(upper - 'A') : kLetters;
+}
+
+// True when the word behind the first letter is the tail; end is then behind the word.
+bool matches(const char *tail, const char *word, const char *&end) {
+    while (*tail != '\0') {
+        if (to_upper(*word) != to_upper(*tail)) {
+            return false;
+        }
+        ++tail;
+        ++word;
+    }
+    end = word;
+    return isblanc(*word);
+}
+
+} // namespace
+
+// clang-format off
+const InstructionEntry *const optab[kLetters] = {
+    opaentry,    opbentry,    opcentry,    opdentry,    opeentry,    opNoneentry, opNoneentry,
+    opNoneentry, opientry,    opjentry,    opNoneentry, oplentry,    opNoneentry, opnentry,
+    opoentry,    oppentry,    opNoneentry, oprentry,    opsentry,    optentry,    opNoneentry,
+    opNoneentry, opNoneentry, opNoneentry, opNoneentry, opNoneentry,
+};
+// clang-format on
+
+MnemonicRecord mnemonic;
+MnemonicRecord *mp = &mnemonic;
+
+int ZIRPA_getmnem(MnemonicRecord *record) {
+    const char first = *Col_Ptr++;
+    const std::size_t letter = letter_index(first);
+    if (letter == kLetters) {
+        return 0;
+    }
+    for (const InstructionEntry *entry = optab[letter]; entry->tail != nullptr; ++entry) {
+        const char *end = nullptr;
+        if (matches(entry->tail, Col_Ptr, end)) {
+            record->opcode = static_cast<std::uint16_t>(entry->opcode);
+            record->mode_mask = entry->mode_mask;
+            record->coder = static_cast<std::uint16_t>(entry->coder);
+            Col_Ptr = end;
+            return 1;
+        }
+    }
+    return 0;
+}

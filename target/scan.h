@@ -1,0 +1,78 @@
+// The token scanner of expressions and operands, and the scanner of names.
+//
+// Everything reads at the shared scan position Col_Ptr and leaves it behind what it took. A token is
+// told by its code: a character stands for itself, the rest is numbered below.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+// Longest name that is read as one, in characters; what follows is the next token.
+inline constexpr std::size_t kNameLimit = 128;
+
+enum Token : int {
+    TOK_END = 0, // after a digit error
+    TOK_LC = 257, // "*" as the location counter, in operand mode
+    TOK_EQ = 258,
+    TOK_NE = 259,
+    TOK_LE = 260,
+    TOK_GE = 261,
+    TOK_LOGICAL_OR = 262,
+    TOK_LOGICAL_AND = 264,
+    TOK_LOGICAL_NOT = 265,
+    TOK_COMPLEMENT = 266,
+    TOK_XOR = 267,
+    TOK_MINUS = 268,
+    TOK_PLUS = 269,
+    TOK_MULTIPLY = 270,
+    TOK_DIVIDE = 271,
+    TOK_SHIFT_LEFT = 272,
+    TOK_SHIFT_RIGHT = 273,
+    TOK_AND = 274,
+    TOK_OR = 275,
+    TOK_NUMBER = 276, // value in yyval
+    TOK_NAME = 277,   // text in yytext
+    TOK_LESS = 284,
+    TOK_GREATER = 285,
+    TOK_REMAINDER = 286,
+    TOK_OPEN = 287,
+    TOK_CLOSE = 288,
+    TOK_A = 289,
+    TOK_CC = 291,
+    TOK_X = 292,
+    TOK_Y = 293,
+    TOK_SP = 294,
+};
+
+// How operators are read: as tokens of their own, or as plain characters.
+enum ScanMode : int { kExpressionMode = 0, kOperandMode = 1 };
+
+// ---- State owned here ----------------------------------------------------------------------------
+
+extern std::string_view yytext; // text of the last name, in the line; cleared by each gettoken
+extern std::int32_t yyval;      // low 32 bits of the last number; cleared by each gettoken
+extern int ctoken;              // the previous token, which tells "%" and "*" apart; reset at each line
+
+// ---- Functions -----------------------------------------------------------------------------------
+
+// The length of the name at p, at most kNameLimit; 0 if there is none. A letter or "_" comes first,
+// then letters, digits, "$", "." and "_"; a byte of 128 or more right behind makes it no name.
+std::size_t symbol_length(const char *p);
+
+// Reads a name into yytext and returns 1, or returns 0 without moving.
+int valid_sym();
+
+// Reads the next token and returns its code.
+int gettoken(int mode);
+
+// Takes ch if it is the next character: 1, else 0.
+int lookahead(char ch);
+
+// 1 for the comment character ";", else 0.
+int IsCommentChar(char ch);
+
+// True for the tokens behind which "%" and "*" are binary operators.
+bool is_operand_ending(int token);
+
+inline void scan_new_line() { ctoken = 0; }

@@ -1,0 +1,37 @@
+// Numbers to text by hand. The digits are written into a buffer of the caller's; the result is the
+// part of it that they take.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <string_view>
+
+inline constexpr std::string_view kHexDigits = "0123456789ABCDEF";
+
+// Room for any 64-bit number, its sign included.
+using NumberText = std::array<char, 20>;
+
+// Upper-case hexadecimal with at least min_digits (1 to 16) digits, zero-padded.
+inline std::string_view hex_text(NumberText &text, std::uint64_t value, unsigned min_digits) {
+    std::size_t first = text.size();
+    while (value != 0 || text.size() - first < min_digits) {
+        text[--first] = kHexDigits[value & 0xFU];
+        value >>= 4U;
+    }
+    return {&text[first], text.size() - first};
+}
+
+// Signed decimal.
+inline std::string_view decimal_text(NumberText &text, std::int64_t value) {
+    std::size_t first = text.size();
+    std::uint64_t rest =
+        value < 0 ? 0 - static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
+    do {
+        text[--first] = static_cast<char>('0' + rest % 10);
+        rest /= 10;
+    } while (rest != 0);
+    if (value < 0) {
+        text[--first] = '-';
+    }
+    return {&text[first], text.size() - first};
+}

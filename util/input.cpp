@@ -1,0 +1,82 @@
+#include "util/input.h"
+
+#include <cerrno>
+#include <cstring>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+// Room for a source that does not tell its size, such as a pipe; doubled as needed.
+constexpr std::size_t kFirstCapacity = 65536;
+
+void grow(FileText &text, std::size_t capacity) {
+    auto larger = std::make_unique_for_overwrite<char[]>(capacity);
+    if (text.size > 0) {
+        std::memcpy(larger.get(), text.data.get(), text.size);
+    }
+    text.data = std::move(larger);
+}
+
+bool read_all(int descriptor, std::size_t capacity, FileText &text) {
+    grow(text, capacity);
+    while (true) {
+        if (text.size == capacity) {
+            capacity *= 2;
+            grow(text, capacity);
+        }
+        const ssize_t count = ::read(descriptor, &text.data[text.size], capacity - text.size);
+        if (count > 0) {
+            text.size += static_cast<std::size_t>(count);
+        } else if (count == 0) {
+            return true;
+        } else if (errno != EINTR) {
+            return false;
+        }
+    }
+}
+
+// Closes a descriptor when its scope is left.
+class DescriptorGuard {
+  public:
+    explicit DescriptorGuard(int descriptor) : descriptor_(descriptor) {}
+    DescriptorGuard(const DescriptorGuard &) = delete;
+    DescriptorGuard &operator=(const DescriptorGuard &) = delete;
+    ~DescriptorGuard() { (void)::close(descriptor_); }
+
+  private:
+    int descriptor_;
+};
+
+} // namespace
+
+bool read_file(const char *name, FileText &text) {
+    const int descriptor = ::open(name, O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0) {
+        return false;
+    }
+    const DescriptorGuard guard(descriptor);
+    struct stat status {};
+    if (fstat(descriptor, &status) != 0) {
+        return false;
+    }
+    text.size = 0;
+    text.is_regular = S_ISREG(status.st_mode);
+    text.device = status.st_dev;
+    text.inode = status.st_ino;
+    // One byte more than the size, so that the end of the file is seen without growing.
+    const std::size_t capacity =
+        text.is_regular ? static_cast<std::size_t>(status.st_size) + 1 : kFirstCapacity;
+    return read_all(descriptor, capacity, text);
+}
+
+bool can_open(const char *name) {
+    const int descriptor = ::open(name, O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0) {
+        return false;
+    }
+    (void)::close(descriptor);
+    return true;
+}

@@ -1,0 +1,75 @@
+// A buffered output file, and formatting by hand into it.
+//
+// Every byte that the program writes goes through this class: bytes and numbers are put into a
+// large buffer by table look-up, and the buffer goes to the operating system when it is full. A
+// failed write is remembered and reported once by the owner at the end of the run.
+#pragma once
+
+#include "util/format.h"
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+
+// Bytes gathered before a write. Its size cannot be observed in any output.
+#ifndef HXZIRPA_OUTPUT_BUFFER_SIZE
+inline constexpr std::size_t kOutputBufferSize = 65536;
+#else
+inline constexpr std::size_t kOutputBufferSize = HXZIRPA_OUTPUT_BUFFER_SIZE;
+#endif
+
+class OutputFile {
+  public:
+    constexpr OutputFile() = default;
+
+    // Creates or empties the file. Returns false when that fails; the object is closed then.
+    bool create(const char *name);
+
+    // Writes to an already open descriptor, which close() leaves open.
+    void attach(int descriptor);
+
+    bool is_open() const { return descriptor_ >= 0; }
+
+    // True when a write or the closing has failed since create() or attach().
+    bool has_failed() const { return failed_; }
+
+    // A closed file swallows what is put into it.
+    void put(char ch) {
+        if (used_ == kOutputBufferSize) {
+            flush();
+        }
+        buffer_[used_++] = ch;
+    }
+
+    void put(std::string_view text);
+
+    // Two upper-case hexadecimal digits.
+    void put_hex_byte(unsigned value) {
+        put(kHexDigits[value >> 4U & 0xFU]);
+        put(kHexDigits[value & 0xFU]);
+    }
+
+    // Upper-case hexadecimal, at least min_digits digits (1 to 16), zero-padded.
+    void put_hex(std::uint64_t value, unsigned min_digits);
+
+    // Decimal, padded with blanks on the left to at least width characters.
+    void put_decimal(std::int64_t value, unsigned width = 0);
+
+    // Hands the buffer to the operating system.
+    void flush();
+
+    // Flushes and closes; a closed file stays closed.
+    void close();
+
+  private:
+    int descriptor_ = -1;
+    bool owned_ = false;
+    bool failed_ = false;
+    std::size_t used_ = 0;
+    std::array<char, kOutputBufferSize> buffer_{};
+};
+
+// Deletes a file that is about to be replaced or is not to be kept. Devices are left alone, so that
+// "/dev/null" as an output is never removed.
+void delete_output(const char *name);
