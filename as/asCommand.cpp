@@ -140,25 +140,23 @@ const char *read_command_line(int argc, const char *const *argv) {
     return nullptr;
 }
 
-// Kept: the text is the program's own as it stands: it leaves out -A, spells "sensivity", has a blank
-// behind one line, and names "notrad", which is not accepted.
+// Kept: the text is the program's own as it stands: it leaves out -A, spells "sensivity", has a
+// blank behind one line, and names "notrad", which is not accepted.
 void print_usage() {
-    print({kProgramName, " - ", kProcessorName, " Absolute crossassembler, Version ", kVersion, "\n",
-           kNotice, "\n\n", kProgramName, " creates a S-record format file named 'file.s19'\n",
-           "from an assembly source file e.g. \"file", kSourceExtension, "\"\n", "Usage: ",
-           kProgramName, " [ options ] file\n"});
-    print({"options: -L Create list file \"file.lst\"\n",
-           "         -w Print warnings\n",
+    print({kProgramName, " - ", kProcessorName, " Absolute crossassembler, Version ", kVersion,
+           "\n", kNotice, "\n\n", kProgramName,
+           " creates a S-record format file named 'file.s19'\n",
+           "from an assembly source file e.g. \"file", kSourceExtension, "\"\n",
+           "Usage: ", kProgramName, " [ options ] file\n"});
+    print({"options: -L Create list file \"file.lst\"\n", "         -w Print warnings\n",
            "         -S Print symbol table\n",
            "         -g Generate source level debug information\n",
            "         -o [FILENAME] Rename output file\n",
            "         -d [DIRECTORY] Set directory for source (debugger info)\n",
            "         -D SYMBOL Enter 'SYMBOL' as defined in symbol table\n",
-           "         -I [FILENAME] Include file\n",
-           "         -S1 Force generation of S1-records\n",
+           "         -I [FILENAME] Include file\n", "         -S1 Force generation of S1-records\n",
            "         -S2 Force generation of S2-records\n",
-           "         -S3 Force generation of S3-records\n",
-           "compatibility options: -C option\n",
+           "         -S3 Force generation of S3-records\n", "compatibility options: -C option\n",
            "         nocase - Turn case sensivity OFF\n",
            "         nopure - Turn recognition of 'pure' assembler directives OFF \n",
            "         notrad - Turn recognition of 'traditional' assembler directives OFF\n"});

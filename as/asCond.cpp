@@ -38,15 +38,15 @@ std::int32_t &satisfied() {
     return ifsatisfied[index];
 }
 
-// ---- The operand words of a line -------------------------------------------------------------------
+// ---- The operand words of a line ----
 
-// A copy of the rest of the line, split at blanks. A word is followed by a NUL; behind the copy there
-// is room for a look ahead.
+// A copy of the rest of the line, split at blanks. A word is followed by a NUL; behind the copy
+// there is room for a look ahead.
 struct OperandWords {
     std::array<char, kConditionalTextLimit + 8> text{};
-    int column = 0;           // of the copy's start in the line, 0-based
-    char *first = nullptr;    // the name or expression; may be empty
-    char *second = nullptr;   // the value; may be empty
+    int column = 0;         // of the copy's start in the line, 0-based
+    char *first = nullptr;  // the name or expression; may be empty
+    char *second = nullptr; // the value; may be empty
 
     int column_of(const char *word) const { return column + static_cast<int>(word - text.data()); }
 };
@@ -80,8 +80,8 @@ std::int64_t evaluate(const char *word) { return evalexp(word, 1, words.column_o
 Symbol *named_symbol() {
     Symbol *symbol = getsym(words.first);
     if (symbol == nullptr) {
-        symbol = putsym(words.first, 0, realline, SYM_CONDITIONAL | SYM_UNDEFINED, kSymbolKind, nullptr,
-                        kNoData);
+        symbol = putsym(words.first, 0, realline, SYM_CONDITIONAL | SYM_UNDEFINED, kSymbolKind,
+                        nullptr, kNoData);
         if (symbol == nullptr) {
             Error("Bad preproc");
         }
@@ -94,7 +94,7 @@ bool name_is_defined() {
     return symbol != nullptr && symbol->has(SYM_DEFINED);
 }
 
-// ---- The words -----------------------------------------------------------------------------------
+// ---- The words ----
 
 // A line that starts skipping is listed first, because it would not be listed any more afterwards.
 void start_skipping() {

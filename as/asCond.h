@@ -13,17 +13,17 @@ inline constexpr std::int32_t kDeepestConditional = 19;
 // Longest rest of a conditional line that is read, in characters.
 inline constexpr std::size_t kConditionalTextLimit = 512;
 
-// ---- State owned here; set up once for all passes ---------------------------------------------------
+// ---- State owned here; set up once for all passes ----
 
 extern std::int32_t ifdepth;  // depth of open conditionals, 0: none
 extern std::int32_t skipping; // depth of the conditional whose lines are skipped, 0: none
 
-// ---- Functions -----------------------------------------------------------------------------------
+// ---- Functions ----
 
 void init_as_conditional_handling();
 
-// Carries out the conditional word of that number, with the scan position behind it: 1; or 0 for any
-// other number.
+// Carries out the conditional word of that number, with the scan position behind it: 1; or 0 for
+// any other number.
 int DoCond(int token);
 
 // 1 while lines are assembled, 0 while they are skipped.

@@ -6,8 +6,8 @@
 // FCB: a list of byte values. 1, or -1 after an error.
 int do_define_data();
 
-// FCS: a string in delimiters, with a 0 byte behind it if terminate is set. 1 before the final pass, 2
-// in it, or -1 after an error.
+// FCS: a string in delimiters, with a 0 byte behind it if terminate is set. 1 before the final
+// pass, 2 in it, or -1 after an error.
 int do_define_characters(char delimiter, int terminate);
 
 // RMB: as many zero units as the operand says; unit is in bytes. Always -1.

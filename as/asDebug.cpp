@@ -109,8 +109,7 @@ void process_function() {
     append({"SY:C:f:", current_file(), ":", current_segment(), ":",
             function == nullptr ? std::string_view() : function->name_view(), ":", numbers[0], ":",
             numbers[1], ":", numbers[2], ":", hex_value(labels[0]->value), ":",
-            hex_value(labels[1]->value), ":",
-            hex_value(wrap_subtract(labels[2]->value, 1)), "\n"});
+            hex_value(labels[1]->value), ":", hex_value(wrap_subtract(labels[2]->value, 1)), "\n"});
 }
 
 void process_statement() {
@@ -143,8 +142,8 @@ void process_local_symbol(const char *p) {
         field = take_field(p);
     }
     const std::string number = decimal(decimal_field(take_field(p)));
-    append({"SY:C:S:L:", current_file(), ":", current_segment(), ":", fields[0], ":", fields[1], ":",
-            fields[2], ":", number, ":", p, "\n"});
+    append({"SY:C:S:L:", current_file(), ":", current_segment(), ":", fields[0], ":", fields[1],
+            ":", fields[2], ":", number, ":", p, "\n"});
 }
 
 void process_global_or_static_symbol(char kind, const char *p) {

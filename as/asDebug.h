@@ -1,8 +1,8 @@
 // Debug records: text lines that let a debugger map addresses to source lines and find symbols.
 //
 // They gather in symdebfile during the final pass, one for each instruction and those that ".stab"
-// lines of a compiler ask for, and follow the end record of the S-record file. Every record names the
-// file being read and the current segment.
+// lines of a compiler ask for, and follow the end record of the S-record file. Every record names
+// the file being read and the current segment.
 #pragma once
 
 #include <cstdint>

@@ -54,9 +54,7 @@ Place current_place() {
 
 bool is_listing() { return O_list != 0 && listfile.is_open(); }
 
-void count_error() {
-    Errors = static_cast<std::int16_t>(static_cast<std::uint16_t>(Errors) + 1U);
-}
+void count_error() { Errors = static_cast<std::int16_t>(static_cast<std::uint16_t>(Errors) + 1U); }
 
 void report_error(const char *text) {
     count_error();

@@ -11,16 +11,16 @@
 // The longest text of a fatal message, in characters; what is beyond is cut.
 inline constexpr int kFatalTextLimit = 1024;
 
-// ---- State owned here ----------------------------------------------------------------------------
+// ---- State owned here ----
 
-extern std::int16_t Errors;      // errors of this pass, wrapping at 16 bits; reset at each pass
-extern std::int32_t Warnings;    // warnings of this pass; reset at each pass
-extern int LineError;            // the line has had an error reported; reset at each line
-extern int Line_Done;            // nothing more is to be done with the line; reset at each line
-extern int phase_error;          // a phase error waits to be reported; reset at passes 0 and 1
-extern int Phase_Error_Written;  // the pass's one phase error has been reported; reset likewise
+extern std::int16_t Errors;     // errors of this pass, wrapping at 16 bits; reset at each pass
+extern std::int32_t Warnings;   // warnings of this pass; reset at each pass
+extern int LineError;           // the line has had an error reported; reset at each line
+extern int Line_Done;           // nothing more is to be done with the line; reset at each line
+extern int phase_error;         // a phase error waits to be reported; reset at passes 0 and 1
+extern int Phase_Error_Written; // the pass's one phase error has been reported; reset likewise
 
-// ---- Functions -----------------------------------------------------------------------------------
+// ---- Functions ----
 
 // Reports an error in the final pass, if it is the first of its line, and ends work on the line.
 void Error(const char *text);

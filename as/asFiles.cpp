@@ -1,7 +1,7 @@
 #include "as/asFiles.h"
 
-#include "as/asDiag.h"
 #include "as/asCommand.h"
+#include "as/asDiag.h"
 #include "as/asList.h"
 #include "as/asListing.h"
 #include "as/asOptions.h"
@@ -33,7 +33,7 @@ constexpr std::size_t kOpenfilesNameLimit = 1023;
 
 std::string array_name; // the C array file
 
-// ---- Outputs that must not be the same file --------------------------------------------------------
+// ---- Outputs that must not be the same file ----
 
 // What a path leads to: an existing file, or a name in an existing directory. Files that are not
 // regular hold nothing that could be lost.
@@ -64,7 +64,11 @@ std::string follow_dangling_links(std::string path) {
             break;
         }
         const std::string link(target.data(), static_cast<std::size_t>(length));
-        path = PathHasRoot(link.c_str()) ? link : directory_of(path) + "/" + link;
+        if (PathHasRoot(link.c_str())) {
+            path = link;
+        } else {
+            path = directory_of(path).append("/").append(link);
+        }
     }
     return path;
 }
@@ -100,7 +104,7 @@ void refuse_colliding_outputs(const std::vector<std::string> &names) {
     }
 }
 
-// ---- Creation ------------------------------------------------------------------------------------
+// ---- Creation ----
 
 // Fills the names; returns the base of the listing's and the C array's.
 std::string derive_names(const char *file) {
@@ -133,7 +137,8 @@ void create_listing() {
 void create_array_file() {
     const bool created = replace_file(algofile, array_name);
     algofilecount = 0;
-    // Kept: without a listing the array stays empty, because it is the listing that is asked for here.
+    // Kept: without a listing the array stays empty, because it is the listing that is asked for
+    // here.
     if (!listfile.is_open() || !created) {
         Warning("Can't create C output file");
         O_cout = 0;
@@ -162,7 +167,8 @@ void put_all(OutputFile &out, std::initializer_list<std::string_view> parts) {
 }
 
 void put_banner(OutputFile &out) {
-    put_all(out, {kProgramName, " - ", kProcessorName, " Absolute crossassembler, Version ", kVersion});
+    put_all(out,
+            {kProgramName, " - ", kProcessorName, " Absolute crossassembler, Version ", kVersion});
 }
 
 std::uint32_t entry_address() {

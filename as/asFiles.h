@@ -3,7 +3,7 @@
 
 #include <string>
 
-// ---- State owned here; the names are filled once, in pass 1 ----------------------------------------
+// ---- State owned here; the names are filled once, in pass 1 ----
 
 extern std::string File_name;     // the source's name without directories
 extern std::string FileTitle;     // File_name without its extension
@@ -12,7 +12,7 @@ extern std::string List_name;     // the listing
 extern std::string zirpafilename; // the simulator memory script
 extern std::string startsymname;  // the start symbol of the debug records
 
-// ---- Functions -----------------------------------------------------------------------------------
+// ---- Functions ----
 
 void files_new_run();
 
@@ -27,6 +27,6 @@ void write_headers();
 // Ends all outputs and closes them; after errors the S-record file is deleted.
 void CloseDown();
 
-// Reports every output that could not be written. True when there was one; the S-record file is then
-// deleted.
+// Reports every output that could not be written. True when there was one; the S-record file is
+// then deleted.
 bool report_write_failures();

@@ -16,7 +16,7 @@ inline constexpr std::uint32_t kSegmentListType = 1001;
 
 struct Segment {
     std::string name;
-    std::int64_t location = 0;     // reset by InitSegmentListPass2
+    std::int64_t location = 0; // reset by InitSegmentListPass2
     std::int64_t output_count = 0;
 };
 
@@ -32,15 +32,15 @@ struct ListHeader {
     std::unique_ptr<ListItem> first;
 };
 
-// ---- State owned here ----------------------------------------------------------------------------
+// ---- State owned here ----
 
-extern ListHeader lists;      // the segment list; survives all passes
-extern Segment *current_seg;  // never set: there is one address space
+extern ListHeader lists;     // the segment list; survives all passes
+extern Segment *current_seg; // never set: there is one address space
 
 extern std::uint32_t LC;    // address of the next byte; reset at each pass
 extern std::uint32_t dotLC; // address at which the current statement began
 
-// ---- Functions -----------------------------------------------------------------------------------
+// ---- Functions ----
 
 // The segment of exactly that name. With create set, a missing one is appended, unless the name is
 // none or empty. None if there is no such segment.

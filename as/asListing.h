@@ -1,12 +1,12 @@
 // The listing: one line per source line of the final pass, with its address, bytes and text.
 #pragma once
 
-// ---- State owned here ----------------------------------------------------------------------------
+// ---- State owned here ----
 
 extern int listing_on;        // the listing is switched on; set when the final pass begins
 extern int uncond_listing_on; // skipped lines are listed too; reset at each pass
 
-// ---- Functions -----------------------------------------------------------------------------------
+// ---- Functions ----
 
 // Lists the current line and, with -g, records an instruction for the debugger.
 void as_write_listline();

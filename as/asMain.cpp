@@ -21,21 +21,6 @@ namespace {
 constexpr int kFailure = 1;
 constexpr int kStatusMask = 0xFF;
 
-void start_up(const char *invocation) {
-    output_new_run();
-    options_new_run();
-    diag_new_pass();
-    source_new_run(invocation);
-    command_new_run();
-    files_new_run();
-    listing_new_run();
-    pseudo_new_run();
-    emit_new_run();
-    InitSegmentList();
-    init_as_symbol_table();
-    init_as_conditional_handling();
-}
-
 // What every pass begins with.
 void reset_pass_state() {
     location_new_pass();
@@ -150,6 +135,21 @@ int assemble(const char *file) {
 }
 
 } // namespace
+
+void start_up(const char *invocation) {
+    output_new_run();
+    options_new_run();
+    diag_new_pass();
+    source_new_run(invocation);
+    command_new_run();
+    files_new_run();
+    listing_new_run();
+    pseudo_new_run();
+    emit_new_run();
+    InitSegmentList();
+    init_as_symbol_table();
+    init_as_conditional_handling();
+}
 
 int as_main(int argc, const char *const *argv) {
     // A closed pipe then is a write that fails, and is reported as one.

@@ -1,15 +1,15 @@
 // The output streams, and the one way out of a run.
 //
 // The streams stand at the bottom of the program, because reports, emission, listing and close-down
-// all write to them. asFiles names and creates the files behind them. Debug records gather in memory
-// and follow the end record of the S-record file at close-down.
+// all write to them. asFiles names and creates the files behind them. Debug records gather in
+// memory and follow the end record of the S-record file at close-down.
 #pragma once
 
 #include "util/output.h"
 
 #include <string>
 
-// ---- State owned here ----------------------------------------------------------------------------
+// ---- State owned here ----
 
 extern OutputFile standard_output; // messages, summary, symbol table; attached at start-up
 extern OutputFile objectfile;      // S-records; open from pass 1 to close-down
@@ -21,7 +21,7 @@ extern std::string symdebfile;     // debug records of the final pass, each with
 // Called instead of leaving the process when set; must not return. Only tests and fuzzers set it.
 extern void (*end_run_hook)(int status);
 
-// ---- Functions -----------------------------------------------------------------------------------
+// ---- Functions ----
 
 // Closes what an earlier run left open and attaches standard output.
 void output_new_run();

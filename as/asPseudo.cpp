@@ -101,7 +101,7 @@ int find_conditional(const DirectiveEntry *table, const char *p, const char *&po
     return static_cast<int>(token);
 }
 
-// ---- Directives of other dialects ------------------------------------------------------------------
+// ---- Directives of other dialects ----
 
 int do_include() {
     pending_listLC = 0;
@@ -176,7 +176,7 @@ int do_set_direct_page() {
     return kCarriedOut;
 }
 
-// ---- EQU -----------------------------------------------------------------------------------------
+// ---- EQU ----
 
 void store_operand(Symbol &symbol) { symbol.value = signed_32(evalexp(Col_Ptr, 0)); }
 
@@ -199,9 +199,9 @@ void equate_existing(Symbol &symbol, int set) {
 }
 
 Symbol *create_constant(std::string_view name, std::int32_t value, int set) {
-    Symbol *symbol =
-        putsym(name, value, realline, SYM_DEFINED | SYM_ABSOLUTE | (set != 0 ? SYM_REDEFINABLE : 0U),
-               kSymbolKind, nullptr, kNoData);
+    Symbol *symbol = putsym(name, value, realline,
+                            SYM_DEFINED | SYM_ABSOLUTE | (set != 0 ? SYM_REDEFINABLE : 0U),
+                            kSymbolKind, nullptr, kNoData);
     if (symbol != nullptr) {
         symbol->segment = LookupSegment("abs", 1);
     }

@@ -1,7 +1,7 @@
 // Directives: their words, their recognition and dispatch, and those that emit nothing.
 //
-// A word is matched in any case and must end at a blank. Directives are numbered across all dialects
-// that share the dispatcher; only the three tables below have words for them here.
+// A word is matched in any case and must end at a blank. Directives are numbered across all
+// dialects that share the dispatcher; only the three tables below have words for them here.
 #pragma once
 
 #include <cstdint>
@@ -45,15 +45,15 @@ extern const DirectiveEntry pseudo_zirpa[]; // directives of the operation field
 extern const DirectiveEntry macro_pure[];   // conditional words behind a "#"
 extern const DirectiveEntry macro_native[]; // dotted conditional words
 
-// ---- State owned here ----------------------------------------------------------------------------
+// ---- State owned here ----
 
 extern std::uint32_t MC6809_anticipated_dp; // direct page that token 53 assumes; reset at each pass
-extern int default_entry_seen;        // an ORG has been carried out; set once in a run
-extern std::uint32_t defaultentryLC;  // the operand of that first ORG
-extern int entry_is_defined;          // END has named a start symbol; set once in a run
-extern std::int64_t entryLC;          // its value
+extern int default_entry_seen;              // an ORG has been carried out; set once in a run
+extern std::uint32_t defaultentryLC;        // the operand of that first ORG
+extern int entry_is_defined;                // END has named a start symbol; set once in a run
+extern std::int64_t entryLC;                // its value
 
-// ---- Functions -----------------------------------------------------------------------------------
+// ---- Functions ----
 
 // The number of the directive at word, or 0.
 std::uint32_t GetPseudoToken(const char *word);
@@ -62,8 +62,8 @@ std::uint32_t GetPseudoToken(const char *word);
 // none; 1 or 2 when it was carried out; -1 when it failed or was ignored.
 int PseudoOp();
 
-// Carries out a directive by its number, with the scan position at its operand; as PseudoOp, with -1
-// for numbers that do nothing.
+// Carries out a directive by its number, with the scan position at its operand; as PseudoOp, with
+// -1 for numbers that do nothing.
 int do_directive(std::uint32_t token);
 
 // 1 when EQU stands at the scan position, else 0; moves past the word and the blanks behind it.

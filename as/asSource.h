@@ -55,33 +55,33 @@ class LineBuffer {
 
 // A file opened in a pass.
 struct FileEntry {
-    std::string name;             // without directories; shown in the listing
-    std::string pathname;         // absolute; shown on standard output
-    int saved_line = 0;           // line number to resume at
+    std::string name;               // without directories; shown in the listing
+    std::string pathname;           // absolute; shown on standard output
+    int saved_line = 0;             // line number to resume at
     const FileText *text = nullptr; // the file's bytes, owned by the module for the run
-    std::size_t position = 0;     // offset of the next byte to read
+    std::size_t position = 0;       // offset of the next byte to read
 };
 
-// ---- State owned here ----------------------------------------------------------------------------
+// ---- State owned here ----
 
 extern std::string AsmStartDirectory;   // the program's own directory, without a trailing separator
 extern std::string AsmCurrentDirectory; // working directory at start
 extern std::deque<FileEntry> file_entry; // files in opening order; rebuilt in passes 0 and 1
 extern int file_entry_ptr;               // index of the last file, -1: none
 extern int source_stack_ptr;             // nesting depth; 0: main file, -1: none
-extern int pplevel;                      // step in the sequence of file switches, -1 before the first
-extern std::vector<int> file_entry_index; // per step: the current file's index, -1: none
+extern int pplevel; // step in the sequence of file switches, -1 before the first
+extern std::vector<int> file_entry_index;      // per step: the current file's index, -1: none
 extern std::vector<std::string> include_stack; // include directories in the order given
-extern LineBuffer Line;                  // the current line
-extern const char *Line_Ptr;             // its start
-extern const char *Col_Ptr;              // scan position in it, advanced by every reader
-extern int Line_no;                      // 1-based line number within the current file
-extern int realline;                     // lines read in this pass, over all files
-extern int listline;                     // line number in the listing
-extern int newuse;                       // the current file has changed; cleared by the listing
-extern int endflag;                      // the current file is to be left before the next line
+extern LineBuffer Line;                        // the current line
+extern const char *Line_Ptr;                   // its start
+extern const char *Col_Ptr;                    // scan position in it, advanced by every reader
+extern int Line_no;                            // 1-based line number within the current file
+extern int realline;                           // lines read in this pass, over all files
+extern int listline;                           // line number in the listing
+extern int newuse;  // the current file has changed; cleared by the listing
+extern int endflag; // the current file is to be left before the next line
 
-// ---- Functions -----------------------------------------------------------------------------------
+// ---- Functions ----
 
 // Forgets all files and directories of an earlier run and notes the invocation path.
 void source_new_run(const char *invocation);

@@ -21,11 +21,11 @@ Symbol *errorsp = nullptr;
 
 namespace {
 
-// ---- The tokens of the check, which the evaluation reads again ------------------------------------
+// ---- The tokens of the check, which the evaluation reads again ----
 
 struct CheckedToken {
     int token;
-    std::int32_t number;   // of a TOK_NUMBER
+    std::int32_t number; // of a TOK_NUMBER
     const char *begin;
     const char *end;
 };
@@ -72,7 +72,7 @@ CheckedToken next_token() {
     return entry;
 }
 
-// ---- Syntax check --------------------------------------------------------------------------------
+// ---- Syntax check ----
 
 bool is_single_character(int token) { return token < TOK_LC; }
 
@@ -152,7 +152,7 @@ int check_step(int token, int &depth) {
     }
 }
 
-// ---- Evaluation ----------------------------------------------------------------------------------
+// ---- Evaluation ----
 
 // One step: the sum so far, the multiplier and the term, and what it waits for a nested step for.
 struct Step {
@@ -363,8 +363,8 @@ void check_expression(int column) {
 
 int column_in_line(const char *text) { return static_cast<int>(text - Line_Ptr); }
 
-// Kept: without reports a faulty character ends the expression instead of failing it, unless it could
-// belong to a word.
+// Kept: without reports a faulty character ends the expression instead of failing it, unless it
+// could belong to a word.
 bool fails(int report) {
     if (status == STATUS_OK) {
         return false;

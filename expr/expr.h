@@ -1,10 +1,11 @@
 // The expression evaluator.
 //
-// An expression is checked first and evaluated afterwards, from left to right and not by precedence:
+// An expression is checked first and evaluated afterwards, from left to right and not by
+// precedence:
 // "+" and "-" separate terms, "*" (and "/" or "%" right behind an operand) binds tighter, and every
-// other operator takes the next term alone and combines it with all that has been gathered. Programs
-// depend on the results, so the steps below are kept as they are. Values are 64-bit two's complement
-// and wrap; literals and symbols enter as 32-bit signed numbers.
+// other operator takes the next term alone and combines it with all that has been gathered.
+// Programs depend on the results, so the steps below are kept as they are. Values are 64-bit two's
+// complement and wrap; literals and symbols enter as 32-bit signed numbers.
 #pragma once
 
 #include <cstdint>
@@ -32,17 +33,17 @@ enum ExprStatus : int {
     STATUS_STOPPED = -1, // division or remainder by zero
 };
 
-// ---- State owned here; reset for each expression --------------------------------------------------
+// ---- State owned here; reset for each expression ----
 
-extern int state;               // of the syntax check
-extern int status;              // its result; STATUS_STOPPED ends evaluation steps early
-extern int offset;              // 0-based column in the line of the token at which the check stopped
-extern int in_paren;            // parenthesis depth during evaluation
-extern int end_of_input;        // evaluation has met the end of the expression
+extern int state;        // of the syntax check
+extern int status;       // its result; STATUS_STOPPED ends evaluation steps early
+extern int offset;       // 0-based column in the line of the token at which the check stopped
+extern int in_paren;     // parenthesis depth during evaluation
+extern int end_of_input; // evaluation has met the end of the expression
 extern std::int16_t forwardref; // references that count as forward or undefined
 extern Symbol *errorsp;         // the last symbol that counted as such in the final pass, or none
 
-// ---- Functions -----------------------------------------------------------------------------------
+// ---- Functions ----
 
 // Evaluates the expression at text, which may be a copied word; column is the 0-based column that
 // text has in the line. Reports a syntax error and returns 0 then, with the scan position at text;
@@ -59,7 +60,7 @@ int ppexpr(OperandRecord &operand, int report);
 // The syntax check of the expression at the scan position, which does not move on failure.
 int p00();
 
-// One evaluation step that starts from the value so far; operand may be none. The node kind and mode
-// do not matter. Returns the new value.
+// One evaluation step that starts from the value so far; operand may be none. The node kind and
+// mode do not matter. Returns the new value.
 std::int64_t p0(std::int64_t accumulated, int node_kind, int depth, int mode,
                 OperandRecord *operand);

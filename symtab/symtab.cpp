@@ -52,8 +52,8 @@ std::string_view up_to_blank(std::string_view text) {
 
 std::string_view leading_run(std::string_view text) {
     return text.substr(
-        0, static_cast<std::size_t>(
-               std::find_if_not(text.begin(), text.end(), is_symbol_char) - text.begin()));
+        0, static_cast<std::size_t>(std::find_if_not(text.begin(), text.end(), is_symbol_char) -
+                                    text.begin()));
 }
 
 // The chain of a name: the sum of its leading symbol characters' codes, modulo 256.
@@ -296,7 +296,8 @@ void symdebugwrite(std::string & /*stream*/) {}
 void prep_undefine() {
     for (Symbol *head : symheads) {
         for (Symbol *symbol = head; symbol != nullptr; symbol = symbol->next) {
-            // Kept: the flags of a debug-information name hold this bit too, so it is reset as well.
+            // Kept: the flags of a debug-information name hold this bit too, so it is reset as
+            // well.
             if (symbol->has(SYM_CONDITIONAL)) {
                 symbol->flags = SYM_CONDITIONAL | SYM_UNDEFINED;
             }

@@ -23,51 +23,51 @@ inline constexpr std::size_t kSymbolChains = 256;
 // Bits of a symbol's flags.
 enum SymbolFlag : std::uint32_t {
     SYM_DEFINED = 0x1,
-    SYM_MULTIPLE = 0x2,           // defined again
-    SYM_EXTERNAL = 0x4,           // has no segment
-    SYM_OPEN_8 = 0x8,             // tested by defsym only, like the next two open bits
-    SYM_VALUE_MARK = 0x10,        // exempt from the phase check
-    SYM_UNDEFINED = 0x20,         // entered by a reference
-    SYM_ABSOLUTE = 0x40,          // constant given by EQU
-    SYM_DEBUG = 0xFFFFFF80,       // debug-information name: every bit from 0x80 up
+    SYM_MULTIPLE = 0x2,     // defined again
+    SYM_EXTERNAL = 0x4,     // has no segment
+    SYM_OPEN_8 = 0x8,       // tested by defsym only, like the next two open bits
+    SYM_VALUE_MARK = 0x10,  // exempt from the phase check
+    SYM_UNDEFINED = 0x20,   // entered by a reference
+    SYM_ABSOLUTE = 0x40,    // constant given by EQU
+    SYM_DEBUG = 0xFFFFFF80, // debug-information name: every bit from 0x80 up
     SYM_OPEN_100 = 0x100,
     SYM_OPEN_200 = 0x200,
-    SYM_CONDITIONAL = 0x400,      // entered by conditional assembly
+    SYM_CONDITIONAL = 0x400, // entered by conditional assembly
     SYM_REDEFINABLE = 0x1000,
-    SYM_FORWARD = 0x2000,         // referred to before its definition in passes 0 and 1
+    SYM_FORWARD = 0x2000, // referred to before its definition in passes 0 and 1
 };
 
 struct Symbol {
-    const char *name = nullptr;     // NUL-terminated, owned by the table; upper case with nocase
+    const char *name = nullptr; // NUL-terminated, owned by the table; upper case with nocase
     std::uint32_t name_length = 0;
     std::int32_t definition_line = 0; // realline of the definition; 1 for -D, 0 while undefined
     std::int32_t value = 0;
     std::int32_t first_reference_line = 0; // Line_no of the first use ahead of any definition
     Segment *segment = nullptr;
     std::uint32_t flags = 0;
-    std::int32_t element_count = 0;   // data elements behind the label; -1 for names without data
-    std::uint32_t element_size = 0;   // bytes of one element
-    std::int32_t file = -1;           // index of the file entry it was created in, -1: none
-    std::int32_t bit_size = -1;       // signed width class of a constant's value, -1: none
-    Symbol *next = nullptr;           // next in the chain
+    std::int32_t element_count = 0; // data elements behind the label; -1 for names without data
+    std::uint32_t element_size = 0; // bytes of one element
+    std::int32_t file = -1;         // index of the file entry it was created in, -1: none
+    std::int32_t bit_size = -1;     // signed width class of a constant's value, -1: none
+    Symbol *next = nullptr;         // next in the chain
 
     bool has(std::uint32_t bits) const { return (flags & bits) != 0; }
     std::string_view name_view() const { return {name, name_length}; }
 };
 
-// ---- State owned here; emptied by init_as_symbol_table ---------------------------------------------
+// ---- State owned here; emptied by init_as_symbol_table ----
 
 extern std::array<Symbol *, kSymbolChains> symheads; // heads of the chains, in print order
 extern std::size_t symlistcnt;                       // blocks handed out
 extern std::size_t symcnt;                           // records used in the current block
 
-// ---- Functions -----------------------------------------------------------------------------------
+// ---- Functions ----
 
 // Empties the table.
 void init_as_symbol_table();
 
-// Creates a record and returns it, or reports "(F1024)" and returns none if the name exists. The name
-// is taken up to its first blank. The kind and file arguments are not used.
+// Creates a record and returns it, or reports "(F1024)" and returns none if the name exists. The
+// name is taken up to its first blank. The kind and file arguments are not used.
 Symbol *putsym(std::string_view name, std::int32_t value, std::int32_t line, std::uint32_t flags,
                int kind, const char *file, std::int32_t count);
 
@@ -80,8 +80,8 @@ Symbol *lookup(std::string_view name);
 // As lookup, for a reference from an expression: notes forward references.
 Symbol *refsym(std::string_view name);
 
-// Defines a name as valid_sym reads it; the final pass compares instead, and with check set reports a
-// value that has moved.
+// Defines a name as valid_sym reads it; the final pass compares instead, and with check set reports
+// a value that has moved.
 void defsym(std::string_view name, std::int64_t value, int check);
 
 // In pass 1, enters a debug-information name: the text up to its first colon.

@@ -2,8 +2,8 @@
 //
 // Before the final pass the primitives only advance the location counter. In the final pass they
 // also collect the bytes into the current S-record, keep a copy for the listing line, and write the
-// C array; each finished record goes to the S-record file and, byte by byte, to the simulator script.
-// Multi-byte values are emitted most significant byte first.
+// C array; each finished record goes to the S-record file and, byte by byte, to the simulator
+// script. Multi-byte values are emitted most significant byte first.
 #pragma once
 
 #include <array>
@@ -27,14 +27,14 @@ enum RecordType : int {
     kEndRecord16 = 9,
 };
 
-// ---- State owned here ----------------------------------------------------------------------------
+// ---- State owned here ----
 
 extern std::array<std::uint8_t, 128> Code; // bytes that the line generated, for the listing
 extern std::size_t code_i;                 // their count; reset at each line
-extern int Byte_Extension;                 // 1: the listing shows bytes one by one; set at each line
-extern unsigned algofilecount;             // values on the current row of the C array
+extern int Byte_Extension;     // 1: the listing shows bytes one by one; set at each line
+extern unsigned algofilecount; // values on the current row of the C array
 
-// ---- Functions -----------------------------------------------------------------------------------
+// ---- Functions ----
 
 // Emits the low 8, 16 or 32 bits. ecode is eshort.
 void ebyte(std::uint32_t value);

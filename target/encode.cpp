@@ -126,10 +126,9 @@ template <typename Pairs> int code_register_pair(const Pairs &pairs) {
     if (ParseReglist(first, second) == 0) {
         return fault("Bad register pair");
     }
-    const auto *pair =
-        std::find_if(pairs.begin(), pairs.end(), [=](const RegisterPair &row) {
-            return row.first == first && row.second == second;
-        });
+    const auto *pair = std::find_if(pairs.begin(), pairs.end(), [=](const RegisterPair &row) {
+        return row.first == first && row.second == second;
+    });
     if (pair == pairs.end()) {
         return fault("Illegal register combination");
     }

@@ -4,11 +4,11 @@
 // value out of range is emitted truncated, so that all passes agree on every length.
 #pragma once
 
-// ---- State owned here ----------------------------------------------------------------------------
+// ---- State owned here ----
 
 extern int isinstruction; // final pass with -g: the line is an instruction; reset at each line
 
-// ---- Functions -----------------------------------------------------------------------------------
+// ---- Functions ----
 
 // Encodes the instruction in mp from the operand at the scan position and ends work on the line. -1
 // after a fault, else not negative.

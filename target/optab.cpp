@@ -10,8 +10,7 @@ constexpr std::uint64_t kInherent = ADR_INH;
 constexpr std::uint64_t kImmediate = ADR_IMM;
 constexpr std::uint64_t kBranch = ADR_ABS;
 constexpr std::uint64_t kByteOperand = kByteOperandModes;
-constexpr std::uint64_t kMemory =
-    ADR_ABS | ADR_SP_OFF | ADR_X_OFF | ADR_A_X | ADR_Y_OFF | ADR_A_Y;
+constexpr std::uint64_t kMemory = ADR_ABS | ADR_SP_OFF | ADR_X_OFF | ADR_A_X | ADR_Y_OFF | ADR_A_Y;
 constexpr std::uint64_t kJump = ADR_ABS | ADR_X_OFF | ADR_A_X | ADR_Y_OFF | ADR_A_Y;
 constexpr std::uint64_t kAutoX = ADR_X_POSTINC | ADR_X_POSTDEC | ADR_X_PREINC | ADR_X_PREDEC;
 constexpr std::uint64_t kAutoY = ADR_Y_POSTINC | ADR_Y_POSTDEC | ADR_Y_PREINC | ADR_Y_PREDEC;

@@ -56,12 +56,12 @@ inline constexpr std::size_t kLetters = 26;
 // The rows of each letter, a = 0 to z = 25, each table ended by a row without a mnemonic.
 extern const InstructionEntry *const optab[kLetters];
 
-// ---- State owned here ----------------------------------------------------------------------------
+// ---- State owned here ----
 
 extern MnemonicRecord mnemonic; // the current mnemonic
 extern MnemonicRecord *mp;      // always points at it
 
-// ---- Functions -----------------------------------------------------------------------------------
+// ---- Functions ----
 
 // Looks up the word at the scan position, in any case. 1 and the record filled, with the scan
 // position behind the word; or 0, with the scan position one character on.

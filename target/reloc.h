@@ -1,7 +1,9 @@
-// Value emission: the commands that put an operand's value into the program, with their range checks.
+// Value emission: the commands that put an operand's value into the program, with their range
+// checks.
 //
-// The commands come from a relocatable design. In this absolute assembler the little- and big-endian
-// ones do the same, the instruction encoders use two of them and the rest serve the data directives.
+// The commands come from a relocatable design. In this absolute assembler the little- and
+// big-endian ones do the same, the instruction encoders use two of them and the rest serve the data
+// directives.
 #pragma once
 
 #include <cstdint>
@@ -29,9 +31,9 @@ enum RelocCommand : int {
     REL_CMD_UNDEFINED = 22,
 };
 
-// Emits the operand's value by a command; displacements are measured from location plus the operand's
-// PC bias. 0 when done, -1 for a command that is not supported. Values out of range are reported and
-// emitted truncated.
+// Emits the operand's value by a command; displacements are measured from location plus the
+// operand's PC bias. 0 when done, -1 for a command that is not supported. Values out of range are
+// reported and emitted truncated.
 int do_reloc_cmd(const OperandRecord &operand, int command, std::uint32_t location);
 
 // The id of a command's name, or -1.
@@ -43,8 +45,8 @@ const char *get_reloc_typename(int id);
 // 1: a branch to the next instruction is legal on this target.
 int is_nulldisp_allowed();
 
-// 0 when a value fits a data item of 1, 2 or 4 bytes, 1 when it does not; any other size is reported
-// as "(F1017)" and gives -1.
+// 0 when a value fits a data item of 1, 2 or 4 bytes, 1 when it does not; any other size is
+// reported as "(F1017)" and gives -1.
 int checkopsize(std::int64_t value, int size);
 
 // The smallest signed field that holds a value, in bits: 0, 5, 8, 9, 16 or 32.

@@ -19,8 +19,8 @@ int take(int token, int length) {
     return token;
 }
 
-// A register name at the scan position, which ends where no name character follows: its token, or 0.
-// Kept: a symbol of that name can't be used in an expression.
+// A register name at the scan position, which ends where no name character follows: its token, or
+// 0. Kept: a symbol of that name can't be used in an expression.
 int register_token() {
     const char *p = Col_Ptr;
     const char first = to_upper(p[0]);
@@ -43,8 +43,7 @@ int operator_token() {
     switch (Col_Ptr[0]) {
     case '=': return Col_Ptr[1] == '=' ? take(TOK_EQ, 2) : 0;
     case '!': return either('=', TOK_NE, TOK_LOGICAL_NOT);
-    case '<':
-        return Col_Ptr[1] == '<' ? take(TOK_SHIFT_LEFT, 2) : either('=', TOK_LE, TOK_LESS);
+    case '<': return Col_Ptr[1] == '<' ? take(TOK_SHIFT_LEFT, 2) : either('=', TOK_LE, TOK_LESS);
     case '>':
         return Col_Ptr[1] == '>' ? take(TOK_SHIFT_RIGHT, 2) : either('=', TOK_GE, TOK_GREATER);
     case '|': return either('|', TOK_LOGICAL_OR, TOK_OR);
@@ -79,7 +78,8 @@ int number_token(unsigned base, const char *fault) {
 }
 
 int character_token() {
-    yyval = static_cast<signed char>(Col_Ptr[1]);
+    const auto code = static_cast<unsigned char>(Col_Ptr[1]);
+    yyval = code < 128 ? code : code - 256;
     return take(TOK_NUMBER, 3);
 }
 

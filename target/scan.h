@@ -1,7 +1,7 @@
 // The token scanner of expressions and operands, and the scanner of names.
 //
-// Everything reads at the shared scan position Col_Ptr and leaves it behind what it took. A token is
-// told by its code: a character stands for itself, the rest is numbered below.
+// Everything reads at the shared scan position Col_Ptr and leaves it behind what it took. A token
+// is told by its code: a character stands for itself, the rest is numbered below.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +12,7 @@
 inline constexpr std::size_t kNameLimit = 128;
 
 enum Token : int {
-    TOK_END = 0, // after a digit error
+    TOK_END = 0,  // after a digit error
     TOK_LC = 257, // "*" as the location counter, in operand mode
     TOK_EQ = 258,
     TOK_NE = 259,
@@ -48,13 +48,13 @@ enum Token : int {
 // How operators are read: as tokens of their own, or as plain characters.
 enum ScanMode : int { kExpressionMode = 0, kOperandMode = 1 };
 
-// ---- State owned here ----------------------------------------------------------------------------
+// ---- State owned here ----
 
 extern std::string_view yytext; // text of the last name, in the line; cleared by each gettoken
 extern std::int32_t yyval;      // low 32 bits of the last number; cleared by each gettoken
-extern int ctoken;              // the previous token, which tells "%" and "*" apart; reset at each line
+extern int ctoken; // the previous token, which tells "%" and "*" apart; reset at each line
 
-// ---- Functions -----------------------------------------------------------------------------------
+// ---- Functions ----
 
 // The length of the name at p, at most kNameLimit; 0 if there is none. A letter or "_" comes first,
 // then letters, digits, "$", "." and "_"; a byte of 128 or more right behind makes it no name.

@@ -1,7 +1,7 @@
 // Numeric fields: bare numbers outside expressions, such as those of debugger lines.
 //
-// A field ends at a byte of 32 or below, at a colon or at the end of the text; anything else that is
-// no digit of the base makes the conversion fail. The functions print nothing.
+// A field ends at a byte of 32 or below, at a colon or at the end of the text; anything else that
+// is no digit of the base makes the conversion fail. The functions print nothing.
 #pragma once
 
 #include <cstdint>

@@ -35,7 +35,8 @@ const char *append_less_mark(std::string &d, const char *s, char mark) {
 
 // Copies characters while keep holds, at most n of them.
 template <typename Keep>
-const char *copy_while(std::string &d, const char *s, Keep keep, std::size_t n = std::string::npos) {
+const char *copy_while(std::string &d, const char *s, Keep keep,
+                       std::size_t n = std::string::npos) {
     const char *p = s;
     while (*p != '\0' && static_cast<std::size_t>(p - s) < n && keep(*p)) {
         ++p;

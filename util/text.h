@@ -88,7 +88,7 @@ constexpr int hex_digit_value(char ch) {
     return upper >= 'A' && upper <= 'F' ? upper - 'A' + 10 : -1;
 }
 
-// ---- Tests and skips ---------------------------------------------------------------------------
+// ---- Tests and skips ----
 
 // Skips characters that are nonzero and below 33 (signed).
 const char *skipblanc(const char *p);
@@ -120,7 +120,7 @@ bool nlstrcmp(const char *a, const char *b);
 // the word ends at the first blank (isblanc) and the name at its NUL, and both must end together.
 bool namecomparei(const char *text, const char *name);
 
-// ---- Copies: each empties the destination first, the ...cat forms append -------------------------
+// ---- Copies: each empties the destination first, the ...cat forms append ----
 
 // The text up to its line end; no source gives an empty destination.
 const char *nlstrcpy(std::string &d, const char *s);

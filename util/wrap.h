@@ -1,4 +1,5 @@
-// Two's-complement arithmetic that wraps, done on unsigned types so that it is defined for every value.
+// Two's-complement arithmetic that wraps, done on unsigned types so that it is defined for every
+// value.
 #pragma once
 
 #include <cstdint>
@@ -23,7 +24,9 @@ constexpr std::int64_t wrap_divide(std::int64_t a, std::int64_t b) {
 }
 
 // The remainder of that division; b is not 0.
-constexpr std::int64_t wrap_remainder(std::int64_t a, std::int64_t b) { return b == -1 ? 0 : a % b; }
+constexpr std::int64_t wrap_remainder(std::int64_t a, std::int64_t b) {
+    return b == -1 ? 0 : a % b;
+}
 
 // Shifts by count modulo 64; the right shift copies the sign.
 constexpr std::int64_t shift_left(std::int64_t a, std::int64_t count) {

@@ -1,0 +1,42 @@
+// What the unit tests share: a run set up anew for each test, a line to scan, captured output, and
+// ends of runs that come back as exceptions.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+// Thrown in place of leaving the process.
+struct EndOfRun {
+    int status;
+};
+
+// Every test begins as a run does, in a fresh temporary working directory, in pass 1.
+class RunTest : public ::testing::Test {
+  protected:
+    void SetUp() override;
+    void TearDown() override;
+
+    // Makes text the current line and puts the scan position at its start.
+    static void set_line(const std::string &text);
+
+    // Switches to the final pass, in which reports are made, with warnings on.
+    static void enter_final_pass();
+
+    // What has been written to standard output since the last call.
+    std::string take_output();
+
+    // Makes a source the current file, so that reports name it.
+    static void open_source_file(const std::string &name, const std::string &text);
+
+    static void write_file(const std::string &name, const std::string &text);
+    static std::string read_text(const std::string &name);
+    static bool file_exists(const std::string &name);
+
+    // The temporary working directory's path.
+    std::string directory;
+
+  private:
+    int output_ = -1;
+    std::string directory_before_;
+};
