@@ -152,8 +152,9 @@ void start_up(const char *invocation) {
 }
 
 int as_main(int argc, const char *const *argv) {
-    // A closed pipe then is a write that fails, and is reported as one.
+    // A closed pipe or a file that grows too large is a write that fails, and is reported as one.
     (void)std::signal(SIGPIPE, SIG_IGN);
+    (void)std::signal(SIGXFSZ, SIG_IGN);
     start_up(argc > 0 ? argv[0] : kProgramName);
     if (argc < 2) {
         print_usage();
