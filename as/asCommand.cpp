@@ -7,7 +7,6 @@
 #include "util/text.h"
 
 #include <array>
-#include <initializer_list>
 #include <string_view>
 
 std::string OutputTitle;
@@ -15,26 +14,18 @@ std::string DbgSrcDir;
 
 namespace {
 
-// Definition line, kind and element count of names given with -D.
+// Definition line of names given with -D.
 constexpr int kDefinitionLine = 1;
-constexpr int kSymbolKind = 32;
-constexpr int kNoData = -1;
-
-void print(std::initializer_list<std::string_view> parts) {
-    for (const std::string_view part : parts) {
-        standard_output.put(part);
-    }
-}
 
 void report_unknown(const char *argument) {
-    print({kProgramName, ": Unknown option '", argument + 1, "' is ignored.\n"});
+    standard_output.put({kProgramName, ": Unknown option '", argument + 1, "' is ignored.\n"});
 }
 
 void define_symbol(const char *name) {
     if (Symbol *symbol = getsym(name); symbol != nullptr) {
         symbol->flags |= SYM_MULTIPLE;
     } else {
-        (void)putsym(name, 0, kDefinitionLine, SYM_DEFINED, kSymbolKind, nullptr, kNoData);
+        (void)putsym(name, 0, kDefinitionLine, SYM_DEFINED, kNameKind, nullptr, kNoData);
     }
 }
 
@@ -57,7 +48,8 @@ void set_compatibility(const char *word) {
     } else if (name == "nocase") {
         O_symbol_case_sensitive = 0;
     } else {
-        print({kProgramName, ": Unknown compatibility option -C '", name, "' is ignored.\n"});
+        standard_output.put(
+            {kProgramName, ": Unknown compatibility option -C '", name, "' is ignored.\n"});
     }
 }
 
@@ -143,21 +135,22 @@ const char *read_command_line(int argc, const char *const *argv) {
 // Kept: the text is the program's own as it stands: it leaves out -A, spells "sensivity", has a
 // blank behind one line, and names "notrad", which is not accepted.
 void print_usage() {
-    print({kProgramName, " - ", kProcessorName, " Absolute crossassembler, Version ", kVersion,
-           "\n", kNotice, "\n\n", kProgramName,
-           " creates a S-record format file named 'file.s19'\n",
-           "from an assembly source file e.g. \"file", kSourceExtension, "\"\n",
-           "Usage: ", kProgramName, " [ options ] file\n"});
-    print({"options: -L Create list file \"file.lst\"\n", "         -w Print warnings\n",
-           "         -S Print symbol table\n",
-           "         -g Generate source level debug information\n",
-           "         -o [FILENAME] Rename output file\n",
-           "         -d [DIRECTORY] Set directory for source (debugger info)\n",
-           "         -D SYMBOL Enter 'SYMBOL' as defined in symbol table\n",
-           "         -I [FILENAME] Include file\n", "         -S1 Force generation of S1-records\n",
-           "         -S2 Force generation of S2-records\n",
-           "         -S3 Force generation of S3-records\n", "compatibility options: -C option\n",
-           "         nocase - Turn case sensivity OFF\n",
-           "         nopure - Turn recognition of 'pure' assembler directives OFF \n",
-           "         notrad - Turn recognition of 'traditional' assembler directives OFF\n"});
+    standard_output.put({kProgramName, " - ", kProcessorName, " Absolute crossassembler, Version ",
+                         kVersion, "\n", kNotice, "\n\n", kProgramName,
+                         " creates a S-record format file named 'file.s19'\n",
+                         "from an assembly source file e.g. \"file", kSourceExtension, "\"\n",
+                         "Usage: ", kProgramName, " [ options ] file\n"});
+    standard_output.put(
+        {"options: -L Create list file \"file.lst\"\n", "         -w Print warnings\n",
+         "         -S Print symbol table\n",
+         "         -g Generate source level debug information\n",
+         "         -o [FILENAME] Rename output file\n",
+         "         -d [DIRECTORY] Set directory for source (debugger info)\n",
+         "         -D SYMBOL Enter 'SYMBOL' as defined in symbol table\n",
+         "         -I [FILENAME] Include file\n", "         -S1 Force generation of S1-records\n",
+         "         -S2 Force generation of S2-records\n",
+         "         -S3 Force generation of S3-records\n", "compatibility options: -C option\n",
+         "         nocase - Turn case sensivity OFF\n",
+         "         nopure - Turn recognition of 'pure' assembler directives OFF \n",
+         "         notrad - Turn recognition of 'traditional' assembler directives OFF\n"});
 }

@@ -27,9 +27,6 @@ enum BranchState : std::int32_t { kNoBranchTaken = 0, kBranchTaken = 1, kElseSee
 // "#elif" there find one.
 std::vector<std::int32_t> ifsatisfied;
 
-constexpr int kSymbolKind = 32;
-constexpr int kNoData = -1;
-
 std::int32_t &satisfied() {
     const auto index = static_cast<std::size_t>(ifdepth);
     if (ifsatisfied.size() <= index) {
@@ -52,6 +49,13 @@ struct OperandWords {
 };
 OperandWords words;
 
+char *skip_blanks(char *p) {
+    while (*p != '\0' && isblanc(*p)) {
+        ++p;
+    }
+    return p;
+}
+
 // Ends the word at p; returns the start of the next.
 char *end_word(char *p) {
     while (!isblanc(*p)) {
@@ -60,15 +64,14 @@ char *end_word(char *p) {
     if (*p != '\0') {
         *p++ = '\0';
     }
-    return p + (skipblanc(p) - p);
+    return skip_blanks(p);
 }
 
 void read_words() {
     words.text.fill('\0');
     words.column = static_cast<int>(Col_Ptr - Line_Ptr);
     std::strncpy(words.text.data(), Col_Ptr, kConditionalTextLimit);
-    char *start = words.text.data();
-    words.first = start + (skipblanc(start) - start);
+    words.first = skip_blanks(words.text.data());
     words.second = end_word(words.first);
     end_word(words.second);
 }
@@ -80,7 +83,7 @@ std::int64_t evaluate(const char *word) { return evalexp(word, 1, words.column_o
 Symbol *named_symbol() {
     Symbol *symbol = getsym(words.first);
     if (symbol == nullptr) {
-        symbol = putsym(words.first, 0, realline, SYM_CONDITIONAL | SYM_UNDEFINED, kSymbolKind,
+        symbol = putsym(words.first, 0, realline, SYM_CONDITIONAL | SYM_UNDEFINED, kNameKind,
                         nullptr, kNoData);
         if (symbol == nullptr) {
             Error("Bad preproc");

@@ -20,17 +20,6 @@ constexpr int kFailed = -1;
 // The largest block that is reserved, in bytes: the whole 32-bit address space.
 constexpr std::int64_t kLargestReservation = std::int64_t{1} << 32U;
 
-int fail(const char *text) {
-    Error(text);
-    return kFailed;
-}
-
-void define_label_if_any() {
-    if (label != 0) {
-        define_directive_label();
-    }
-}
-
 // In the final pass, adds data to what is registered for the last seen label, if there is one.
 void register_size(std::int32_t count, std::uint32_t element_size) {
     if (Pass2 == 0 || last_seen_label.empty()) {
@@ -83,15 +72,8 @@ bool string_character() {
 
 } // namespace
 
-void define_directive_label() {
-    const std::string_view name = label_name();
-    defsym(name, LC, 1);
-    SetLastLabel(name, LC);
-    IsEqu = 1;
-}
-
 int do_define_data() {
-    define_label_if_any();
+    define_directive_label();
     std::int32_t count = 0;
     while (true) {
         ClearOp(opnd1);
@@ -114,7 +96,7 @@ int do_define_data() {
 }
 
 int do_define_characters(char delimiter, int terminate) {
-    define_label_if_any();
+    define_directive_label();
     if (*Col_Ptr != delimiter) {
         return fail("Bad operand syntax");
     }
@@ -138,7 +120,7 @@ int do_define_characters(char delimiter, int terminate) {
 }
 
 int do_reserve_memory(int unit) {
-    define_label_if_any();
+    define_directive_label();
     ClearOp(opnd1);
     if (ppexpr(opnd1, 1) != 0) {
         return kFailed;

@@ -12,6 +12,3 @@ int do_define_characters(char delimiter, int terminate);
 
 // RMB: as many zero units as the operand says; unit is in bytes. Always -1.
 int do_reserve_memory(int unit);
-
-// Defines the line's label at the location counter, in place of the line assembler.
-void define_directive_label();

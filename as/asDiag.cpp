@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <initializer_list>
 #include <string>
 #include <string_view>
 
@@ -28,12 +27,6 @@ std::string format_text(const char *format, va_list values) {
     (void)std::vsnprintf(text.data(), text.size(), format, values);
     text.pop_back();
     return text;
-}
-
-void put_all(OutputFile &out, std::initializer_list<std::string_view> parts) {
-    for (const std::string_view part : parts) {
-        out.put(part);
-    }
 }
 
 // The two names of the place that a report speaks of: standard output shows the path, the listing
@@ -61,9 +54,9 @@ void report_error(const char *text) {
     LineError = 1;
     const Place place = current_place();
     const std::string line = std::to_string(place.line);
-    put_all(standard_output, {place.path, " (", line, ") Error: ", text, "\n"});
+    standard_output.put({place.path, " (", line, ") Error: ", text, "\n"});
     if (is_listing()) {
-        put_all(listfile, {"\"", place.name, "\" line ", line, ", ERROR: ", text, "\n"});
+        listfile.put({"\"", place.name, "\" line ", line, ", ERROR: ", text, "\n"});
     }
 }
 
@@ -71,9 +64,9 @@ void report_error(const char *text) {
 void report_warning(const char *text, const Place &place) {
     Warnings = static_cast<std::int32_t>(static_cast<std::uint32_t>(Warnings) + 1U);
     const std::string line = std::to_string(place.line);
-    put_all(standard_output, {place.path, " (", line, ") Warning: ", text, "\n"});
+    standard_output.put({place.path, " (", line, ") Warning: ", text, "\n"});
     if (is_listing()) {
-        put_all(listfile, {"\"", place.name, "\" LINE: ", line, ",WARNING: ", text, "\n"});
+        listfile.put({"\"", place.name, "\" LINE: ", line, ",WARNING: ", text, "\n"});
     }
 }
 
@@ -97,6 +90,11 @@ void Error(const char *text) {
         }
     }
     Line_Done = 1;
+}
+
+int fail(const char *text) {
+    Error(text);
+    return -1;
 }
 
 void vpError(const char *format, ...) {
@@ -138,13 +136,13 @@ void vpFatal(const char *format, ...) {
     text.resize(std::min<std::size_t>(text.size(), kFatalTextLimit));
     const Place place = current_place();
     if (*place.path == '\0') {
-        put_all(standard_output, {"Fatal error: ", text, "\n"});
+        standard_output.put({"Fatal error: ", text, "\n"});
     } else {
         const std::string line = std::to_string(place.line);
         // Kept: no blank between ")" and "Fatal" on standard output, and the path in the listing.
-        put_all(standard_output, {place.path, " (", line, ")Fatal error: ", text, "\n"});
+        standard_output.put({place.path, " (", line, ")Fatal error: ", text, "\n"});
         if (is_listing()) {
-            put_all(listfile, {"\"", place.path, "\" (", line, ") Fatal error: ", text, "\n"});
+            listfile.put({"\"", place.path, "\" (", line, ") Fatal error: ", text, "\n"});
         }
     }
     end_run(1);

@@ -28,6 +28,9 @@ void Error(const char *text);
 // As Error, with values inserted, and reported even if the line has had an error.
 __attribute__((format(printf, 1, 2))) void vpError(const char *format, ...);
 
+// Reports an error and returns -1, the result of what has failed.
+int fail(const char *text);
+
 // Reports a warning in the final pass with -w.
 void Warning(const char *text);
 __attribute__((format(printf, 1, 2))) void vpWarning(const char *format, ...);

@@ -160,15 +160,8 @@ void create_outputs() {
     (void)replace_file(zirpafile, zirpafilename);
 }
 
-void put_all(OutputFile &out, std::initializer_list<std::string_view> parts) {
-    for (const std::string_view part : parts) {
-        out.put(part);
-    }
-}
-
 void put_banner(OutputFile &out) {
-    put_all(out,
-            {kProgramName, " - ", kProcessorName, " Absolute crossassembler, Version ", kVersion});
+    out.put({kProgramName, " - ", kProcessorName, " Absolute crossassembler, Version ", kVersion});
 }
 
 std::uint32_t entry_address() {
@@ -213,12 +206,12 @@ int openfiles(const char *file) {
 void write_headers() {
     if (O_list != 0) {
         put_banner(listfile);
-        put_all(listfile, {"\n", kNotice, "\n\n", "\nFile: ", List_name, "\n"});
+        listfile.put({"\n", kNotice, "\n\n", "\nFile: ", List_name, "\n"});
         listing_on = 1;
     }
     put_banner(zirpafile);
-    put_all(zirpafile, {"\n", kNotice, "\nFile: ", zirpafilename, "\n", "\n # ClearAllMemory",
-                        "\n # ClearAllRegisters"});
+    zirpafile.put({"\n", kNotice, "\nFile: ", zirpafilename, "\n", "\n # ClearAllMemory",
+                   "\n # ClearAllRegisters"});
 }
 
 void CloseDown() {
@@ -230,7 +223,7 @@ void CloseDown() {
     outrecinit(kEndRecord16, entry_address());
     putout();
     if (O_symdebug != 0) {
-        put_all(objectfile, {"SX:C:s:", startsymname, "\n", symdebfile});
+        objectfile.put({"SX:C:s:", startsymname, "\n", symdebfile});
         symdebfile.clear();
     }
     objectfile.close();
@@ -259,7 +252,7 @@ bool report_write_failures() {
     bool any_failed = false;
     for (const Output &output : outputs) {
         if (output.file.has_failed()) {
-            put_all(standard_output, {kProgramName, ": Can't write '", output.name, "'\n"});
+            standard_output.put({kProgramName, ": Can't write '", output.name, "'\n"});
             any_failed = true;
         }
     }

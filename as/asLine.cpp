@@ -204,4 +204,13 @@ void SetLastLabel(std::string_view name, std::uint32_t value) {
     last_seen_label_offset = 0;
 }
 
+void define_directive_label() {
+    if (label != 0) {
+        const std::string_view name = label_name();
+        defsym(name, LC, 1);
+        SetLastLabel(name, LC);
+        IsEqu = 1;
+    }
+}
+
 void line_new_pass() { listLC = 0; }

@@ -40,6 +40,10 @@ const char *SkipSpace();
 void resetLabel();
 void SetLastLabel(std::string_view name, std::uint32_t value);
 
+// For directives: defines the line's label, if it has one, at the location counter, in place of the
+// line assembler.
+void define_directive_label();
+
 void line_new_pass();
 
 inline void line_new_line() {

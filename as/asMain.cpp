@@ -38,10 +38,7 @@ void initpass1() {
 }
 
 int cannot_open(const char *file) {
-    standard_output.put(kProgramName);
-    standard_output.put(": Can't open '");
-    standard_output.put(file);
-    standard_output.put("'\n");
+    standard_output.put({kProgramName, ": Can't open '", file, "'\n"});
     standard_output.flush();
     return 0;
 }

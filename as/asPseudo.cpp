@@ -67,9 +67,6 @@ namespace {
 constexpr std::size_t kDirectiveWordLimit = 63;
 constexpr int kCarriedOut = 2;
 constexpr int kFailed = -1;
-// Kind and element count of names that have no data.
-constexpr int kSymbolKind = 32;
-constexpr int kNoData = -1;
 
 std::uint32_t find_directive(const DirectiveEntry *table, const char *word) {
     for (const DirectiveEntry *entry = table; entry->name != nullptr; ++entry) {
@@ -156,11 +153,6 @@ int do_unimplemented_module_word(std::uint32_t token) {
     return do_unimplemented();
 }
 
-int fail(const char *text) {
-    Error(text);
-    return kFailed;
-}
-
 int do_set_direct_page() {
     ClearOp(opnd1);
     if (ppexpr(opnd1, 1) != 0) {
@@ -201,7 +193,7 @@ void equate_existing(Symbol &symbol, int set) {
 Symbol *create_constant(std::string_view name, std::int32_t value, int set) {
     Symbol *symbol = putsym(name, value, realline,
                             SYM_DEFINED | SYM_ABSOLUTE | (set != 0 ? SYM_REDEFINABLE : 0U),
-                            kSymbolKind, nullptr, kNoData);
+                            kNameKind, nullptr, kNoData);
     if (symbol != nullptr) {
         symbol->segment = LookupSegment("abs", 1);
     }
@@ -359,9 +351,7 @@ int DoOrg() {
         defaultentryLC = LC;
     }
     outrecinit(record_type, LC);
-    if (label != 0) {
-        define_directive_label();
-    }
+    define_directive_label();
     return kCarriedOut;
 }
 

@@ -20,6 +20,10 @@ inline constexpr std::size_t kSymbolsPerBlock = 200;
 inline constexpr std::size_t kSymbolBlockLimit = 199;
 inline constexpr std::size_t kSymbolChains = 256;
 
+// Kind and element count with which names are created that have no data.
+inline constexpr int kNameKind = 32;
+inline constexpr std::int32_t kNoData = -1;
+
 // Bits of a symbol's flags.
 enum SymbolFlag : std::uint32_t {
     SYM_DEFINED = 0x1,

@@ -95,11 +95,6 @@ constexpr std::array<RegisterPair, 8> kExchangePairs = {{
     {TOK_SP, TOK_Y, 0xCF},
 }};
 
-int fault(const char *text) {
-    Error(text);
-    return kFault;
-}
-
 template <typename Modes> std::uint32_t mode_bits(const Modes &modes, std::uint64_t mode) {
     const auto *entry = std::find_if(modes.begin(), modes.end(),
                                      [mode](const ModeOpcode &row) { return row.mode == mode; });
@@ -111,10 +106,10 @@ bool mode_is_allowed() { return (opnd1.mode & mp->mode_mask) != 0; }
 // The common encoder: opcode byte, then the operand byte of the forms that carry one.
 template <typename Modes> int code_operand(const Modes &modes) {
     if (Parse_Operand(opnd1) != 0) {
-        return fault("Syntax Error");
+        return fail("Syntax Error");
     }
     if (!mode_is_allowed()) {
-        return fault("Illegal Addressing Mode");
+        return fail("Illegal Addressing Mode");
     }
     ebyte(mp->opcode | mode_bits(modes, opnd1.mode));
     return (opnd1.mode & kByteOperandModes) != 0 ? do_reloc_cmd(opnd1, REL_CMD_OFF_8, LC) : 0;
@@ -124,13 +119,13 @@ template <typename Pairs> int code_register_pair(const Pairs &pairs) {
     int first = 0;
     int second = 0;
     if (ParseReglist(first, second) == 0) {
-        return fault("Bad register pair");
+        return fail("Bad register pair");
     }
     const auto *pair = std::find_if(pairs.begin(), pairs.end(), [=](const RegisterPair &row) {
         return row.first == first && row.second == second;
     });
     if (pair == pairs.end()) {
-        return fault("Illegal register combination");
+        return fail("Illegal register combination");
     }
     mp->opcode = pair->opcode;
     ebyte(mp->opcode);
@@ -149,10 +144,10 @@ int coder1() { return code_operand(kLoadStoreModes); }
 // Kept: the branches word their faults differently from all other instructions.
 int coder2() {
     if (Parse_Operand(opnd1) != 0) {
-        return fault("Bad operand syntax");
+        return fail("Bad operand syntax");
     }
     if (!mode_is_allowed()) {
-        return fault("Illegal addressing mode");
+        return fail("Illegal addressing mode");
     }
     ebyte(mp->opcode);
     opnd1.pc_bias = 1;
@@ -173,7 +168,7 @@ int CodeLine() {
     static constexpr std::array<int (*)(), 8> kCoders = {coder0, coder1, coder2, coder3,
                                                          coder4, coder5, coder6, coder7};
     if (mp->coder >= kCoders.size()) {
-        return fault("(F1016)");
+        return fail("(F1016)");
     }
     const int result = kCoders[mp->coder]();
     if (result == kFault) {

@@ -54,6 +54,12 @@ void OutputFile::put(std::string_view text) {
     }
 }
 
+void OutputFile::put(std::initializer_list<std::string_view> texts) {
+    for (const std::string_view text : texts) {
+        put(text);
+    }
+}
+
 void OutputFile::put_hex(std::uint64_t value, unsigned min_digits) {
     NumberText text;
     put(hex_text(text, value, min_digits));

@@ -10,6 +10,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <initializer_list>
 #include <string_view>
 
 // Bytes gathered before a write. Its size cannot be observed in any output.
@@ -43,6 +44,7 @@ class OutputFile {
     }
 
     void put(std::string_view text);
+    void put(std::initializer_list<std::string_view> texts);
 
     // Two upper-case hexadecimal digits.
     void put_hex_byte(unsigned value) {

@@ -58,12 +58,17 @@ class EndRun(Exception):
         self.status = status
 
 
+class TooLong(Exception):
+    """The source reserves more memory than the caller wants to wait for."""
+
+
 class Assembler(Expressions):
     """The whole program; its attributes are the program's globals."""
 
-    def __init__(self, cwd_files, cwd):
+    def __init__(self, cwd_files, cwd, reservation_limit=MAX_RESERVATION):
         self.cwd_files = cwd_files
         self.cwd = cwd
+        self.reservation_limit = reservation_limit
         self.stdout = bytearray()
         self.outputs = {}
         self.removed = set()
@@ -254,7 +259,8 @@ class Assembler(Expressions):
     def create(self, name):
         """Open an output for writing; None when that is not possible."""
         directory, _, bare = name.rpartition(b"/")
-        known = not directory or name.startswith(b"/") or self.names_directory(directory)
+        plain = os.path.normpath(directory or b".")
+        known = plain == b"." or name.startswith(b"/") or self.names_directory(plain)
         if not bare or len(bare) > 255 or not known or self.names_directory(name):
             return None
         self.outputs[name] = bytearray()
@@ -841,6 +847,8 @@ class Assembler(Expressions):
         if not 1 <= operand.value <= MAX_RESERVATION:
             self.Error(b"Undetermined size for reservation of storage")
             return -1
+        if operand.value > self.reservation_limit:
+            raise TooLong
         self.register_size(operand.value)
         if not self.Pass2:
             self.LC = u32(self.LC + operand.value)
@@ -1292,11 +1300,14 @@ class Assembler(Expressions):
                                 % (*place, value, s32(line), rest))
 
 
-def run(argv, cwd_files, cwd):
-    """Assemble in memory. A key of cwd_files that ends in "/" names an empty directory."""
+def run(argv, cwd_files, cwd, reservation_limit=MAX_RESERVATION):
+    """Assemble in memory. A key of cwd_files that ends in "/" names an empty directory.
+
+    TooLong is raised at a reservation above the limit.
+    """
     # Parentheses nest as deep as a line is long, and each takes one call of the evaluator.
     sys.setrecursionlimit(max(sys.getrecursionlimit(), 20000))
-    program = Assembler(cwd_files, cwd)
+    program = Assembler(cwd_files, cwd, reservation_limit)
     status = 0
     try:
         program.main(argv)
