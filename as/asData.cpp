@@ -13,12 +13,11 @@
 #include "util/text.h"
 #include "util/wrap.h"
 
+std::int64_t reservation_limit = std::int64_t{1} << 32U;
+
 namespace {
 
 constexpr int kFailed = -1;
-
-// The largest block that is reserved, in bytes: the whole 32-bit address space.
-constexpr std::int64_t kLargestReservation = std::int64_t{1} << 32U;
 
 // In the final pass, adds data to what is registered for the last seen label, if there is one.
 void register_size(std::int32_t count, std::uint32_t element_size) {
@@ -129,7 +128,7 @@ int do_reserve_memory(int unit) {
         return fail("Bad constant delimiter");
     }
     const std::int64_t bytes = wrap_multiply(unit, opnd1.value);
-    if (bytes < 1 || bytes > kLargestReservation) {
+    if (bytes < 1 || bytes > reservation_limit) {
         return fail("Undetermined size for reservation of storage");
     }
     register_size(signed_32(opnd1.value), static_cast<std::uint32_t>(unit));

@@ -3,6 +3,14 @@
 // Each also records how much data follows a label, for the types of debug records.
 #pragma once
 
+#include <cstdint>
+
+// ---- State owned here ----
+
+extern std::int64_t reservation_limit; // largest block in bytes: 2^32; only fuzzing sets less
+
+// ---- Functions ----
+
 // FCB: a list of byte values. 1, or -1 after an error.
 int do_define_data();
 

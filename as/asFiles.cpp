@@ -214,6 +214,16 @@ void write_headers() {
                    "\n # ClearAllRegisters"});
 }
 
+void abandon_outputs() {
+    if (objectfile.is_open()) {
+        objectfile.discard();
+        delete_output(Object_name.c_str());
+    }
+    listfile.close();
+    algofile.close();
+    zirpafile.close();
+}
+
 void CloseDown() {
     if (O_cout != 0) {
         end_array();
@@ -226,9 +236,13 @@ void CloseDown() {
         objectfile.put({"SX:C:s:", startsymname, "\n", symdebfile});
         symdebfile.clear();
     }
-    objectfile.close();
     zirpafile.close();
-    if (Errors != 0) {
+    if (Errors == 0) {
+        objectfile.close();
+    } else {
+        // The end record is not written, so that the file is not taken for whole if it can't be
+        // deleted.
+        objectfile.discard();
         delete_output(Object_name.c_str());
         if (listfile.is_open()) {
             listfile.put("\n\n****** Total Errors: ");

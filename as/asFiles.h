@@ -27,6 +27,9 @@ void write_headers();
 // Ends all outputs and closes them; after errors the S-record file is deleted.
 void CloseDown();
 
+// Closes all outputs of a run that cannot go on, and deletes the S-record file.
+void abandon_outputs();
+
 // Reports every output that could not be written. True when there was one; the S-record file is
 // then deleted.
 bool report_write_failures();

@@ -15,6 +15,7 @@
 #include "target/emit.h"
 
 #include <csignal>
+#include <new>
 
 namespace {
 
@@ -131,6 +132,24 @@ int assemble(const char *file) {
     return finish();
 }
 
+int run(int argc, const char *const *argv) {
+    // A closed pipe or a file that grows too large is a write that fails, and is reported as one.
+    (void)std::signal(SIGPIPE, SIG_IGN);
+    (void)std::signal(SIGXFSZ, SIG_IGN);
+    start_up(argc > 0 ? argv[0] : kProgramName);
+    if (argc < 2) {
+        print_usage();
+        standard_output.flush();
+        return 0;
+    }
+    const char *file = read_command_line(argc, argv);
+    if (file == nullptr) {
+        standard_output.flush();
+        return 0;
+    }
+    return assemble(file);
+}
+
 } // namespace
 
 void start_up(const char *invocation) {
@@ -149,16 +168,12 @@ void start_up(const char *invocation) {
 }
 
 int as_main(int argc, const char *const *argv) {
-    // A closed pipe or a file that grows too large is a write that fails, and is reported as one.
-    (void)std::signal(SIGPIPE, SIG_IGN);
-    (void)std::signal(SIGXFSZ, SIG_IGN);
-    start_up(argc > 0 ? argv[0] : kProgramName);
-    if (argc < 2) {
-        print_usage();
+    try {
+        return run(argc, argv);
+    } catch (const std::bad_alloc &) {
+        abandon_outputs();
+        standard_output.put({kProgramName, ": Out of memory\n"});
         standard_output.flush();
-        return 0;
+        return kFailure;
     }
-    const char *file = read_command_line(argc, argv);
-    standard_output.flush();
-    return file == nullptr ? 0 : assemble(file);
 }

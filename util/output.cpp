@@ -89,9 +89,16 @@ void OutputFile::close() {
     descriptor_ = -1;
 }
 
+void OutputFile::discard() {
+    used_ = 0;
+    close();
+}
+
 void delete_output(const char *name) {
     struct stat status {};
     if (lstat(name, &status) == 0 && !S_ISCHR(status.st_mode) && !S_ISBLK(status.st_mode)) {
-        (void)::unlink(name);
+        if (::unlink(name) != 0) {
+            (void)::truncate(name, 0);
+        }
     }
 }

@@ -64,6 +64,9 @@ class OutputFile {
     // Flushes and closes; a closed file stays closed.
     void close();
 
+    // Closes without writing out what the buffer holds.
+    void discard();
+
   private:
     int descriptor_ = -1;
     bool owned_ = false;
@@ -72,6 +75,6 @@ class OutputFile {
     std::array<char, kOutputBufferSize> buffer_{};
 };
 
-// Deletes a file that is about to be replaced or is not to be kept. Devices are left alone, so that
-// "/dev/null" as an output is never removed.
+// Deletes a file that is about to be replaced or is not to be kept; one that cannot be deleted is
+// emptied. Devices are left alone, so that "/dev/null" as an output is never removed.
 void delete_output(const char *name);

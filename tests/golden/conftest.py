@@ -1,8 +1,7 @@
-"""Options of the golden tests: which program is run."""
+"""The golden tests run once for each case, of all topics or of one."""
 
 
 def pytest_addoption(parser):
-    parser.addoption("--program", required=True, help="the assembler under test")
     parser.addoption("--topic", default=None, help="run the cases of one topic only")
 
 

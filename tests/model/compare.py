@@ -81,10 +81,10 @@ class Bench:
             os.ftruncate(stream, 0)
             os.lseek(stream, 0, os.SEEK_SET)
         actions = [(os.POSIX_SPAWN_DUP2, self.out, 1), (os.POSIX_SPAWN_DUP2, self.err, 2)]
-        child = os.posix_spawn(self.program, case.argv, os.environ, file_actions=actions)
+        child = os.posix_spawn(self.program, case.argv(self.directory), os.environ,
+                               file_actions=actions)
         status = wait_for(child)
-        outcome = Outcome(status, content(self.out), self.take_files(), content(self.err))
-        return outcome
+        return Outcome(status, content(self.out), self.take_files(), content(self.err))
 
     def take_files(self, below=b""):
         """Read and remove every file; directories that are left empty go too."""
@@ -103,16 +103,19 @@ class Bench:
 
     def model_outcome(self, case):
         try:
-            result = run(case.argv, case.files, self.directory, LARGEST_RESERVATION)
+            result = run(case.argv(self.directory), case.files, self.directory, LARGEST_RESERVATION)
         except TooLong:
             raise
         except Exception:
             return Outcome(-1, b"the model failed\n" + traceback.format_exc().encode(), {})
         files = {name: data for name, data in case.files.items() if not name.endswith(b"/")}
-        files.update((plain_name(name), data) for name, data in result.files.items())
+        files.update((self.relative(name), data) for name, data in result.files.items())
         for name in result.removed:
-            files.pop(plain_name(name), None)
+            files.pop(self.relative(name), None)
         return Outcome(result.status, result.stdout, files)
+
+    def relative(self, name):
+        return os.path.relpath(os.path.join(self.directory, name), self.directory)
 
     def difference(self, case):
         """The parts in which the two runs differ: name to (program, model)."""
@@ -187,7 +190,7 @@ def reduce_sequence(items, still_shows):
 
 def minimise(bench, case):
     """The smallest case found that still shows a difference: by lines, options and bytes."""
-    name = plain_name(case.source)
+    name = plain_name(case.source or b"")
 
     def shows(candidate):
         try:
@@ -213,7 +216,7 @@ def minimise(bench, case):
 
 
 def describe(bench, case):
-    lines = ["arguments: " + " ".join(repr(word)[1:] for word in case.argv)]
+    lines = ["arguments: " + " ".join(repr(word)[1:] for word in case.argv(b"{cwd}"))]
     lines += [f"file {name!r}: {data!r}" for name, data in case.files.items()
               if not name.endswith(b"/")]
     for name, (program, model) in bench.difference(case).items():

@@ -65,12 +65,17 @@ ODD_BYTES = [b"\0", b"\r", b"\x01", b"\x0c", b"\x1b", b"\x7f", b"\x80", b"\xa0",
              b"/", b"<", b">", b"=", b"&", b"|", b"^", b"~", b"!", b"@", b"?", b"_", b".", b" ",
              b"\t", b"\n", b"\r\n", b"0", b"1", b"9", b"A", b"x", b"Y", b"SP"]
 
-SOURCE_NAMES = [b"./p.szirpa", b"sub/p.szirpa", b"sub//p.szirpa", b"sub/../p.szirpa", b"a.b.szirpa",
-                b"p", b".p", b"p.", b"p q.szirpa", b"a\\p.szirpa", b"p.s19", b"p.lst", b"\xe9.szirpa"]
+# "{cwd}" stands for the directory in which the program runs.
+SOURCE_NAMES = [b"{cwd}/p.szirpa", b"{cwd}/sub/./p.szirpa", b"./" * 123 + b"p.szirpa",
+                b"./" * 124 + b"p.szirpa", b"sub", b"./p.szirpa", b"sub/p.szirpa", b"sub//p.szirpa", b"sub/../p.szirpa", b"a.b.szirpa",
+                b"p", b".p", b"p.", b"p q.szirpa", b"a\\p.szirpa", b"p.s19", b"p.lst",
+                b"\xe9.szirpa", b"~\\..\\p", b"dir.x\\p"]
 OUTPUT_NAMES = [b"out.s19", b"out", b"sub/out.s19", b"sub/", b"sub", b"none/out.s19", b".out",
                 b"a.b.c", b"p.szirpa", b"p.fmem", b"p.lst", b"p_cout.c", b"", b"a b.s19",
                 b"\"a b.s19\"", b"\"open", b"./p.s19", b"sub/../p.lst", b"o\\ut.s19", b"\"\"",
-                b"d.x/out", b"x" * 250 + b".s19", b"x" * 256]
+                b"d.x/out", b"x" * 250 + b".s19", b"x" * 253, b"x" * 256, b"{cwd}/out.s19",
+                b"{cwd}/none/out.s19", b"{cwd}/sub/../p.szirpa", b"sub\\out.s19"]
+BLOCKING_DIRECTORIES = [b"p.s19/", b"p.lst/", b"p_cout.c/", b"p.fmem/"]
 ODD_OPTIONS = [[b"-x"], [b"-"], [b"--"], [b"-l"], [b"-LS"], [b"-S4"], [b"-ofoo"], [b"-ddir"],
                [b"-o\"q r.s19\""], [b"-o\"q\"r"], [b"-d\"d e\""], [b"-d", b"dir"], [b"-C", b"notrad"],
                [b"-Cnotrad"], [b"-C", b""], [b"-Cnonative"], [b"-C", b"nonative"], [b"-C", b"NOCASE"],
@@ -81,33 +86,34 @@ ODD_DEFINES = [b"", b"SIZE=5", b"a b", b"L,1", b"1", b"\xe9", b"L:", b"A", b"-L"
 STYLES = {
     "program": {"instruction": 10, "data": 4, "equ": 3, "org": 2, "label": 2, "comment": 1},
     "mixed": {"instruction": 8, "data": 5, "equ": 4, "org": 2, "label": 2, "comment": 1,
-              "condition": 4, "end": 1, "stab": 1, "odd": 1},
+              "condition": 2, "block": 1, "end": 1, "stab": 1, "odd": 1},
     "expressions": {"equ": 4, "data": 4, "instruction": 5, "org": 1, "condition": 1},
-    "conditions": {"condition": 10, "instruction": 3, "equ": 3, "label": 3, "data": 1, "stab": 1},
+    "conditions": {"condition": 6, "block": 4, "instruction": 3, "equ": 3, "label": 3, "data": 1,
+                   "stab": 1},
     "debugger": {"stab": 10, "instruction": 4, "label": 3, "equ": 1, "data": 2, "end": 1},
     "odd": {"odd": 8, "instruction": 3, "data": 3, "equ": 2, "org": 1, "end": 1, "condition": 2,
-            "stab": 1, "label": 1, "long": 1},
+            "stab": 1, "label": 1, "long": 0.1},
     "long": {"long": 6, "instruction": 2, "data": 1, "comment": 1},
 }
 STYLE_NAMES = list(STYLES)
-STYLE_WEIGHTS = [3, 5, 4, 4, 2, 3, 0.3]
+STYLE_WEIGHTS = [3, 5, 4, 4, 2, 3, 0.1]
 HOSTILITY = [0.0, 0.05, 0.2, 0.6]
 
 
 @dataclass(frozen=True)
 class Case:
-    """One run: the options, the source's name and the files of the directory.
+    """One run: the options, the source's name, if there is one, and the files of the directory.
 
     A name that ends in "/" is an empty directory.
     """
 
     options: tuple
-    source: bytes
+    source: bytes | None
     files: dict
 
-    @property
-    def argv(self):
-        return [b"HXzirpa", *self.options, self.source]
+    def argv(self, directory):
+        words = [*self.options, *([] if self.source is None else [self.source])]
+        return [b"HXzirpa", *(word.replace(b"{cwd}", directory) for word in words)]
 
 
 class SourceWriter:
@@ -121,7 +127,7 @@ class SourceWriter:
         self.names = rng.sample(NAMES[:24], rng.randint(2, 6))
         if self.odd(0.3):
             self.names.append(rng.choice(NAMES[24:]))
-        self.open_conditions = 0
+        self.fresh_names = []
 
     # Chances
 
@@ -140,7 +146,16 @@ class SourceWriter:
     # Words
 
     def name(self):
+        if self.fresh_names and self.chance(0.5):
+            return self.rng.choice(self.fresh_names[-8:])
         return self.rng.choice(self.names)
+
+    def new_name(self):
+        """A name to be defined: mostly one that has no definition yet."""
+        if self.odd(0.5) or self.chance(0.3):
+            return self.rng.choice(self.names)
+        self.fresh_names.append(b"v%d" % len(self.fresh_names))
+        return self.fresh_names[-1]
 
     def number(self):
         rng = self.rng
@@ -202,7 +217,7 @@ class SourceWriter:
                                       if self.chance(0.3) else [b""])
 
     def perhaps_label(self, probability=0.3):
-        return self.name() if self.chance(probability) else b""
+        return self.new_name() if self.chance(probability) else b""
 
     # Kinds of lines
 
@@ -265,7 +280,7 @@ class SourceWriter:
         return self.statement(self.perhaps_label(0.1), self.any_case(b"END"), operand)
 
     def label(self):
-        return self.name() + self.rng.choice([b"", b":", b" ", b" ; note", b":;x", b": NOP"])
+        return self.new_name() + self.rng.choice([b"", b":", b" ", b" ; note", b":;x", b": NOP"])
 
     def comment(self):
         return self.rng.choice([b"; note", b";", b" ; note", b"", b" ", b"\t", b"\t;x", b"* star"])
@@ -283,6 +298,17 @@ class SourceWriter:
                                        self.token_soup(), operand + b"\t" + operand])
         indent = self.rng.choice([b"", b"", b"", b" ", b"\t", b"\x01"])
         return indent + self.any_case(word) + self.separator() + operand
+
+    def block(self):
+        """A conditional that is closed again."""
+        lines = [b"##if " + self.expression(2) if self.chance(0.4)
+                 else self.rng.choice([b"#ifdef ", b"#ifndef "]) + self.name()]
+        for word in (b"#elif " + self.name(), b"#else", b"#endif"):
+            kinds = self.rng.choices(self.kinds, self.weights, k=self.rng.randint(0, 2))
+            lines += [self.line(kind) for kind in kinds]
+            if word == b"#endif" or self.chance(0.5):
+                lines.append(word)
+        return b"\n".join(lines)
 
     def stab(self):
         word = self.rng.choice(STAB_WORDS)
@@ -319,7 +345,7 @@ class SourceWriter:
         return line[:length - len(tail)] + tail
 
     WRITERS = {"instruction": instruction, "data": data, "equ": equ, "org": org, "end": end,
-               "label": label, "comment": comment, "condition": condition, "stab": stab,
+               "label": label, "comment": comment, "condition": condition, "block": block, "stab": stab,
                "odd": odd_line, "long": long_line}
 
     def line(self, kind):
@@ -380,6 +406,66 @@ class ProgramWriter:
         if rng.random() < 0.5:
             lines.append(b" END" + rng.choice([b"", b" M%d" % self.labels[0]]))
         return b"\n".join(lines) + b"\n"
+
+
+class DebuggerWriter(SourceWriter):
+    """Writes debugger lines in sources without errors, whose records are therefore kept."""
+
+    def __init__(self, rng):
+        super().__init__(rng, "debugger", 0.0)
+        self.names = [b"L%d" % number for number in range(6)]
+
+    def number_field(self):
+        return self.rng.choice(STAB_FIELDS + [b"1", b"2", b"300"])
+
+    def symbol_field(self):
+        return self.rng.choice(self.names + [b"nosuch", b"L1 ", b"L2,x", b"", b" L3", b"L4\x80"])
+
+    def good_stab(self):
+        rng, number, symbol = self.rng, self.number_field, self.symbol_field
+        word = rng.choice([b"func", b"stmt", b"expr", b"exec", b"type", b"symL", b"symV", b"symF",
+                           b"symv", b"symf", b"init", b"dir", b"file", b"junk"])
+        if word == b"func":
+            fields = [symbol(), number(), number(), number(), *rng.choices(self.names, k=3)]
+            fields[rng.randrange(4, 7)] = symbol()
+            operand = b":".join(fields)
+        elif word in (b"stmt", b"expr", b"exec"):
+            operand = number() + rng.choice([b",", b",", b",", b", ", b" ,", b"", b",,"])
+            operand += rng.choice([rng.choice(self.names), self.number(), b"L1+1", b"-L2", b"1-2"])
+        elif word == b"symL":
+            operand = b":".join([b"a", symbol(), b"c", number(), b"rest:of it"])
+        else:
+            operand = b":".join([b"type", symbol(), number(), b"rest:of it"])
+        gap = rng.choice([b" ", b" ", b" ", b"  ", b"", b"\t"])
+        return self.shorten(b".stab" + rng.choice([b"s", b" "]) + word + gap + operand)
+
+    def shorten(self, text):
+        if self.chance(0.1):
+            text = text[:self.rng.randint(6, 20)]
+        end = self.rng.choice([b""] * 6 + [b"+", b"+\n; more+\n; last", b"+\n; more", b"\r", b" "])
+        return text + end
+
+    def text(self, lines):
+        written = [b" ORG $%X" % self.rng.choice(ADDRESSES)] if self.chance(0.5) else []
+        names = list(self.names)
+        for _ in range(lines):
+            roll = self.rng.random()
+            if roll < 0.6:
+                written.append(self.good_stab())
+            elif roll < 0.8 and names:
+                written.append(names.pop() + self.rng.choice([b"", b" EQU -1", b" EQU $80000000",
+                                                              b" NOP", b" FCB 1,2"]))
+            else:
+                written.append(self.rng.choice([b" LDA #1", b" RTS", b" FCB 1", b"; note"]))
+        written += [name + b" NOP" for name in names]
+        return b"\n".join(written) + b"\n"
+
+
+def many_names(rng):
+    """A source that fills the table of names and shows it in its order."""
+    start = rng.randrange(10000)
+    count = rng.choice([150, 199, 200, 201, 400, 600, 1100, 2100])
+    return b"".join(b"n%o EQU %d\n" % (start + number, number & 255) for number in range(count))
 
 
 # Golden sources, spliced and edited
@@ -444,18 +530,31 @@ class Generator:
         odd_names = rng.random() < 0.06
         source = rng.choice(SOURCE_NAMES) if odd_names else b"p.szirpa"
         options = self.options(rng, writer, odd_names)
+        if odd_names and rng.random() < 0.02:
+            return Case(tuple(options), None, {})
+        files = self.other_files(rng)
+        if not plain_name(source) + b"/" in files and rng.random() < 0.995:
+            files[plain_name(source)] = text
+        return Case(tuple(options), source, files)
+
+    @staticmethod
+    def other_files(rng):
         files = {b"sub/": b""}
         if rng.random() < 0.05:
             files.update({b"p.s19": b"old\n", b"p.lst": b"old\n", b"p.fmem": b"old\n"})
-        if not odd_names or rng.random() < 0.97:
-            files[plain_name(source)] = text
-        return Case(tuple(options), source, files)
+        elif rng.random() < 0.01:
+            files[rng.choice(BLOCKING_DIRECTORIES)] = b""
+        return files
 
     def text(self, rng, writer):
         kind = rng.random()
         if kind < 0.10:
             return ProgramWriter(rng).text()
-        if kind < 0.35:
+        if kind < 0.16:
+            return DebuggerWriter(rng).text(rng.choice([1, 2, 4, 8, 15]))
+        if kind < 0.161:
+            return many_names(rng)
+        if kind < 0.40:
             return splice(rng, self.golden, writer)
         return writer.text(rng.choice([1, 2, 3, 5, 8, 12, 20, 30]))
 
@@ -491,7 +590,8 @@ class Generator:
 
 
 def plain_name(name):
-    return os.path.normpath(name)
+    """A source's name as the name of a file in the directory of the run."""
+    return os.path.normpath(name.replace(b"{cwd}", b"."))
 
 
 def write_case(case, directory):
@@ -512,9 +612,10 @@ def main():
     parser.add_argument("directory")
     arguments = parser.parse_args()
     case = Generator(arguments.seed).case(arguments.index)
-    os.makedirs(arguments.directory, exist_ok=True)
-    write_case(case, os.fsencode(arguments.directory))
-    print(*(repr(word)[1:] for word in case.argv))
+    directory = os.path.abspath(os.fsencode(arguments.directory))
+    os.makedirs(directory, exist_ok=True)
+    write_case(case, directory)
+    print(*(repr(word)[1:] for word in case.argv(directory)))
 
 
 if __name__ == "__main__":

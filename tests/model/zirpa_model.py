@@ -258,10 +258,11 @@ class Assembler(Expressions):
 
     def create(self, name):
         """Open an output for writing; None when that is not possible."""
-        directory, _, bare = name.rpartition(b"/")
-        plain = os.path.normpath(directory or b".")
-        known = plain == b"." or name.startswith(b"/") or self.names_directory(plain)
-        if not bare or len(bare) > 255 or not known or self.names_directory(name):
+        path = os.path.relpath(os.path.join(self.cwd, name), self.cwd)
+        directory, bare = os.path.split(path)
+        # What lies outside is not known here and taken for a place that can be written.
+        known = not directory or path.startswith(b"../") or self.names_directory(directory)
+        if name[-1:] in (b"", b"/") or len(bare) > 255 or not known or self.names_directory(path):
             return None
         self.outputs[name] = bytearray()
         return self.outputs[name]

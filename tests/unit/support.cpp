@@ -1,9 +1,17 @@
 #include "tests/unit/support.h"
 
+#include "as/asDiag.h"
+#include "as/asLine.h"
+#include "as/asList.h"
 #include "as/asMain.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
 #include "as/asSource.h"
+#include "expr/expr.h"
+#include "target/emit.h"
+#include "target/encode.h"
+#include "target/operand.h"
+#include "target/scan.h"
 
 #include <cstdlib>
 #include <filesystem>
@@ -48,10 +56,30 @@ void RunTest::set_line(const std::string &text) {
     Col_Ptr = Line.begin();
 }
 
+void RunTest::begin_line(const std::string &text) {
+    diag_new_line();
+    line_new_line();
+    emit_new_line();
+    encode_new_line();
+    operand_new_line();
+    scan_new_line();
+    forwardref = 0;
+    set_line(text);
+}
+
 void RunTest::enter_final_pass() {
     Pass = 2;
     Pass2 = 1;
     O_warn = 1;
+}
+
+void RunTest::replay_in_final_pass() {
+    enter_final_pass();
+    source_rewind();
+    source_new_counts();
+    diag_new_counts();
+    location_new_pass();
+    ASSERT_EQ(push_source(nullptr), 1);
 }
 
 std::string RunTest::take_output() {

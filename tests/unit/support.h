@@ -20,8 +20,24 @@ class RunTest : public ::testing::Test {
     // Makes text the current line and puts the scan position at its start.
     static void set_line(const std::string &text);
 
+    // Makes text the current line as the line reader does, with the state of the line reset.
+    static void begin_line(const std::string &text);
+
     // Switches to the final pass, in which reports are made, with warnings on.
     static void enter_final_pass();
+
+    // Begins the final pass over the files that an earlier pass has read.
+    static void replay_in_final_pass();
+
+    // The status with which a call ends the run, or -1 if it returns.
+    template <typename Call> static int end_status(Call call) {
+        try {
+            call();
+        } catch (const EndOfRun &end) {
+            return end.status;
+        }
+        return -1;
+    }
 
     // What has been written to standard output since the last call.
     std::string take_output();

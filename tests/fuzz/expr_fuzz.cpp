@@ -1,0 +1,53 @@
+// The expression evaluator and the operand parser on a random line, in both kinds of passes.
+#include "as/asMain.h"
+#include "as/asOptions.h"
+#include "as/asOutput.h"
+#include "as/asSource.h"
+#include "expr/expr.h"
+#include "symtab/symtab.h"
+#include "target/operand.h"
+#include "target/scan.h"
+#include "tests/fuzz/memory_files.h"
+
+#include <cstddef>
+#include <cstdint>
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
+
+namespace {
+
+// Names pile up over the runs of a process; the table is emptied before it is full.
+constexpr int kRunsPerTable = 1000;
+int runs = 0;
+
+void set_line(const std::uint8_t *data, std::size_t size) {
+    Line.assign(reinterpret_cast<const char *>(data), size);
+    Line_Ptr = Line.begin();
+    Col_Ptr = Line.begin();
+    scan_new_line();
+}
+
+} // namespace
+
+int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    const MemoryFiles files("f.szirpa", "");
+    if (runs++ % kRunsPerTable == 0) {
+        start_up("HXzirpa");
+        O_warn = 1;
+    }
+    for (const int final : {0, 1}) {
+        Pass2 = final;
+        set_line(data, size);
+        (void)evalexp(Line.begin(), 1);
+        set_line(data, size);
+        (void)ppexpr(opnd1, 1);
+        set_line(data, size);
+        (void)Parse_Operand(opnd1);
+        if (Col_Ptr < Line.begin() || Col_Ptr > Line.begin() + Line.length() + 1) {
+            __builtin_trap();
+        }
+    }
+    Pass2 = 0;
+    standard_output.flush();
+    return 0;
+}

@@ -1,0 +1,210 @@
+"""Other people's readers agree on what the outputs say.
+
+The S-records are read by srec_info and srec_cat (package srecord) and by objcopy (binutils), the C
+array by a C compiler. What they find is compared with the expected S-records of the golden cases
+and of the examples, which a small parser in subjects.py reads on its own.
+
+Programs without a byte are left out where the readers are asked: objcopy refuses a file that holds
+nothing but an end record. Of the output of -g, srecord is given the S-records only, since it
+refuses debug records; objcopy, which stops at the end record, reads the file as it is.
+"""
+
+import re
+import subprocess
+
+import pytest
+from golden_case import pairs_of_records
+from subjects import ADDRESS_MASK, ARRAY_START, ARRAY_SUFFIX, find_subjects, record_lines
+
+TIME_LIMIT_SECONDS = 60
+# Beyond this size the image with its gaps filled is no use, and the sparse form is asked for.
+LARGEST_IMAGE = 1 << 20
+SCRIPT_LINE = re.compile(rb"\n #setMemory  ([0-9A-F]{2})=([0-9A-F]{2})")
+COMPILER = "cc"
+COMPILER_FLAGS = ["-std=c99", "-Wall", "-Wextra", "-Wpedantic", "-Werror"]
+
+
+def read_by(directory, *command):
+    """Runs a reader; returns the finished process."""
+    return subprocess.run(
+        command,
+        cwd=directory,
+        stdin=subprocess.DEVNULL,
+        capture_output=True,
+        timeout=TIME_LIMIT_SECONDS,
+        check=False,
+        encoding="ascii",
+    )
+
+
+def ranges_of(addresses):
+    """[first, last] of every run of adjacent addresses."""
+    ranges = []
+    for address in sorted(addresses):
+        if ranges and ranges[-1][1] == address - 1:
+            ranges[-1][1] = address
+        else:
+            ranges.append([address, address])
+    return ranges
+
+
+def runs_past_the_last_address(subject):
+    """Whether adjacent bytes lie at the last address of 32 bits and at address 0."""
+    return any(address == ADDRESS_MASK for address, _ in subject.data)
+
+
+def write_plain_records(path, content):
+    path.write_bytes(b"".join(line + b"\n" for line in record_lines(content)))
+
+
+# ---- S-records ----------------------------------------------------------------------------------
+
+
+def test_lengths_and_checksums(subject, outputs):
+    lines = record_lines(outputs.records(subject))
+    assert lines
+    for line in lines:
+        assert re.fullmatch(rb"S[1-37-9](?:[0-9A-F]{2}){4,}", line), line
+        content = bytes.fromhex(line[2:].decode())
+        assert content[0] == len(content) - 1, line
+        assert sum(content) & 0xFF == 0xFF, line
+
+
+def test_one_end_record_behind_the_data(subject, outputs):
+    kinds = [line[1:2] for line in record_lines(outputs.records(subject))]
+    assert [kind in b"789" for kind in kinds] == [False] * (len(kinds) - 1) + [True]
+
+
+def test_srec_info(data_subject, outputs, tmp_path):
+    write_plain_records(tmp_path / "in.s19", outputs.records(data_subject))
+    process = read_by(tmp_path, "srec_info", "in.s19")
+    assert process.returncode == 0, process.stderr
+    entry = re.search(r"^Execution Start Address: ([0-9A-F]+)$", process.stdout, re.MULTILINE)
+    assert int(entry[1], 16) == data_subject.entry
+    # A range that goes on at address 0 is shown with its ends exchanged: nothing to compare.
+    if not runs_past_the_last_address(data_subject):
+        shown = re.findall(r"\b([0-9A-F]+) - ([0-9A-F]+)$", process.stdout, re.MULTILINE)
+        found = [[int(first, 16), int(last, 16)] for first, last in shown]
+        assert found == ranges_of(data_subject.memory)
+
+
+def memory_of_hex_dump(text):
+    """The bytes of a dump: lines "00000010: F0 05 ...  #..", blank where there is no byte."""
+    memory = {}
+    for line in text.splitlines():
+        address, cells = line.split(":", 1)
+        for index in range(16):
+            cell = cells[3 * index : 3 * index + 3].strip()
+            if cell:
+                memory[int(address, 16) + index] = int(cell, 16)
+    return memory
+
+
+def test_srec_cat(data_subject, outputs, tmp_path):
+    write_plain_records(tmp_path / "in.s19", outputs.records(data_subject))
+    # Where data overlap, srec_cat wants to be told that the later byte counts.
+    process = read_by(tmp_path, "srec_cat", "-multiple", "in.s19", "-o", "-", "-hex-dump")
+    assert process.returncode == 0, process.stderr
+    assert memory_of_hex_dump(process.stdout) == data_subject.memory
+
+
+def memory_of_verilog(text):
+    """The bytes of a memory file: an address "@00012345", then bytes in rows."""
+    memory = {}
+    address = None
+    for word in text.split():
+        if word.startswith("@"):
+            address = int(word[1:], 16)
+        else:
+            memory[address & ADDRESS_MASK] = int(word, 16)
+            address += 1
+    return memory
+
+
+def test_objcopy(data_subject, outputs, tmp_path):
+    (tmp_path / "in.s19").write_bytes(outputs.records(data_subject))
+    memory = data_subject.memory
+    first, last = min(memory), max(memory)
+    sparse = last - first >= LARGEST_IMAGE
+    form = "verilog" if sparse else "binary"
+    process = read_by(tmp_path, "objcopy", "-I", "srec", "-O", form, "in.s19", "out")
+    assert process.returncode == 0, process.stderr
+    if sparse:
+        assert memory_of_verilog((tmp_path / "out").read_text(encoding="ascii")) == memory
+    else:
+        image = bytes(memory.get(address, 0) for address in range(first, last + 1))
+        assert (tmp_path / "out").read_bytes() == image
+
+
+# ---- C array ------------------------------------------------------------------------------------
+
+
+def array_of(files):
+    """The C array among the files of a run."""
+    (array,) = (
+        content
+        for name, content in files.items()
+        if name.endswith(ARRAY_SUFFIX) and content.startswith(ARRAY_START)
+    )
+    return array
+
+
+@pytest.fixture(scope="session")
+def compiled_arrays(outputs, tmp_path_factory):
+    """The bytes of every array as compiled, by the subject's identifier: one program for all."""
+    directory = tmp_path_factory.mktemp("arrays")
+    subjects = [subject for subject in find_subjects() if subject.data and subject.has_array]
+    includes = []
+    calls = []
+    for number, subject in enumerate(subjects):
+        (directory / f"{number}.c").write_bytes(array_of(outputs(subject)))
+        includes.append(f'#define algo algo_{number}\n#include "{number}.c"\n#undef algo\n')
+        calls.append(f"    show(algo_{number}, sizeof algo_{number});\n")
+    (directory / "main.c").write_text(
+        "#include <stdio.h>\n"
+        + "".join(includes)
+        + "static void show(const unsigned char *bytes, size_t size) {\n"
+        + '    for (size_t at = 0; at < size; ++at) printf("%02X", bytes[at]);\n'
+        + '    printf("\\n");\n'
+        + "}\n"
+        + "int main(void) {\n"
+        + "".join(calls)
+        + "    return 0;\n"
+        + "}\n"
+    )
+    compiler = read_by(directory, COMPILER, *COMPILER_FLAGS, "-o", "show", "main.c")
+    assert compiler.returncode == 0, compiler.stderr
+    process = read_by(directory, directory / "show")
+    assert process.returncode == 0
+    lines = process.stdout.splitlines()
+    assert len(lines) == len(subjects)
+    return {
+        subject.identifier: bytes.fromhex(line) for subject, line in zip(subjects, lines)
+    }
+
+
+def test_c_array_holds_the_bytes_in_order(array_subject, compiled_arrays):
+    emitted = bytes(byte for _, byte in array_subject.data)
+    assert compiled_arrays[array_subject.identifier] == emitted
+
+
+# ---- Simulator script ---------------------------------------------------------------------------
+
+
+def script_of(files):
+    """(address, byte) of every memory line in the script of a run."""
+    (script,) = (content for name, content in files.items() if name.endswith(".fmem"))
+    assert script.count(b"#setMemory") == len(SCRIPT_LINE.findall(script))
+    return SCRIPT_LINE.findall(script)
+
+
+def test_script_follows_the_records(subject, outputs):
+    # Also of records with wide addresses, whose surplus address bytes are taken for data.
+    assert script_of(outputs(subject)) == pairs_of_records(outputs.records(subject))
+
+
+def test_script_sets_the_expected_bytes(narrow_subject, outputs):
+    # The script knows the low 8 bits of an address only.
+    pairs = script_of(outputs(narrow_subject))
+    found = [(int(address, 16), int(byte, 16)) for address, byte in pairs]
+    assert found == [(address & 0xFF, byte) for address, byte in narrow_subject.data]

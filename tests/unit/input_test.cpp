@@ -1,0 +1,89 @@
+// Reading whole files.
+#include "util/input.h"
+
+#include "tests/unit/support.h"
+
+#include <filesystem>
+#include <string>
+
+#include <sys/stat.h>
+#include <unistd.h>
+
+namespace {
+
+class Input : public RunTest {
+  protected:
+    static std::string text_of(const FileText &text) { return {text.data.get(), text.size}; }
+};
+
+TEST_F(Input, ReadsEveryByteOfAFile) {
+    const std::string bytes("a\0b\r\n\xFF\x1A", 7);
+    write_file("in", bytes);
+    FileText text;
+    ASSERT_TRUE(read_file("in", text));
+    EXPECT_EQ(text_of(text), bytes);
+}
+
+TEST_F(Input, ReadsAnEmptyFile) {
+    write_file("in", "");
+    FileText text;
+    ASSERT_TRUE(read_file("in", text));
+    EXPECT_EQ(text.size, 0U);
+}
+
+TEST_F(Input, ReadsALargeFile) {
+    std::string bytes;
+    while (bytes.size() < 3000000) {
+        bytes += std::to_string(bytes.size()) + "\n";
+    }
+    write_file("in", bytes);
+    FileText text;
+    ASSERT_TRUE(read_file("in", text));
+    EXPECT_TRUE(text_of(text) == bytes);
+}
+
+TEST_F(Input, TellsTheFilesIdentity) {
+    write_file("in", "x");
+    std::filesystem::create_hard_link("in", "link");
+    struct ::stat expected = {};
+    ASSERT_EQ(::stat("in", &expected), 0);
+    for (const char *name : {"in", "link"}) {
+        FileText text;
+        ASSERT_TRUE(read_file(name, text));
+        EXPECT_TRUE(text.is_regular);
+        EXPECT_EQ(text.device, expected.st_dev);
+        EXPECT_EQ(text.inode, expected.st_ino);
+    }
+}
+
+TEST_F(Input, ReadsAPipeWhichIsNoRegularFile) {
+    int ends[2] = {-1, -1};
+    ASSERT_EQ(::pipe(ends), 0);
+    ASSERT_EQ(::write(ends[1], " NOP\n", 5), 5);
+    ::close(ends[1]);
+    FileText text;
+    EXPECT_TRUE(read_file(("/dev/fd/" + std::to_string(ends[0])).c_str(), text));
+    EXPECT_EQ(text_of(text), " NOP\n");
+    EXPECT_FALSE(text.is_regular);
+    ::close(ends[0]);
+}
+
+TEST_F(Input, FailsForAMissingFile) {
+    FileText text;
+    EXPECT_FALSE(read_file("missing", text));
+    EXPECT_FALSE(read_file("", text));
+}
+
+TEST_F(Input, FailsForADirectory) {
+    FileText text;
+    EXPECT_FALSE(read_file(".", text));
+}
+
+TEST_F(Input, TellsWhetherAFileCanBeOpened) {
+    write_file("in", "x");
+    EXPECT_TRUE(can_open("in"));
+    EXPECT_FALSE(can_open("missing"));
+    EXPECT_FALSE(can_open("in/x"));
+}
+
+} // namespace

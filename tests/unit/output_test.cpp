@@ -1,0 +1,238 @@
+// The buffered output file.
+#include "util/output.h"
+
+#include "tests/unit/support.h"
+
+#include <cstdint>
+#include <filesystem>
+#include <limits>
+#include <memory>
+#include <string>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <unistd.h>
+
+namespace {
+
+class Output : public RunTest {
+  protected:
+    // What write puts into a file.
+    template <typename Write> std::string written(Write write) {
+        const auto file = std::make_unique<OutputFile>();
+        EXPECT_TRUE(file->create("out"));
+        write(*file);
+        file->close();
+        EXPECT_FALSE(file->has_failed());
+        return read_text("out");
+    }
+};
+
+TEST_F(Output, CreatesAFile) {
+    const auto file = std::make_unique<OutputFile>();
+    EXPECT_FALSE(file->is_open());
+    EXPECT_TRUE(file->create("out"));
+    EXPECT_TRUE(file->is_open());
+    EXPECT_TRUE(file_exists("out"));
+    EXPECT_FALSE(file->has_failed());
+}
+
+TEST_F(Output, EmptiesAnExistingFile) {
+    write_file("out", "old text");
+    EXPECT_EQ(written([](OutputFile &) {}), "");
+}
+
+TEST_F(Output, IsClosedWhenItCannotBeCreated) {
+    const auto file = std::make_unique<OutputFile>();
+    EXPECT_FALSE(file->create("missing/out"));
+    EXPECT_FALSE(file->is_open());
+    EXPECT_FALSE(file->create("."));
+    EXPECT_FALSE(file->is_open());
+}
+
+TEST_F(Output, WritesCharactersAndTexts) {
+    EXPECT_EQ(written([](OutputFile &file) {
+                  file.put('a');
+                  file.put(std::string_view("b\0c", 3));
+                  file.put("");
+                  file.put("\xFF\n");
+              }),
+              std::string("ab\0c\xFF\n", 6));
+}
+
+TEST_F(Output, WritesHexadecimalBytes) {
+    EXPECT_EQ(written([](OutputFile &file) {
+                  for (const unsigned value : {0U, 5U, 0xA0U, 0xFFU}) {
+                      file.put_hex_byte(value);
+                  }
+              }),
+              "0005A0FF");
+}
+
+TEST_F(Output, WritesTheLowByteOfALargerNumber) {
+    EXPECT_EQ(written([](OutputFile &file) { file.put_hex_byte(0x1234); }), "34");
+}
+
+TEST_F(Output, WritesHexadecimalNumbers) {
+    EXPECT_EQ(written([](OutputFile &file) {
+                  file.put_hex(0x1F, 4);
+                  file.put(' ');
+                  file.put_hex(0x12345, 4);
+                  file.put(' ');
+                  file.put_hex(0, 1);
+              }),
+              "001F 12345 0");
+}
+
+TEST_F(Output, WritesDecimalNumbersPaddedOnTheLeft) {
+    EXPECT_EQ(written([](OutputFile &file) {
+                  file.put_decimal(0);
+                  file.put('|');
+                  file.put_decimal(42, 5);
+                  file.put('|');
+                  file.put_decimal(-42, 5);
+                  file.put('|');
+                  file.put_decimal(12345, 5);
+                  file.put('|');
+                  file.put_decimal(123456, 5);
+                  file.put('|');
+                  file.put_decimal(std::numeric_limits<std::int64_t>::min());
+              }),
+              "0|   42|  -42|12345|123456|-9223372036854775808");
+}
+
+TEST_F(Output, KeepsEveryByteAroundTheBuffersSize) {
+    for (const std::size_t size :
+         {kOutputBufferSize - 1, kOutputBufferSize, kOutputBufferSize + 1, 3 * kOutputBufferSize}) {
+        std::string text(size, 'x');
+        text.front() = '<';
+        text.back() = '>';
+        EXPECT_EQ(written([&](OutputFile &file) { file.put(text); }), text);
+        EXPECT_EQ(written([&](OutputFile &file) {
+                      for (const char ch : text) {
+                          file.put(ch);
+                      }
+                  }),
+                  text);
+        EXPECT_EQ(written([&](OutputFile &file) {
+                      file.put('!');
+                      file.put(text);
+                  }),
+                  "!" + text);
+    }
+}
+
+TEST_F(Output, HandsItsBufferOverWhenFlushed) {
+    const auto file = std::make_unique<OutputFile>();
+    ASSERT_TRUE(file->create("out"));
+    file->put("abc");
+    file->flush();
+    EXPECT_EQ(read_text("out"), "abc");
+    file->put("d");
+    file->flush();
+    file->flush();
+    EXPECT_EQ(read_text("out"), "abcd");
+}
+
+TEST_F(Output, StaysClosedWhenClosedAgain) {
+    const auto file = std::make_unique<OutputFile>();
+    ASSERT_TRUE(file->create("out"));
+    file->close();
+    file->close();
+    EXPECT_FALSE(file->is_open());
+    EXPECT_FALSE(file->has_failed());
+}
+
+TEST_F(Output, SwallowsEverythingWhileClosed) {
+    const auto file = std::make_unique<OutputFile>();
+    file->put("lost");
+    file->put(std::string(2 * kOutputBufferSize, 'x'));
+    file->put('x');
+    file->flush();
+    EXPECT_FALSE(file->has_failed());
+    ASSERT_TRUE(file->create("out"));
+    file->put("kept");
+    file->close();
+    EXPECT_EQ(read_text("out"), "kept");
+}
+
+TEST_F(Output, CanBeUsedForAnotherFile) {
+    const auto file = std::make_unique<OutputFile>();
+    ASSERT_TRUE(file->create("first"));
+    file->put("1");
+    file->close();
+    ASSERT_TRUE(file->create("second"));
+    file->put("2");
+    file->close();
+    EXPECT_EQ(read_text("first"), "1");
+    EXPECT_EQ(read_text("second"), "2");
+}
+
+TEST_F(Output, LeavesAnAttachedDescriptorOpen) {
+    const int descriptor = ::open("out", O_CREAT | O_WRONLY | O_CLOEXEC, 0600);
+    ASSERT_GE(descriptor, 0);
+    const auto file = std::make_unique<OutputFile>();
+    file->attach(descriptor);
+    EXPECT_TRUE(file->is_open());
+    file->put("abc");
+    file->close();
+    EXPECT_FALSE(file->is_open());
+    EXPECT_EQ(::write(descriptor, "d", 1), 1);
+    ::close(descriptor);
+    EXPECT_EQ(read_text("out"), "abcd");
+}
+
+TEST_F(Output, RemembersAFailedWrite) {
+    const auto file = std::make_unique<OutputFile>();
+    ASSERT_TRUE(file->create("/dev/full"));
+    file->put("abc");
+    EXPECT_FALSE(file->has_failed());
+    file->flush();
+    EXPECT_TRUE(file->has_failed());
+    file->put("def");
+    file->close();
+    EXPECT_TRUE(file->has_failed());
+}
+
+TEST_F(Output, NoticesAWriteThatFailsOnClosing) {
+    const auto file = std::make_unique<OutputFile>();
+    ASSERT_TRUE(file->create("/dev/full"));
+    file->put("abc");
+    file->close();
+    EXPECT_TRUE(file->has_failed());
+}
+
+TEST_F(Output, ForgetsAFailureWithTheNextFile) {
+    const auto file = std::make_unique<OutputFile>();
+    ASSERT_TRUE(file->create("/dev/full"));
+    file->put("abc");
+    file->close();
+    ASSERT_TRUE(file->create("out"));
+    EXPECT_FALSE(file->has_failed());
+    file->put("def");
+    file->close();
+    EXPECT_EQ(read_text("out"), "def");
+}
+
+TEST_F(Output, IsDeletedWhenItIsAFile) {
+    write_file("old.s19", "S9030000FC\n");
+    delete_output("old.s19");
+    EXPECT_FALSE(file_exists("old.s19"));
+}
+
+TEST_F(Output, MayBeMissingWhenItIsDeleted) {
+    delete_output("missing.s19");
+    EXPECT_FALSE(file_exists("missing.s19"));
+}
+
+TEST_F(Output, IsLeftAloneWhenItIsADevice) {
+    // A null device of the test's own, so that a fault cannot cost the machine its real one.
+    if (::mknod("null", S_IFCHR | 0666, makedev(1, 3)) != 0) {
+        GTEST_SKIP() << "Devices can be made by root only.";
+    }
+    delete_output("null");
+    EXPECT_TRUE(file_exists("null"));
+}
+
+} // namespace
