@@ -54,8 +54,8 @@ ODD_OPERANDS = [b"", b"#", b"#,", b",", b",X", b",Y", b"X+", b"X", b"A", b"SP", 
                 b"%b ,X", b"%b, X", b"# %b", b"A,%b", b"A ,X", b",%b", b"%b\"", b"%b.5", b"%b\x80"]
 
 WORDS_OF_CONDITIONS = b"##if #ifdef #ifndef #elif #else #endif #define #error".split()
-STAB_WORDS = (b"init func dir file stmt expr exec type symL symV symF symv symf symQ sym "
-              b"Exec stm x").split()
+STAB_WORDS = [b"init", b"func", b"dir", b"file", b"stmt", b"expr", b"exec", b"type", b"sym L",
+              b"sym V", b"sym F", b"sym v", b"sym f", b"sym Q", b"symV", b"sym", b"Exec", b"stm", b"x"]
 STAB_FIELDS = [b"1", b"12", b"-3", b"0x1F", b"0X1F", b"$20", b"-$5", b"007", b"", b"x", b"9z", b"-",
                b"4294967297", b"-2147483648", b"1 2", b"\"a b\"", b"$", b"0x", b"5\x81"]
 SEPARATORS = [b" ", b" ", b" ", b" ", b"\t", b"  ", b" \t "]
@@ -338,7 +338,7 @@ class SourceWriter:
             (b";", b"x"), (b" ", b" "), (b" FCS \"", b"s"), (b" FCB ", b"1,"), (b" FCB 1", b"+1"),
             (b"L1 EQU ", b"("), (b"L1 EQU ", b"-"), (b"", b"Q"), (b" LDA #1", b"+(1"),
             (b" LDA #", b"0"), (b" LDA #$", b"1"), (b"##if ", b"1"), (b"#define W ", b"1+"),
-            (b".stab type ", b"t"), (b".stab symL ", b":"), (b" NOP ", b"n"), (b" ORG ", b"~"),
+            (b".stab type ", b"t"), (b".stab sym L ", b":"), (b" NOP ", b"n"), (b" ORG ", b"~"),
             (b"L2", b" "), (b" LDA #", b"8/"), (b"1", b"\0"), (b" FCB 1", b"%%1"), (b" ", b"\x80")])
         line = (start + unit * (length // len(unit)))[:length]
         tail = rng.choice([b"", b"", b"\r", b'"', b"1", b")", b"+", b"\\"])
@@ -423,26 +423,26 @@ class DebuggerWriter(SourceWriter):
 
     def good_stab(self):
         rng, number, symbol = self.rng, self.number_field, self.symbol_field
-        word = rng.choice([b"func", b"stmt", b"expr", b"exec", b"type", b"symL", b"symV", b"symF",
-                           b"symv", b"symf", b"init", b"dir", b"file", b"junk"])
+        word = rng.choice([b"func", b"stmt", b"expr", b"exec", b"type", b"sym L", b"sym V",
+                           b"sym F", b"sym v", b"sym f", b"init", b"dir", b"file", b"junk"])
         if word == b"func":
             fields = [symbol(), number(), number(), number(), *rng.choices(self.names, k=3)]
             fields[rng.randrange(4, 7)] = symbol()
             operand = b":".join(fields)
         elif word in (b"stmt", b"expr", b"exec"):
-            operand = number() + rng.choice([b",", b",", b",", b", ", b" ,", b"", b",,"])
+            operand = number() + rng.choice([b","] * 8 + [b", ", b" ,", b"", b",,"])
             operand += rng.choice([rng.choice(self.names), self.number(), b"L1+1", b"-L2", b"1-2"])
-        elif word == b"symL":
+        elif word == b"sym L":
             operand = b":".join([b"a", symbol(), b"c", number(), b"rest:of it"])
         else:
             operand = b":".join([b"type", symbol(), number(), b"rest:of it"])
-        gap = rng.choice([b" ", b" ", b" ", b"  ", b"", b"\t"])
+        gap = rng.choice([b" "] * 6 + [b"  ", b"", b"\t"])
         return self.shorten(b".stab" + rng.choice([b"s", b" "]) + word + gap + operand)
 
     def shorten(self, text):
-        if self.chance(0.1):
+        if self.chance(0.05):
             text = text[:self.rng.randint(6, 20)]
-        end = self.rng.choice([b""] * 6 + [b"+", b"+\n; more+\n; last", b"+\n; more", b"\r", b" "])
+        end = self.rng.choice([b""] * 12 + [b"+", b"+\n; more+\n; last", b"+\n; more", b"\r", b" "])
         return text + end
 
     def text(self, lines):
