@@ -48,7 +48,7 @@ void conditional_word() {
     }
 }
 
-bool is_debugger_line() { return std::strncmp(Line_Ptr, ".stab", 5) == 0; }
+bool is_debugger_line() { return *Line_Ptr == '.' && std::strncmp(Line_Ptr, ".stab", 5) == 0; }
 
 // Skips a debugger line together with its continuation lines. False when the source ends inside.
 bool skip_debugger_line() {
@@ -132,6 +132,9 @@ void assaline(int pass) {
     pending_listLC = 1;
     const std::uint32_t label_value = LC;
     if (!leading_fields(pass)) {
+        return;
+    }
+    if (pass == 0 && Line_Done != 0) {
         return;
     }
     const bool is_comment = SkipSpace() != nullptr && IsCommentChar(*Col_Ptr) != 0;

@@ -9,6 +9,10 @@
 #include "target/emit.h"
 #include "target/encode.h"
 
+#include <algorithm>
+#include <array>
+#include <string_view>
+
 int listing_on = 0;
 int uncond_listing_on = 0;
 
@@ -21,14 +25,12 @@ constexpr unsigned kLineNumberWidth = 4;
 constexpr std::string_view kEquPadding = "                  ";
 
 void put_byte_columns(std::size_t first) {
-    for (std::size_t i = first; i < first + kColumns; ++i) {
-        if (i < code_i) {
-            listfile.put(' ');
-            listfile.put_hex_byte(Code[i]);
-        } else {
-            listfile.put("   ");
-        }
+    std::array<char, 3 * kColumns> text{};
+    text.fill(' ');
+    for (std::size_t i = first; i < std::min(first + kColumns, code_i); ++i) {
+        hex_byte(&text[3 * (i - first) + 1], Code[i]);
     }
+    listfile.put(std::string_view(text.data(), text.size()));
 }
 
 void put_word_columns(std::size_t first) {

@@ -16,7 +16,6 @@
 #include "util/text.h"
 #include "util/wrap.h"
 
-#include <array>
 #include <cstring>
 
 // clang-format off
@@ -63,30 +62,28 @@ std::int64_t entryLC = 0;
 
 namespace {
 
-// Longest directive word that is looked up, in characters; longer ones are cut.
-constexpr std::size_t kDirectiveWordLimit = 63;
 constexpr int kCarriedOut = 2;
 constexpr int kFailed = -1;
 
 std::uint32_t find_directive(const DirectiveEntry *table, const char *word) {
+    // Words begin with lower-case letters or with marks that hold this bit anyway.
+    const int first = *word | 0x20;
     for (const DirectiveEntry *entry = table; entry->name != nullptr; ++entry) {
-        if (namecomparei(word, entry->name)) {
+        if (*entry->name == first && namecomparei(word, entry->name)) {
             return entry->token;
         }
     }
     return DIR_NONE;
 }
 
-// Reads the word at the scan position, moves behind it and the blanks that follow (line ends
-// included), and returns its directive number.
+// The directive number of the word at the scan position, which moves behind the word and the blanks
+// that follow (line ends included); or 0.
 std::uint32_t directive_at_scan_position() {
-    std::array<char, kDirectiveWordLimit + 1> word{};
-    std::size_t length = 0;
-    while (length < kDirectiveWordLimit && !isblanc(*Col_Ptr)) {
-        word[length++] = *Col_Ptr++;
+    const std::uint32_t token = GetPseudoToken(Col_Ptr);
+    if (token != DIR_NONE) {
+        Col_Ptr = skipblanc(skipnonblanc(Col_Ptr));
     }
-    Col_Ptr = skipblanc(Col_Ptr);
-    return GetPseudoToken(word.data());
+    return token;
 }
 
 // A conditional word of a table at p: its number, with position behind it, or 0.
@@ -245,16 +242,8 @@ Symbol *equate(std::string_view name, int set) {
 std::uint32_t GetPseudoToken(const char *word) { return find_directive(pseudo_zirpa, word); }
 
 int PseudoOp() {
-    if (*Col_Ptr == '\0') {
-        return 0;
-    }
-    const char *word = Col_Ptr;
     const std::uint32_t token = directive_at_scan_position();
-    if (token == DIR_NONE) {
-        Col_Ptr = word;
-        return 0;
-    }
-    return do_directive(token);
+    return token == DIR_NONE ? 0 : do_directive(token);
 }
 
 int do_directive(std::uint32_t token) {
@@ -297,7 +286,7 @@ int do_directive(std::uint32_t token) {
 
 int isPseudoEqu() { return directive_at_scan_position() == DIR_EQU ? 1 : 0; }
 
-int is_conditional_macro_directive(const char *&position) {
+int find_conditional_word(const char *&position) {
     const char *p = position;
     if (O_directive_style_pure != 0 && *p == '#') {
         p = skipblanc(p + 1);

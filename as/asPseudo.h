@@ -4,6 +4,8 @@
 // dialects that share the dispatcher; only the three tables below have words for them here.
 #pragma once
 
+#include "as/asOptions.h"
+
 #include <cstdint>
 
 // A row of a directive table; none ends a table.
@@ -66,11 +68,18 @@ int PseudoOp();
 // -1 for numbers that do nothing.
 int do_directive(std::uint32_t token);
 
-// 1 when EQU stands at the scan position, else 0; moves past the word and the blanks behind it.
+// 1 when EQU stands at the scan position, which then moves past it and the blanks behind it; else
+// 0.
 int isPseudoEqu();
 
 // The number 44 to 51 of a conditional word at position, which then moves behind it, or 0.
-int is_conditional_macro_directive(const char *&position);
+int find_conditional_word(const char *&position);
+
+// The same, asked on every line: where only the "#" words count, most lines need no search.
+inline int is_conditional_macro_directive(const char *&position) {
+    const bool only_pure = O_directive_style_native == 0 && O_directive_style_gnu == 0;
+    return only_pure && *position != '#' ? 0 : find_conditional_word(position);
+}
 
 // EQU; with set, the redefinable form. 2, or -1 after an error.
 int DoEqu(int set);

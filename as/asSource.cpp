@@ -39,6 +39,8 @@ struct LoadedFile {
 };
 std::deque<LoadedFile> loaded_files;
 
+FileEntry *file_being_read = nullptr; // of the current step; none outside the source
+
 // The file's text, read at the first call for that name; none when it cannot be read.
 const FileText *load(const std::string &name) {
     for (const LoadedFile &file : loaded_files) {
@@ -125,6 +127,9 @@ FileEntry *file_of_step(int step) {
     return file < 0 ? nullptr : &file_entry[static_cast<std::size_t>(file)];
 }
 
+// Makes the file of the current step the one that is read.
+void select_file() { file_being_read = file_of_step(pplevel); }
+
 int replay_push() {
     if (FileEntry *file = file_of_step(pplevel); file != nullptr) {
         file->saved_line = Line_no;
@@ -132,6 +137,7 @@ int replay_push() {
     Line_no = 0;
     ++source_stack_ptr;
     ++pplevel;
+    select_file();
     newuse = 1;
     return 1;
 }
@@ -152,6 +158,7 @@ void enter_file(const std::string &name, const FileText *text) {
     ++pplevel;
     ++file_entry_ptr;
     record_step(pplevel, file_entry_ptr);
+    select_file();
     Line_no = 0;
 }
 
@@ -169,7 +176,11 @@ bool read_piece(FileEntry &file) {
             ? left
             : static_cast<std::size_t>(static_cast<const char *>(line_feed) - start) + 1;
     file.position += size;
-    Line.assign(start, size);
+    if (text.holds_nul) {
+        Line.assign(start, size);
+    } else {
+        Line.assign_without_nul(start, size);
+    }
     return true;
 }
 
@@ -191,20 +202,19 @@ std::string start_directory(const char *invocation) {
 } // namespace
 
 void LineBuffer::assign(const char *text, std::size_t size) {
+    assign_without_nul(text, size);
+    terminate(std::strlen(text_.data()));
+}
+
+void LineBuffer::assign_without_nul(const char *text, std::size_t size) {
     const std::size_t taken = std::min(size, kLineReadLimit);
     std::memcpy(text_.data(), text, taken);
-    text_[taken] = '\0';
-    terminate(std::strlen(text_.data()));
+    terminate(taken);
 }
 
 void LineBuffer::end_in_line_feed() {
     text_[length_ - 2] = '\n';
     terminate(length_ - 1);
-}
-
-void LineBuffer::terminate(std::size_t length) {
-    length_ = length;
-    std::memset(&text_[length], 0, kGuard);
 }
 
 void source_new_run(const char *invocation) {
@@ -226,6 +236,7 @@ void source_new_pass() {
     pplevel = -1;
     file_entry.clear();
     file_entry_index.clear();
+    file_being_read = nullptr;
 }
 
 void source_rewind() {
@@ -234,6 +245,7 @@ void source_rewind() {
     }
     source_stack_ptr = -1;
     pplevel = -1;
+    file_being_read = nullptr;
 }
 
 void source_new_counts() {
@@ -275,8 +287,9 @@ int pop_source() {
     if (Pass2 == 0) {
         record_step(pplevel, file_at_step(pplevel - 2));
     }
-    if (const FileEntry *file = file_of_step(pplevel); file != nullptr) {
-        Line_no = file->saved_line;
+    select_file();
+    if (file_being_read != nullptr) {
+        Line_no = file_being_read->saved_line;
     }
     newuse = 1;
     endflag = 0;
@@ -288,11 +301,7 @@ int as_read_line() {
         return 0;
     }
     reset_line_state();
-    while (true) {
-        FileEntry *file = file_of_step(pplevel);
-        if (file != nullptr && read_piece(*file)) {
-            break;
-        }
+    while (file_being_read == nullptr || !read_piece(*file_being_read)) {
         if (pop_source() == 0) {
             return 0;
         }

@@ -12,6 +12,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <deque>
 #include <string>
 #include <string_view>
@@ -37,6 +38,9 @@ class LineBuffer {
     // Takes at most kLineReadLimit bytes; a NUL among them ends the text.
     void assign(const char *text, std::size_t size);
 
+    // The same for bytes of which none is a NUL.
+    void assign_without_nul(const char *text, std::size_t size);
+
     // Cuts the last two characters and ends the line in a line feed instead.
     void end_in_line_feed();
 
@@ -47,7 +51,10 @@ class LineBuffer {
   private:
     static constexpr std::size_t kGuard = 8;
 
-    void terminate(std::size_t length);
+    void terminate(std::size_t length) {
+        length_ = length;
+        std::memset(&text_[length], 0, kGuard);
+    }
 
     std::size_t length_ = 0;
     std::array<char, kLineReadLimit + kGuard> text_{};

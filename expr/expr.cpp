@@ -216,6 +216,13 @@ std::int64_t name_value(std::string_view name, OperandRecord *operand) {
     return symbol->value;
 }
 
+std::int64_t operand_value(const CheckedToken &token, OperandRecord *operand) {
+    if (token.token == TOK_NUMBER) {
+        return token.number;
+    }
+    return name_value({token.begin, static_cast<std::size_t>(token.end - token.begin)}, operand);
+}
+
 // A token without a meaning of its own: a character ends the expression.
 std::int64_t end_step(const Step &step, const CheckedToken &token) {
     if (is_single_character(token.token)) {
@@ -235,11 +242,7 @@ bool run_step(Step &step, OperandRecord *operand, std::int64_t &result) {
         switch (token.token) {
         case TOK_NUMBER:
         case TOK_NAME:
-            step.term =
-                token.token == TOK_NUMBER
-                    ? token.number
-                    : name_value({token.begin, static_cast<std::size_t>(token.end - token.begin)},
-                                 operand);
+            step.term = operand_value(token, operand);
             if (!term_goes_on()) {
                 result = value_of(step);
                 return true;
@@ -334,6 +337,55 @@ bool wants_more(const Step &waiting) {
     return waiting.pending == TOK_OPEN && in_paren > waiting.depth && end_of_input == 0;
 }
 
+// ---- The direct way: most expressions are a number or a name alone ----
+
+// True where an expression ends for sure.
+bool ends_expression(char ch) { return isblanc(ch) || ch == ','; }
+
+// The end of the number at the scan position if it stands alone, with its value; else none.
+const char *lone_number(std::int64_t &value) {
+    const bool is_hexadecimal = *Col_Ptr == '$';
+    const unsigned base = is_hexadecimal ? 16 : 10;
+    const char *digits = is_hexadecimal ? Col_Ptr + 1 : Col_Ptr;
+    const char *p = digits;
+    std::uint64_t number = 0;
+    for (; digit_value(*p) < base; ++p) {
+        number = number * base + digit_value(*p);
+    }
+    value = signed_32(static_cast<std::int64_t>(number));
+    return p != digits && ends_expression(*p) ? p : nullptr;
+}
+
+// The end of the name at the scan position if it stands alone, else none.
+const char *lone_name() {
+    const std::size_t length = symbol_length(Col_Ptr);
+    const bool is_alone =
+        length != 0 && ends_expression(Col_Ptr[length]) && register_length(Col_Ptr) == 0;
+    return is_alone ? Col_Ptr + length : nullptr;
+}
+
+// Evaluates an operand that stands alone and moves to the character behind it, with the scanner in
+// the state that check and evaluation leave. False, without moving, for all other expressions.
+bool evaluate_lone_operand(OperandRecord *operand, std::int64_t &value) {
+    const char *end = lone_number(value);
+    const bool is_number = end != nullptr;
+    if (!is_number) {
+        end = lone_name();
+    }
+    if (end == nullptr) {
+        return false;
+    }
+    errorsp = nullptr;
+    forwardref = 0;
+    status = STATUS_OK;
+    if (!is_number) {
+        value = name_value({Col_Ptr, static_cast<std::size_t>(end - Col_Ptr)}, operand);
+    }
+    Col_Ptr = end;
+    ctoken = static_cast<unsigned char>(*end);
+    return true;
+}
+
 // Evaluates the checked expression, step by step up to its end.
 std::int64_t evaluate(OperandRecord *operand) {
     end_of_input = 0;
@@ -420,12 +472,15 @@ std::int64_t p0(std::int64_t accumulated, int /*node_kind*/, int depth, int /*mo
 std::int64_t evalexp(const char *text, int check, int column) {
     const char *entry = Col_Ptr;
     Col_Ptr = text;
-    check_expression(column);
-    if (status != STATUS_OK) {
-        report_status();
-        return 0;
+    std::int64_t value = 0;
+    if (!evaluate_lone_operand(nullptr, value)) {
+        check_expression(column);
+        if (status != STATUS_OK) {
+            report_status();
+            return 0;
+        }
+        value = evaluate(nullptr);
     }
-    const std::int64_t value = evaluate(nullptr);
     if (check != 0 && Pass2 != 0 && forwardref != 0) {
         if (errorsp == nullptr) {
             Error("Undefined Symbol");
@@ -442,15 +497,17 @@ std::int64_t evalexp(const char *text, int check) {
 }
 
 int ppexpr(OperandRecord &operand, int report) {
-    check_expression(column_in_line(Col_Ptr));
-    if (fails(report)) {
-        if (report != 0) {
-            report_status();
-        }
-        return 1;
-    }
     operand.symbol_size = -1;
-    operand.value = evaluate(&operand);
+    if (!evaluate_lone_operand(&operand, operand.value)) {
+        check_expression(column_in_line(Col_Ptr));
+        if (fails(report)) {
+            if (report != 0) {
+                report_status();
+            }
+            return 1;
+        }
+        operand.value = evaluate(&operand);
+    }
     operand.forward_references = forwardref;
     operand.external_offset = 0;
     operand.term_count = 1;

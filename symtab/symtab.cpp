@@ -10,6 +10,7 @@
 #include "util/text.h"
 
 #include <algorithm>
+#include <cstring>
 #include <memory>
 #include <new>
 #include <vector>
@@ -36,6 +37,8 @@ std::vector<std::unique_ptr<char[]>> name_pieces;
 std::size_t name_piece_left = 0;
 char *name_piece_end = nullptr;
 
+std::string folded_name; // a name being looked up while case does not count
+
 constexpr int kOverflowStatus = 255;
 
 char fold(char ch) { return O_symbol_case_sensitive != 0 ? ch : to_upper(ch); }
@@ -56,44 +59,62 @@ std::string_view leading_run(std::string_view text) {
                                     text.begin()));
 }
 
-// The chain of a name: the sum of its leading symbol characters' codes, modulo 256.
+// The chain of a stored name: the sum of its leading symbol characters' codes, modulo 256.
 std::size_t chain_of(std::string_view name) {
     unsigned sum = 0;
-    for (const char ch : leading_run(name)) {
-        sum += static_cast<unsigned char>(fold(ch));
+    for (const char ch : name) {
+        if (!is_symbol_char(ch)) {
+            break;
+        }
+        sum += static_cast<unsigned char>(ch);
     }
     return sum % kSymbolChains;
 }
 
-std::size_t index_hash(std::string_view name) {
-    std::uint32_t hash = 2166136261U;
-    for (const char ch : name) {
-        hash = (hash ^ static_cast<unsigned char>(fold(ch))) * 16777619U;
+// Eight bytes of the name at a time.
+std::uint32_t index_hash(std::string_view name) {
+    constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15U;
+    std::uint64_t hash = name.size();
+    while (!name.empty()) {
+        std::uint64_t piece = 0;
+        const std::size_t size = std::min(name.size(), sizeof piece);
+        std::memcpy(&piece, name.data(), size);
+        hash = (hash ^ piece) * kMultiplier;
+        hash ^= hash >> 32U;
+        name.remove_prefix(size);
     }
-    return hash ^ hash >> 15U;
+    return static_cast<std::uint32_t>(hash);
 }
 
-bool same_name(const Symbol &symbol, std::string_view name) {
-    return symbol.name_length == name.size() &&
-           std::equal(name.begin(), name.end(), symbol.name,
-                      [](char left, char right) { return fold(left) == right; });
-}
-
-// The record of a whole name, or none.
-Symbol *find(std::string_view name) {
+// The record whose stored name is exactly this one, or none.
+Symbol *find_stored(std::string_view name) {
     const std::size_t mask = symbol_index.size() - 1;
-    std::size_t slot = index_hash(name) & mask;
-    while (symbol_index[slot] != nullptr && !same_name(*symbol_index[slot], name)) {
+    const std::uint32_t hash = index_hash(name);
+    std::size_t slot = hash & mask;
+    while (const Symbol *symbol = symbol_index[slot]) {
+        if (symbol->name_hash == hash && symbol->name_view() == name) {
+            break;
+        }
         slot = (slot + 1) & mask;
     }
     return symbol_index[slot];
+}
+
+// The record of a name as written, or none.
+Symbol *find(std::string_view name) {
+    if (O_symbol_case_sensitive != 0) {
+        return find_stored(name);
+    }
+    folded_name.assign(name);
+    std::transform(folded_name.begin(), folded_name.end(), folded_name.begin(), to_upper);
+    return find_stored(folded_name);
 }
 
 // Enters a record under its stored spelling, which folds to itself unless it was stored before case
 // ceased to count; such a name is not found any more.
 void insert_into_index(Symbol *symbol) {
     const std::size_t mask = symbol_index.size() - 1;
-    std::size_t slot = index_hash(symbol->name_view()) & mask;
+    std::size_t slot = symbol->name_hash & mask;
     while (symbol_index[slot] != nullptr) {
         slot = (slot + 1) & mask;
     }
@@ -171,6 +192,7 @@ Symbol *create(std::string_view name, std::int32_t value, std::int32_t line, std
     Symbol *symbol = next_record();
     symbol->name = store_name(name);
     symbol->name_length = static_cast<std::uint32_t>(name.size());
+    symbol->name_hash = index_hash(symbol->name_view());
     symbol->definition_line = line;
     symbol->value = value;
     symbol->segment = segment_of_new(flags);

@@ -56,10 +56,11 @@ void emit_byte(std::uint32_t value) {
 }
 
 void put_script_line(unsigned address, unsigned value) {
-    zirpafile.put("\n #setMemory  ");
-    zirpafile.put_hex_byte(address);
-    zirpafile.put('=');
-    zirpafile.put_hex_byte(value);
+    std::array<char, 19> line = {'\n', ' ', '#', 's', 'e', 't', 'M', 'e', 'm', 'o',
+                                 'r',  'y', ' ', ' ', 0,   0,   '=', 0,   0};
+    hex_byte(&line[14], address);
+    hex_byte(&line[17], value);
+    zirpafile.put(std::string_view(line.data(), line.size()));
 }
 
 } // namespace
@@ -157,17 +158,19 @@ void putout() {
 }
 
 void putout1() {
+    // Type, length, bytes, checksum and line feed.
+    std::array<char, 2 + 2 * (1 + kRecordCapacity + 1) + 1> line = {'S'};
     const auto length = static_cast<unsigned>(outrec.count) + 1;
     unsigned sum = length;
-    objectfile.put('S');
-    objectfile.put(kHexDigits[static_cast<unsigned>(outrec.type) & 0xFU]);
-    objectfile.put_hex_byte(length);
+    line[1] = kHexDigits[static_cast<unsigned>(outrec.type) & 0xFU];
+    char *end = hex_byte(&line[2], length);
     for (std::size_t i = 0; i < outrec.count; ++i) {
         sum += outrec.bytes[i];
-        objectfile.put_hex_byte(outrec.bytes[i]);
+        end = hex_byte(end, outrec.bytes[i]);
     }
-    objectfile.put_hex_byte(~sum);
-    objectfile.put('\n');
+    end = hex_byte(end, ~sum);
+    *end++ = '\n';
+    objectfile.put(std::string_view(line.data(), static_cast<std::size_t>(end - line.data())));
     // Kept: a wider address spills into the script as memory contents at shifted addresses.
     for (std::size_t i = kScriptAddressBytes; i < outrec.count; ++i) {
         put_script_line(outrec.bytes[1] + static_cast<unsigned>(i - kScriptAddressBytes),

@@ -171,7 +171,8 @@ std::size_t letter_index(char ch) {
 // True when the word behind the first letter is the tail; end is then behind the word.
 bool matches(const char *tail, const char *word, const char *&end) {
     while (*tail != '\0') {
-        if (to_upper(*word) != to_upper(*tail)) {
+        // The tail is of lower-case letters, so this is equality in either case.
+        if ((*word | 0x20) != *tail) {
             return false;
         }
         ++tail;

@@ -19,18 +19,17 @@ int take(int token, int length) {
     return token;
 }
 
-// A register name at the scan position, which ends where no name character follows: its token, or
-// 0. Kept: a symbol of that name can't be used in an expression.
+// A register name at the scan position: its token, or 0. Kept: a symbol of that name can't be used
+// in an expression.
 int register_token() {
-    const char *p = Col_Ptr;
-    const char first = to_upper(p[0]);
-    if ((first == 'A' || first == 'X' || first == 'Y') && !is_name_char(p[1])) {
-        return take(first == 'A' ? TOK_A : first == 'X' ? TOK_X : TOK_Y, 1);
+    switch (register_length(Col_Ptr)) {
+    case 1: {
+        const char letter = to_upper(*Col_Ptr);
+        return take(letter == 'A' ? TOK_A : letter == 'X' ? TOK_X : TOK_Y, 1);
     }
-    if ((first == 'S' && to_upper(p[1]) == 'P') || (first == 'C' && to_upper(p[1]) == 'C')) {
-        return is_name_char(p[2]) ? 0 : take(first == 'S' ? TOK_SP : TOK_CC, 2);
+    case 2: return take(to_upper(*Col_Ptr) == 'S' ? TOK_SP : TOK_CC, 2);
+    default: return 0;
     }
-    return 0;
 }
 
 // One of two tokens, by whether the second character is next.
@@ -64,17 +63,32 @@ int operator_token() {
 int number_token(unsigned base, const char *fault) {
     std::uint64_t value = 0;
     do {
-        const int digit = hex_digit_value(*Col_Ptr);
+        const unsigned digit = digit_value(*Col_Ptr);
         ++Col_Ptr;
-        if (digit < 0 || static_cast<unsigned>(digit) >= base) {
+        if (digit >= base) {
             Error(fault);
             return TOK_END;
         }
-        value = value * base + static_cast<unsigned>(digit);
+        value = value * base + digit;
     } while (!is_expression_delimiter(*Col_Ptr));
     yyval = static_cast<std::int32_t>(static_cast<std::uint32_t>(value));
     ctoken = TOK_NUMBER;
     return TOK_NUMBER;
+}
+
+// The character at the scan position as a token of its own.
+int character() { return take(static_cast<unsigned char>(*Col_Ptr), 1); }
+
+// A register or a name, or where neither stands, the letter itself.
+int word_token() {
+    if (const int token = register_token(); token != 0) {
+        return token;
+    }
+    if (valid_sym() != 0) {
+        ctoken = TOK_NAME;
+        return TOK_NAME;
+    }
+    return character();
 }
 
 int character_token() {
@@ -99,6 +113,18 @@ std::size_t symbol_length(const char *p) {
     return static_cast<unsigned char>(p[length]) >= 128 ? 0 : length;
 }
 
+std::size_t register_length(const char *p) {
+    if (!has_class(*p, kClassRegister)) {
+        return 0;
+    }
+    const char first = to_upper(*p);
+    if (first == 'S' || first == 'C') {
+        const bool is_pair = to_upper(p[1]) == (first == 'S' ? 'P' : 'C');
+        return is_pair && !is_name_char(p[2]) ? 2 : 0;
+    }
+    return is_name_char(p[1]) ? 0 : 1;
+}
+
 int valid_sym() {
     const std::size_t length = symbol_length(Col_Ptr);
     if (length == 0) {
@@ -112,10 +138,13 @@ int valid_sym() {
 int gettoken(int mode) {
     yytext = {};
     yyval = 0;
-    if (const int token = register_token(); token != 0) {
-        return token;
-    }
     const char ch = *Col_Ptr;
+    if (is_digit(ch)) {
+        return number_token(10, "Illegal decimal digit");
+    }
+    if (has_class(ch, kClassLetter | kClassUnderscore)) {
+        return word_token();
+    }
     if (mode == kExpressionMode) {
         if (const int token = operator_token(); token != 0) {
             return token;
@@ -137,14 +166,7 @@ int gettoken(int mode) {
         ++Col_Ptr;
         return number_token(16, "Illegal hexadecimal digit");
     }
-    if (is_digit(ch)) {
-        return number_token(10, "Illegal decimal digit");
-    }
-    if (valid_sym() != 0) {
-        ctoken = TOK_NAME;
-        return TOK_NAME;
-    }
-    return take(static_cast<unsigned char>(ch), 1);
+    return character();
 }
 
 int lookahead(char ch) {

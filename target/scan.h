@@ -60,6 +60,11 @@ extern int ctoken; // the previous token, which tells "%" and "*" apart; reset a
 // then letters, digits, "$", "." and "_"; a byte of 128 or more right behind makes it no name.
 std::size_t symbol_length(const char *p);
 
+// The length of the register name at p (A, X, Y: 1; SP, CC: 2), which ends where no letter, digit
+// or
+// "_" follows; 0 if there is none.
+std::size_t register_length(const char *p);
+
 // Reads a name into yytext and returns 1, or returns 0 without moving.
 int valid_sym();
 

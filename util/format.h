@@ -11,6 +11,13 @@ inline constexpr std::string_view kHexDigits = "0123456789ABCDEF";
 // Room for any 64-bit number, its sign included.
 using NumberText = std::array<char, 20>;
 
+// Writes the low 8 bits as two upper-case hexadecimal digits; returns the position behind them.
+inline char *hex_byte(char *text, unsigned value) {
+    text[0] = kHexDigits[value >> 4U & 0xFU];
+    text[1] = kHexDigits[value & 0xFU];
+    return text + 2;
+}
+
 // Upper-case hexadecimal with at least min_digits (1 to 16) digits, zero-padded.
 inline std::string_view hex_text(NumberText &text, std::uint64_t value, unsigned min_digits) {
     std::size_t first = text.size();

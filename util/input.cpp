@@ -69,7 +69,11 @@ bool read_file(const char *name, FileText &text) {
     // One byte more than the size, so that the end of the file is seen without growing.
     const std::size_t capacity =
         text.is_regular ? static_cast<std::size_t>(status.st_size) + 1 : kFirstCapacity;
-    return read_all(descriptor, capacity, text);
+    if (!read_all(descriptor, capacity, text)) {
+        return false;
+    }
+    text.holds_nul = std::memchr(text.data.get(), '\0', text.size) != nullptr;
+    return true;
 }
 
 bool can_open(const char *name) {

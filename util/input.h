@@ -9,6 +9,7 @@
 struct FileText {
     std::unique_ptr<char[]> data;
     std::size_t size = 0; // bytes
+    bool holds_nul = false;
     bool is_regular = false;
     dev_t device = 0; // with inode: the file's identity
     ino_t inode = 0;

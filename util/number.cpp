@@ -16,11 +16,11 @@ bool ends_field(char ch) { return isblanc(ch) || ch == ':'; }
 int read_digits(const char *p, unsigned base, std::uint64_t &value) {
     std::uint64_t sum = 0;
     for (; !ends_field(*p); ++p) {
-        const int digit = hex_digit_value(*p);
-        if (digit < 0 || static_cast<unsigned>(digit) >= base) {
+        const unsigned digit = digit_value(*p);
+        if (digit >= base) {
             return -1;
         }
-        sum = sum * base + static_cast<unsigned>(digit);
+        sum = sum * base + digit;
     }
     value = sum;
     return 0;

@@ -42,7 +42,7 @@ void OutputFile::attach(int descriptor) {
     owned_ = false;
 }
 
-void OutputFile::put(std::string_view text) {
+void OutputFile::put_in_pieces(std::string_view text) {
     while (!text.empty()) {
         if (used_ == kOutputBufferSize) {
             flush();

@@ -10,6 +10,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <initializer_list>
 #include <string_view>
 
@@ -43,7 +44,14 @@ class OutputFile {
         buffer_[used_++] = ch;
     }
 
-    void put(std::string_view text);
+    void put(std::string_view text) {
+        if (text.size() <= kOutputBufferSize - used_) {
+            std::memcpy(&buffer_[used_], text.data(), text.size());
+            used_ += text.size();
+        } else {
+            put_in_pieces(text);
+        }
+    }
     void put(std::initializer_list<std::string_view> texts);
 
     // Two upper-case hexadecimal digits.
@@ -68,11 +76,13 @@ class OutputFile {
     void discard();
 
   private:
+    void put_in_pieces(std::string_view text);
+
     int descriptor_ = -1;
     bool owned_ = false;
     bool failed_ = false;
     std::size_t used_ = 0;
-    std::array<char, kOutputBufferSize> buffer_{};
+    std::array<char, kOutputBufferSize + 1> buffer_{}; // one more, so that its end can be addressed
 };
 
 // Deletes a file that is about to be replaced or is not to be kept; one that cannot be deleted is

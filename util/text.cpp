@@ -49,24 +49,6 @@ bool is_not_blanc(char ch) { return !isblanc(ch); }
 
 } // namespace
 
-const char *skipblanc(const char *p) {
-    if (p != nullptr) {
-        while (*p != '\0' && isblanc(*p)) {
-            ++p;
-        }
-    }
-    return p;
-}
-
-const char *skipnonblanc(const char *p) {
-    if (p != nullptr) {
-        while (!isblanc(*p)) {
-            ++p;
-        }
-    }
-    return p;
-}
-
 const char *skip_to(const char *p, char c) {
     while (*p != '\0' && *p != c) {
         ++p;

@@ -20,6 +20,7 @@ enum CharClass : std::uint8_t {
     kClassUnderscore = 0x08, // "_"
     kClassSymbolMark = 0x10, // "$" and ".", allowed inside symbols
     kClassDelimiter = 0x20,  // ends a number: blanks and the operator and bracket characters
+    kClassRegister = 0x40,   // A, C, S, X and Y in either case, with which a register name begins
 };
 
 constexpr std::array<std::uint8_t, 256> make_char_classes() {
@@ -43,6 +44,9 @@ constexpr std::array<std::uint8_t, 256> make_char_classes() {
     for (const char mark : {'!', '%', '&', '(', ')', '*', '+', ',', '-', '.', '/', ':',
                             ';', '<', '=', '>', '[', ']', '^', '{', '|', '}', '~'}) {
         classes[static_cast<unsigned char>(mark)] |= kClassDelimiter;
+    }
+    for (const char letter : {'A', 'C', 'S', 'X', 'Y', 'a', 'c', 's', 'x', 'y'}) {
+        classes[static_cast<unsigned char>(letter)] |= kClassRegister;
     }
     return classes;
 }
@@ -79,22 +83,48 @@ constexpr char to_upper(char ch) {
     return ch >= 'a' && ch <= 'z' ? static_cast<char>(ch - 'a' + 'A') : ch;
 }
 
-// The value 0 to 15 of a hexadecimal digit of either case, or -1.
-constexpr int hex_digit_value(char ch) {
-    if (is_digit(ch)) {
-        return ch - '0';
+// What digit_value gives for a character that is no digit: more than any base.
+inline constexpr unsigned kNoDigit = 255;
+
+constexpr std::array<std::uint8_t, 256> make_digit_values() {
+    std::array<std::uint8_t, 256> values{};
+    values.fill(kNoDigit);
+    for (unsigned i = 0; i < 10; ++i) {
+        values['0' + i] = static_cast<std::uint8_t>(i);
     }
-    const char upper = to_upper(ch);
-    return upper >= 'A' && upper <= 'F' ? upper - 'A' + 10 : -1;
+    for (unsigned i = 0; i < 6; ++i) {
+        values['A' + i] = static_cast<std::uint8_t>(10 + i);
+        values['a' + i] = static_cast<std::uint8_t>(10 + i);
+    }
+    return values;
 }
+
+inline constexpr std::array<std::uint8_t, 256> kDigitValues = make_digit_values();
+
+// The value 0 to 15 of a hexadecimal digit of either case, or kNoDigit.
+constexpr unsigned digit_value(char ch) { return kDigitValues[static_cast<unsigned char>(ch)]; }
 
 // ---- Tests and skips ----
 
 // Skips characters that are nonzero and below 33 (signed).
-const char *skipblanc(const char *p);
+inline const char *skipblanc(const char *p) {
+    if (p != nullptr) {
+        while (*p != '\0' && isblanc(*p)) {
+            ++p;
+        }
+    }
+    return p;
+}
 
 // Skips characters above 32 (signed).
-const char *skipnonblanc(const char *p);
+inline const char *skipnonblanc(const char *p) {
+    if (p != nullptr) {
+        while (!isblanc(*p)) {
+            ++p;
+        }
+    }
+    return p;
+}
 
 // Advances to the first c, or to the end.
 const char *skip_to(const char *p, char c);
