@@ -18,7 +18,7 @@
 namespace {
 
 // Reserving more would only make the runs longer.
-constexpr std::int64_t kReservationLimit = 65536;
+constexpr std::int64_t kReservationLimit = 1024;
 
 struct EndOfRun {
     int status;

@@ -164,7 +164,7 @@ def kind_of(difference):
         name = min(difference)
     program, model = difference[name]
     lines = (b"absent" if text is None else text for text in (program, model))
-    shown = (re.sub(rb"[^a-zA-Z ]|[0-9A-F]{2,}|'.*'", b"", line[:300])
+    shown = (re.sub(rb"/\S*/|[^a-zA-Z ]|[0-9A-F]{2,}|'.*'", b"", line[:300])
              for line in first_difference(*lines))
     return b" | ".join((os.path.splitext(name)[1] or name, *shown))
 
@@ -268,14 +268,16 @@ class Worker:
 
 def tasks(first, count):
     end = first + count
-    return [range(start, min(start + CASES_A_TASK, end)) for start in range(first, end, CASES_A_TASK)]
+    starts = range(first, end, CASES_A_TASK)
+    return [range(start, min(start + CASES_A_TASK, end)) for start in starts]
 
 
 def compare_all(arguments, base):
     total = Tally()
     start = (os.path.abspath(arguments.program), base, arguments.seed)
     with multiprocessing.Pool(arguments.jobs, Worker.start, start) as pool:
-        for tally in pool.imap_unordered(Worker.compare_range, tasks(arguments.first, arguments.count)):
+        ranges = tasks(arguments.first, arguments.count)
+        for tally in pool.imap_unordered(Worker.compare_range, ranges):
             for kind in tally.examples.keys() - total.kinds.keys():
                 print(f"--- {kind.decode(errors='replace')}\n{tally.examples[kind]}\n", flush=True)
             total.add(tally)

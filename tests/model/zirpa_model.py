@@ -256,13 +256,17 @@ class Assembler(Expressions):
     def names_directory(self, name):
         return any(key.startswith(name + b"/") for key in self.cwd_files)
 
-    def create(self, name):
-        """Open an output for writing; None when that is not possible."""
+    def can_create(self, name):
         path = os.path.relpath(os.path.join(self.cwd, name), self.cwd)
         directory, bare = os.path.split(path)
         # What lies outside is not known here and taken for a place that can be written.
         known = not directory or path.startswith(b"../") or self.names_directory(directory)
-        if name[-1:] in (b"", b"/") or len(bare) > 255 or not known or self.names_directory(path):
+        return (name[-1:] not in (b"", b"/") and len(bare) <= 255 and known
+                and not self.names_directory(path))
+
+    def create(self, name):
+        """Open an output for writing; None when that is not possible."""
+        if not self.can_create(name):
             return None
         self.outputs[name] = bytearray()
         return self.outputs[name]
@@ -270,7 +274,7 @@ class Assembler(Expressions):
     def refuse_collisions(self, names):
         """No output may overwrite the source or another output."""
         taken = {os.path.normpath(self.file_entry[0].pathname)}
-        for name in names:
+        for name in filter(self.can_create, names):
             path = os.path.normpath(os.path.join(self.cwd, name))
             if path in taken:
                 self.vpFatal(b"Cannot create output fil '%s'", name)

@@ -11,12 +11,12 @@
 
 namespace {
 
-class Input : public RunTest {
+class FileReading : public RunTest {
   protected:
     static std::string text_of(const FileText &text) { return {text.data.get(), text.size}; }
 };
 
-TEST_F(Input, ReadsEveryByteOfAFile) {
+TEST_F(FileReading, ReadsEveryByteOfAFile) {
     const std::string bytes("a\0b\r\n\xFF\x1A", 7);
     write_file("in", bytes);
     FileText text;
@@ -24,14 +24,14 @@ TEST_F(Input, ReadsEveryByteOfAFile) {
     EXPECT_EQ(text_of(text), bytes);
 }
 
-TEST_F(Input, ReadsAnEmptyFile) {
+TEST_F(FileReading, ReadsAnEmptyFile) {
     write_file("in", "");
     FileText text;
     ASSERT_TRUE(read_file("in", text));
     EXPECT_EQ(text.size, 0U);
 }
 
-TEST_F(Input, ReadsALargeFile) {
+TEST_F(FileReading, ReadsALargeFile) {
     std::string bytes;
     while (bytes.size() < 3000000) {
         bytes += std::to_string(bytes.size()) + "\n";
@@ -42,7 +42,7 @@ TEST_F(Input, ReadsALargeFile) {
     EXPECT_TRUE(text_of(text) == bytes);
 }
 
-TEST_F(Input, TellsTheFilesIdentity) {
+TEST_F(FileReading, TellsTheFilesIdentity) {
     write_file("in", "x");
     std::filesystem::create_hard_link("in", "link");
     struct ::stat expected = {};
@@ -56,7 +56,7 @@ TEST_F(Input, TellsTheFilesIdentity) {
     }
 }
 
-TEST_F(Input, ReadsAPipeWhichIsNoRegularFile) {
+TEST_F(FileReading, ReadsAPipeWhichIsNoRegularFile) {
     int ends[2] = {-1, -1};
     ASSERT_EQ(::pipe(ends), 0);
     ASSERT_EQ(::write(ends[1], " NOP\n", 5), 5);
@@ -68,18 +68,18 @@ TEST_F(Input, ReadsAPipeWhichIsNoRegularFile) {
     ::close(ends[0]);
 }
 
-TEST_F(Input, FailsForAMissingFile) {
+TEST_F(FileReading, FailsForAMissingFile) {
     FileText text;
     EXPECT_FALSE(read_file("missing", text));
     EXPECT_FALSE(read_file("", text));
 }
 
-TEST_F(Input, FailsForADirectory) {
+TEST_F(FileReading, FailsForADirectory) {
     FileText text;
     EXPECT_FALSE(read_file(".", text));
 }
 
-TEST_F(Input, TellsWhetherAFileCanBeOpened) {
+TEST_F(FileReading, TellsWhetherAFileCanBeOpened) {
     write_file("in", "x");
     EXPECT_TRUE(can_open("in"));
     EXPECT_FALSE(can_open("missing"));

@@ -81,8 +81,7 @@ const std::string k63Ones(63, '1');
 const std::string k64Ones(64, '1');
 constexpr std::int64_t kLargest = std::numeric_limits<std::int64_t>::max();
 
-// ---- base_to_number
-// ------------------------------------------------------------------------------
+// ---- base_to_number ----
 
 TEST(BaseToNumber, FailsForAnEmptyText) {
     for (const int base : {16, 10, 2}) {
@@ -175,8 +174,7 @@ TEST(BaseToNumber, WrapsSilentlyAt32Bits) {
     EXPECT_EQ(based("-4294967295", 10), Value32(1));
 }
 
-// ---- ascii_to_number
-// -----------------------------------------------------------------------------
+// ---- ascii_to_number ----
 
 TEST(AsciiToNumber, ALowerCasePrefixAloneMakesHexadecimal) {
     EXPECT_EQ(chosen("0x10"), Value32(16));
@@ -233,8 +231,7 @@ TEST(AsciiToNumber, WrapsSilentlyAt32Bits) {
     EXPECT_EQ(chosen("$100000001"), Value32(1));
 }
 
-// ---- to_ulonglong, base_to_ulonglong
-// -------------------------------------------------------------
+// ---- to_ulonglong, base_to_ulonglong ----
 
 TEST(ToUlonglong, ReadsEachBaseIn64Bits) {
     EXPECT_EQ(unsigned_64("FFFFFFFFffffffff", 16), Value64(~std::uint64_t{0}));
@@ -270,8 +267,7 @@ TEST(ToUlonglong, FollowsTheFieldRules) {
     EXPECT_EQ(unsigned_64("12", 2), Value64());
 }
 
-// ---- base_to_longlong
-// ----------------------------------------------------------------------------
+// ---- base_to_longlong ----
 
 TEST(BaseToLonglong, FailsFromTwoToThe63Up) {
     EXPECT_EQ(signed_64("9223372036854775807", 10), SignedValue(kLargest));
@@ -301,8 +297,7 @@ TEST(BaseToLonglong, FollowsTheFieldRules) {
     EXPECT_EQ(signed_64("0X1F", 16), SignedValue(31));
 }
 
-// ---- ascii_to_longlong
-// ---------------------------------------------------------------------------
+// ---- ascii_to_longlong ----
 
 TEST(AsciiToLonglong, AMinusMayFollowAHexadecimalPrefix) {
     EXPECT_EQ(chosen_64("$-10"), SignedValue(-16));

@@ -16,7 +16,7 @@
 
 namespace {
 
-class Output : public RunTest {
+class OutputFileBuffer : public RunTest {
   protected:
     // What write puts into a file.
     template <typename Write> std::string written(Write write) {
@@ -29,7 +29,7 @@ class Output : public RunTest {
     }
 };
 
-TEST_F(Output, CreatesAFile) {
+TEST_F(OutputFileBuffer, CreatesAFile) {
     const auto file = std::make_unique<OutputFile>();
     EXPECT_FALSE(file->is_open());
     EXPECT_TRUE(file->create("out"));
@@ -38,12 +38,12 @@ TEST_F(Output, CreatesAFile) {
     EXPECT_FALSE(file->has_failed());
 }
 
-TEST_F(Output, EmptiesAnExistingFile) {
+TEST_F(OutputFileBuffer, EmptiesAnExistingFile) {
     write_file("out", "old text");
     EXPECT_EQ(written([](OutputFile &) {}), "");
 }
 
-TEST_F(Output, IsClosedWhenItCannotBeCreated) {
+TEST_F(OutputFileBuffer, IsClosedWhenItCannotBeCreated) {
     const auto file = std::make_unique<OutputFile>();
     EXPECT_FALSE(file->create("missing/out"));
     EXPECT_FALSE(file->is_open());
@@ -51,7 +51,7 @@ TEST_F(Output, IsClosedWhenItCannotBeCreated) {
     EXPECT_FALSE(file->is_open());
 }
 
-TEST_F(Output, WritesCharactersAndTexts) {
+TEST_F(OutputFileBuffer, WritesCharactersAndTexts) {
     EXPECT_EQ(written([](OutputFile &file) {
                   file.put('a');
                   file.put(std::string_view("b\0c", 3));
@@ -61,7 +61,7 @@ TEST_F(Output, WritesCharactersAndTexts) {
               std::string("ab\0c\xFF\n", 6));
 }
 
-TEST_F(Output, WritesHexadecimalBytes) {
+TEST_F(OutputFileBuffer, WritesHexadecimalBytes) {
     EXPECT_EQ(written([](OutputFile &file) {
                   for (const unsigned value : {0U, 5U, 0xA0U, 0xFFU}) {
                       file.put_hex_byte(value);
@@ -70,11 +70,11 @@ TEST_F(Output, WritesHexadecimalBytes) {
               "0005A0FF");
 }
 
-TEST_F(Output, WritesTheLowByteOfALargerNumber) {
+TEST_F(OutputFileBuffer, WritesTheLowByteOfALargerNumber) {
     EXPECT_EQ(written([](OutputFile &file) { file.put_hex_byte(0x1234); }), "34");
 }
 
-TEST_F(Output, WritesHexadecimalNumbers) {
+TEST_F(OutputFileBuffer, WritesHexadecimalNumbers) {
     EXPECT_EQ(written([](OutputFile &file) {
                   file.put_hex(0x1F, 4);
                   file.put(' ');
@@ -85,7 +85,7 @@ TEST_F(Output, WritesHexadecimalNumbers) {
               "001F 12345 0");
 }
 
-TEST_F(Output, WritesDecimalNumbersPaddedOnTheLeft) {
+TEST_F(OutputFileBuffer, WritesDecimalNumbersPaddedOnTheLeft) {
     EXPECT_EQ(written([](OutputFile &file) {
                   file.put_decimal(0);
                   file.put('|');
@@ -102,7 +102,7 @@ TEST_F(Output, WritesDecimalNumbersPaddedOnTheLeft) {
               "0|   42|  -42|12345|123456|-9223372036854775808");
 }
 
-TEST_F(Output, KeepsEveryByteAroundTheBuffersSize) {
+TEST_F(OutputFileBuffer, KeepsEveryByteAroundTheBuffersSize) {
     for (const std::size_t size :
          {kOutputBufferSize - 1, kOutputBufferSize, kOutputBufferSize + 1, 3 * kOutputBufferSize}) {
         std::string text(size, 'x');
@@ -123,7 +123,7 @@ TEST_F(Output, KeepsEveryByteAroundTheBuffersSize) {
     }
 }
 
-TEST_F(Output, HandsItsBufferOverWhenFlushed) {
+TEST_F(OutputFileBuffer, HandsItsBufferOverWhenFlushed) {
     const auto file = std::make_unique<OutputFile>();
     ASSERT_TRUE(file->create("out"));
     file->put("abc");
@@ -135,7 +135,7 @@ TEST_F(Output, HandsItsBufferOverWhenFlushed) {
     EXPECT_EQ(read_text("out"), "abcd");
 }
 
-TEST_F(Output, StaysClosedWhenClosedAgain) {
+TEST_F(OutputFileBuffer, StaysClosedWhenClosedAgain) {
     const auto file = std::make_unique<OutputFile>();
     ASSERT_TRUE(file->create("out"));
     file->close();
@@ -144,7 +144,7 @@ TEST_F(Output, StaysClosedWhenClosedAgain) {
     EXPECT_FALSE(file->has_failed());
 }
 
-TEST_F(Output, SwallowsEverythingWhileClosed) {
+TEST_F(OutputFileBuffer, SwallowsEverythingWhileClosed) {
     const auto file = std::make_unique<OutputFile>();
     file->put("lost");
     file->put(std::string(2 * kOutputBufferSize, 'x'));
@@ -157,7 +157,7 @@ TEST_F(Output, SwallowsEverythingWhileClosed) {
     EXPECT_EQ(read_text("out"), "kept");
 }
 
-TEST_F(Output, CanBeUsedForAnotherFile) {
+TEST_F(OutputFileBuffer, CanBeUsedForAnotherFile) {
     const auto file = std::make_unique<OutputFile>();
     ASSERT_TRUE(file->create("first"));
     file->put("1");
@@ -169,7 +169,7 @@ TEST_F(Output, CanBeUsedForAnotherFile) {
     EXPECT_EQ(read_text("second"), "2");
 }
 
-TEST_F(Output, LeavesAnAttachedDescriptorOpen) {
+TEST_F(OutputFileBuffer, LeavesAnAttachedDescriptorOpen) {
     const int descriptor = ::open("out", O_CREAT | O_WRONLY | O_CLOEXEC, 0600);
     ASSERT_GE(descriptor, 0);
     const auto file = std::make_unique<OutputFile>();
@@ -183,7 +183,7 @@ TEST_F(Output, LeavesAnAttachedDescriptorOpen) {
     EXPECT_EQ(read_text("out"), "abcd");
 }
 
-TEST_F(Output, RemembersAFailedWrite) {
+TEST_F(OutputFileBuffer, RemembersAFailedWrite) {
     const auto file = std::make_unique<OutputFile>();
     ASSERT_TRUE(file->create("/dev/full"));
     file->put("abc");
@@ -195,7 +195,7 @@ TEST_F(Output, RemembersAFailedWrite) {
     EXPECT_TRUE(file->has_failed());
 }
 
-TEST_F(Output, NoticesAWriteThatFailsOnClosing) {
+TEST_F(OutputFileBuffer, NoticesAWriteThatFailsOnClosing) {
     const auto file = std::make_unique<OutputFile>();
     ASSERT_TRUE(file->create("/dev/full"));
     file->put("abc");
@@ -203,7 +203,7 @@ TEST_F(Output, NoticesAWriteThatFailsOnClosing) {
     EXPECT_TRUE(file->has_failed());
 }
 
-TEST_F(Output, ForgetsAFailureWithTheNextFile) {
+TEST_F(OutputFileBuffer, ForgetsAFailureWithTheNextFile) {
     const auto file = std::make_unique<OutputFile>();
     ASSERT_TRUE(file->create("/dev/full"));
     file->put("abc");
@@ -215,18 +215,18 @@ TEST_F(Output, ForgetsAFailureWithTheNextFile) {
     EXPECT_EQ(read_text("out"), "def");
 }
 
-TEST_F(Output, IsDeletedWhenItIsAFile) {
+TEST_F(OutputFileBuffer, IsDeletedWhenItIsAFile) {
     write_file("old.s19", "S9030000FC\n");
     delete_output("old.s19");
     EXPECT_FALSE(file_exists("old.s19"));
 }
 
-TEST_F(Output, MayBeMissingWhenItIsDeleted) {
+TEST_F(OutputFileBuffer, MayBeMissingWhenItIsDeleted) {
     delete_output("missing.s19");
     EXPECT_FALSE(file_exists("missing.s19"));
 }
 
-TEST_F(Output, IsLeftAloneWhenItIsADevice) {
+TEST_F(OutputFileBuffer, IsLeftAloneWhenItIsADevice) {
     // A null device of the test's own, so that a fault cannot cost the machine its real one.
     if (::mknod("null", S_IFCHR | 0666, makedev(1, 3)) != 0) {
         GTEST_SKIP() << "Devices can be made by root only.";

@@ -49,8 +49,7 @@ void enter_directory_of_length(std::size_t length) {
     ASSERT_EQ(std::filesystem::current_path().string().size(), length);
 }
 
-// ---- The working directory
-// -----------------------------------------------------------------------
+// ---- The working directory ----
 
 class WorkingDirectory : public RunTest {};
 
@@ -79,8 +78,7 @@ TEST_F(WorkingDirectory, ThatIsGoneIsEmpty) {
     EXPECT_EQ(getMyDirectory(), "");
 }
 
-// ---- Parts of paths
-// ------------------------------------------------------------------------------
+// ---- Parts of paths ----
 
 TEST(PathHasRoot, NeedsALeadingSlash) {
     EXPECT_TRUE(PathHasRoot("/"));
@@ -163,8 +161,7 @@ TEST(RemoveExtension, CutsAtAPointInADirectoryName) {
     EXPECT_EQ(without_extension("../prog"), ".");
 }
 
-// ---- Canonical paths
-// -----------------------------------------------------------------------------
+// ---- Canonical paths ----
 
 TEST(Winfilename, TurnsEverySeparatorIntoABackslash) {
     EXPECT_EQ(backslashed("/a/b\\c"), "\\a\\b\\c");
@@ -252,8 +249,7 @@ TEST_F(WorkingDirectory, IsJoinedToPathsThatBeginWithABackslash) {
     EXPECT_EQ(absolute("\\a"), directory + "/a");
 }
 
-// ---- File-name operands
-// --------------------------------------------------------------------------
+// ---- File-name operands ----
 
 TEST(CopyFname, KeepsBlanksBetweenQuotes) {
     std::string name = "old";

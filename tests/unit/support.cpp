@@ -3,9 +3,11 @@
 #include "as/asDiag.h"
 #include "as/asLine.h"
 #include "as/asList.h"
+#include "as/asListing.h"
 #include "as/asMain.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
+#include "as/asPseudo.h"
 #include "as/asSource.h"
 #include "expr/expr.h"
 #include "target/emit.h"
@@ -39,6 +41,7 @@ void RunTest::SetUp() {
     standard_output.attach(output_);
     end_run_hook = throw_end_of_run;
     Pass = 1;
+    begin_pass();
 }
 
 void RunTest::TearDown() {
@@ -48,6 +51,17 @@ void RunTest::TearDown() {
     ::close(output_);
     std::filesystem::current_path(directory_before_);
     std::filesystem::remove_all(directory);
+}
+
+void RunTest::begin_pass() {
+    source_new_pass();
+    diag_new_pass();
+    location_new_pass();
+    line_new_pass();
+    listing_new_pass();
+    pseudo_new_pass();
+    resetLabel();
+    begin_line("");
 }
 
 void RunTest::set_line(const std::string &text) {

@@ -17,6 +17,9 @@ class RunTest : public ::testing::Test {
     void SetUp() override;
     void TearDown() override;
 
+    // Resets what every pass resets.
+    static void begin_pass();
+
     // Makes text the current line and puts the scan position at its start.
     static void set_line(const std::string &text);
 

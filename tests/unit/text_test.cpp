@@ -21,8 +21,7 @@ bool is_mark(int code) {
     return code != 0 && std::string(kDelimiterMarks).find(byte(code)) != std::string::npos;
 }
 
-// ---- Character classes
-// ---------------------------------------------------------------------------
+// ---- Character classes ----
 
 TEST(CharacterClass, BlanksAreTheCodesBelow33AndThoseFrom128Up) {
     for (int code = 0; code < 256; ++code) {
@@ -80,13 +79,11 @@ TEST(CharacterClass, HexadecimalDigitsHaveValuesInEitherCase) {
         if (value == std::string::npos) {
             value = upper.find(byte(code));
         }
-        const int expected = value == std::string::npos ? -1 : static_cast<int>(value);
-        EXPECT_EQ(hex_digit_value(byte(code)), expected) << code;
+        EXPECT_EQ(digit_value(byte(code)), value == std::string::npos ? kNoDigit : value) << code;
     }
 }
 
-// ---- Skips
-// ---------------------------------------------------------------------------------------
+// ---- Skips ----
 
 TEST(Skipblanc, SkipsControlCharactersBlanksAndBytesFrom128Up) {
     const char *text = " \t\n\r\x01\x80\xFFX";
@@ -169,8 +166,7 @@ TEST(SkipFNameDelimiter, GivesNoneIfTheTextEndsFirst) {
     EXPECT_EQ(skipFNameDelimiter(""), nullptr);
 }
 
-// ---- Tests of line ends
-// --------------------------------------------------------------------------
+// ---- Tests of line ends ----
 
 TEST(LineContinued, NeedsABackslashAndALineFeed) {
     EXPECT_TRUE(line_continued("\\\n"));
@@ -204,8 +200,7 @@ TEST(LineDivided, NeedsTwoCharacters) {
     EXPECT_FALSE(line_divided(""));
 }
 
-// ---- Comparisons
-// ---------------------------------------------------------------------------------
+// ---- Comparisons ----
 
 TEST(Nlstrcmp, ComparesUpToALineEndOfEither) {
     EXPECT_TRUE(nlstrcmp("ABC", "ABC"));
@@ -270,8 +265,7 @@ TEST(Namecomparei, WordAndNameMustEndTogether) {
     EXPECT_FALSE(namecomparei("", "org"));
 }
 
-// ---- Copies of lines
-// -----------------------------------------------------------------------------
+// ---- Copies of lines ----
 
 TEST(Nlstrcpy, CopiesUpToEachKindOfLineEnd) {
     for (const char *end : {"", "\n", "\r", "\r\nmore"}) {
@@ -376,8 +370,7 @@ TEST(Divstrcat, NoSourceRemovesAPlusFromTheDestinationsEnd) {
     EXPECT_EQ(without, "ab\\");
 }
 
-// ---- Copies of names
-// -----------------------------------------------------------------------------
+// ---- Copies of names ----
 
 TEST(Extractname, CopiesNameCharacters) {
     std::string name = "old";
@@ -533,8 +526,7 @@ TEST(CopyLabel, EndsAtTheTextsEnd) {
     EXPECT_EQ(name, "ab");
 }
 
-// ---- Copies of quoted texts
-// ----------------------------------------------------------------------
+// ---- Copies of quoted texts ----
 
 TEST(Copyquotedopt, KeepsBlanksBetweenQuotes) {
     std::string text = "old";

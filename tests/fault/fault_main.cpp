@@ -1,0 +1,311 @@
+// The program, with one call of a run made to fail: the k-th one, alone or together with all later
+// ones. Nothing but the environment tells it from the program that is shipped:
+//
+//   HXZIRPA_FAULT_MODE    count        no call fails, every call is reported
+//                         once         the k-th call fails
+//                         onwards      the k-th call and all later ones fail
+//                         interrupted  the k-th call fails with EINTR
+//                         short        from the k-th on, reads and writes move half of the bytes
+//                         full         the k-th write writes half of the bytes, later ones fail
+//   HXZIRPA_FAULT_KIND    which calls are counted, and fail: one name of the table below, "calls"
+//                         (all but memory) or "all"
+//   HXZIRPA_FAULT_CALL    k, from 1
+//   HXZIRPA_FAULT_REPORT  a file; gets a line "NAME OBJECT" for each call that is made to fail, or
+//                         for each call at all in the mode "count"
+//
+// Calls are put in place by the linker, so that those of the libraries are not among them; memory
+// is what operator new hands out. Only what happens within as_main counts.
+#include "as/asMain.h"
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <cstdarg>
+#include <cstddef>
+#include <cstdlib>
+#include <cstring>
+#include <new>
+#include <string_view>
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+// The linker's names of the calls.
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+extern "C" {
+int __real_open(const char *path, int flags, ...);
+ssize_t __real_read(int descriptor, void *buffer, size_t size);
+ssize_t __real_write(int descriptor, const void *buffer, size_t size);
+int __real_close(int descriptor);
+int __real_fstat(int descriptor, struct stat *status);
+int __real_stat(const char *path, struct stat *status);
+int __real_lstat(const char *path, struct stat *status);
+int __real_unlink(const char *path);
+int __real_truncate(const char *path, off_t size);
+ssize_t __real_readlink(const char *path, char *buffer, size_t size);
+char *__real_getcwd(char *buffer, size_t size);
+}
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+
+namespace {
+
+// The kinds of calls, and the error that each may well meet in the field. An open that creates a
+// file is a kind of its own.
+struct Kind {
+    std::string_view name;
+    int error;
+};
+constexpr Kind kOpen = {"open", EMFILE};
+constexpr Kind kCreate = {"create", EACCES};
+constexpr Kind kRead = {"read", EIO};
+constexpr Kind kWrite = {"write", ENOSPC};
+constexpr Kind kClose = {"close", EIO};
+constexpr Kind kFstat = {"fstat", EIO};
+constexpr Kind kStat = {"stat", EACCES};
+constexpr Kind kLstat = {"lstat", EACCES};
+constexpr Kind kUnlink = {"unlink", EACCES};
+constexpr Kind kTruncate = {"truncate", EACCES};
+constexpr Kind kReadlink = {"readlink", EACCES};
+constexpr Kind kGetcwd = {"getcwd", ENOENT};
+constexpr Kind kMemory = {"memory", ENOMEM};
+
+enum class Mode { kCount, kOnce, kOnwards, kInterrupted, kShort, kFull };
+
+// What becomes of one call.
+enum class Fate { kNormal, kFails, kIsInterrupted, kIsShort };
+
+struct ModeName {
+    std::string_view name;
+    Mode mode;
+};
+constexpr std::array<ModeName, 6> kModes = {{{"count", Mode::kCount},
+                                             {"once", Mode::kOnce},
+                                             {"onwards", Mode::kOnwards},
+                                             {"interrupted", Mode::kInterrupted},
+                                             {"short", Mode::kShort},
+                                             {"full", Mode::kFull}}};
+
+Mode mode = Mode::kCount;
+std::string_view chosen_kind = "all";
+unsigned long chosen_call = 0; // from 1
+unsigned long calls_seen = 0;  // of the chosen kind
+int report_descriptor = -1;
+bool active = false; // within as_main
+
+// The paths of open descriptors, for the report; cut to the room there is.
+constexpr std::size_t kMostDescriptors = 64;
+constexpr std::size_t kPathCapacity = 512;
+using PathText = std::array<char, kPathCapacity>;
+std::array<PathText, kMostDescriptors> opened_paths{};
+
+PathText *path_slot(int descriptor) {
+    const auto index = static_cast<std::size_t>(descriptor);
+    return index < kMostDescriptors ? &opened_paths[index] : nullptr;
+}
+
+void remember_path(int descriptor, const char *path) {
+    if (PathText *slot = path_slot(descriptor); slot != nullptr) {
+        std::strncpy(slot->data(), path, kPathCapacity - 1);
+    }
+}
+
+const char *path_of(int descriptor) {
+    if (descriptor == STDOUT_FILENO) {
+        return "standard output";
+    }
+    const PathText *slot = path_slot(descriptor);
+    return slot == nullptr ? "" : slot->data();
+}
+
+void report(const Kind &kind, const char *object) {
+    std::array<char, kPathCapacity * 2> line{};
+    std::size_t size = kind.name.copy(line.data(), kind.name.size());
+    line[size++] = ' ';
+    size += std::string_view(object).copy(&line[size], kPathCapacity);
+    line[size++] = '\n';
+    (void)__real_write(report_descriptor, line.data(), size);
+}
+
+bool is_chosen_kind(const Kind &kind) {
+    return chosen_kind == kind.name || chosen_kind == "all" ||
+           (chosen_kind == "calls" && kind.name != kMemory.name);
+}
+
+Fate fate_of_chosen(bool is_first) {
+    switch (mode) {
+    case Mode::kOnce: return is_first ? Fate::kFails : Fate::kNormal;
+    case Mode::kInterrupted: return is_first ? Fate::kIsInterrupted : Fate::kNormal;
+    case Mode::kShort: return Fate::kIsShort;
+    case Mode::kFull: return is_first ? Fate::kIsShort : Fate::kFails;
+    default: return Fate::kFails;
+    }
+}
+
+Fate fate_of(const Kind &kind, const char *object) {
+    if (!active || !is_chosen_kind(kind)) {
+        return Fate::kNormal;
+    }
+    ++calls_seen;
+    if (mode == Mode::kCount) {
+        report(kind, object);
+        return Fate::kNormal;
+    }
+    if (calls_seen < chosen_call) {
+        return Fate::kNormal;
+    }
+    const Fate fate = fate_of_chosen(calls_seen == chosen_call);
+    if (fate != Fate::kNormal) {
+        report(kind, object);
+    }
+    return fate;
+}
+
+// True when the call is to fail; errno is set then.
+bool fails(const Kind &kind, Fate fate) {
+    if (fate == Fate::kFails) {
+        errno = kind.error;
+    } else if (fate == Fate::kIsInterrupted) {
+        errno = EINTR;
+    }
+    return fate == Fate::kFails || fate == Fate::kIsInterrupted;
+}
+
+bool fails(const Kind &kind, const char *object) { return fails(kind, fate_of(kind, object)); }
+
+std::size_t moved_size(std::size_t size, Fate fate) {
+    return fate == Fate::kIsShort ? std::max<std::size_t>(size / 2, 1) : size;
+}
+
+void *allocate(std::size_t size) {
+    return fails(kMemory, "") ? nullptr : std::malloc(std::max<std::size_t>(size, 1));
+}
+
+void *allocate_or_throw(std::size_t size) {
+    void *memory = allocate(size);
+    if (memory == nullptr) {
+        throw std::bad_alloc();
+    }
+    return memory;
+}
+
+const char *setting(const char *name) {
+    const char *value = std::getenv(name);
+    if (value == nullptr) {
+        std::abort();
+    }
+    return value;
+}
+
+void read_settings() {
+    const std::string_view mode_name = setting("HXZIRPA_FAULT_MODE");
+    const auto *found = std::find_if(kModes.begin(), kModes.end(), [=](const ModeName &entry) {
+        return entry.name == mode_name;
+    });
+    if (found == kModes.end()) {
+        std::abort();
+    }
+    mode = found->mode;
+    chosen_kind = setting("HXZIRPA_FAULT_KIND");
+    chosen_call = std::strtoul(setting("HXZIRPA_FAULT_CALL"), nullptr, 10);
+    constexpr mode_t kReportMode = 0666;
+    report_descriptor = __real_open(setting("HXZIRPA_FAULT_REPORT"),
+                                    O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, kReportMode);
+    if (report_descriptor < 0) {
+        std::abort();
+    }
+}
+
+} // namespace
+
+// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+extern "C" {
+
+int __wrap_open(const char *path, int flags, ...) {
+    va_list arguments;
+    va_start(arguments, flags);
+    const bool creates = (flags & O_CREAT) != 0;
+    const mode_t permissions = creates ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    if (fails(creates ? kCreate : kOpen, path)) {
+        return -1;
+    }
+    const int descriptor = __real_open(path, flags, permissions);
+    remember_path(descriptor, path);
+    return descriptor;
+}
+
+ssize_t __wrap_read(int descriptor, void *buffer, size_t size) {
+    const Fate fate = fate_of(kRead, path_of(descriptor));
+    return fails(kRead, fate) ? -1 : __real_read(descriptor, buffer, moved_size(size, fate));
+}
+
+ssize_t __wrap_write(int descriptor, const void *buffer, size_t size) {
+    const Fate fate = fate_of(kWrite, path_of(descriptor));
+    return fails(kWrite, fate) ? -1 : __real_write(descriptor, buffer, moved_size(size, fate));
+}
+
+// A descriptor is closed also when the call fails.
+int __wrap_close(int descriptor) {
+    const bool fault = fails(kClose, path_of(descriptor));
+    const int fault_error = errno;
+    const int result = __real_close(descriptor);
+    if (fault) {
+        errno = fault_error;
+    }
+    return fault ? -1 : result;
+}
+
+int __wrap_fstat(int descriptor, struct stat *status) {
+    return fails(kFstat, path_of(descriptor)) ? -1 : __real_fstat(descriptor, status);
+}
+
+int __wrap_stat(const char *path, struct stat *status) {
+    return fails(kStat, path) ? -1 : __real_stat(path, status);
+}
+
+int __wrap_lstat(const char *path, struct stat *status) {
+    return fails(kLstat, path) ? -1 : __real_lstat(path, status);
+}
+
+int __wrap_unlink(const char *path) { return fails(kUnlink, path) ? -1 : __real_unlink(path); }
+
+int __wrap_truncate(const char *path, off_t size) {
+    return fails(kTruncate, path) ? -1 : __real_truncate(path, size);
+}
+
+ssize_t __wrap_readlink(const char *path, char *buffer, size_t size) {
+    return fails(kReadlink, path) ? -1 : __real_readlink(path, buffer, size);
+}
+
+char *__wrap_getcwd(char *buffer, size_t size) {
+    return fails(kGetcwd, "") ? nullptr : __real_getcwd(buffer, size);
+}
+
+} // extern "C"
+// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+
+void *operator new(std::size_t size) { return allocate_or_throw(size); }
+void *operator new[](std::size_t size) { return allocate_or_throw(size); }
+void *operator new(std::size_t size, const std::nothrow_t & /*tag*/) noexcept {
+    return allocate(size);
+}
+void *operator new[](std::size_t size, const std::nothrow_t & /*tag*/) noexcept {
+    return allocate(size);
+}
+void operator delete(void *memory) noexcept { std::free(memory); }
+void operator delete[](void *memory) noexcept { std::free(memory); }
+void operator delete(void *memory, std::size_t /*size*/) noexcept { std::free(memory); }
+void operator delete[](void *memory, std::size_t /*size*/) noexcept { std::free(memory); }
+void operator delete(void *memory, const std::nothrow_t & /*tag*/) noexcept { std::free(memory); }
+void operator delete[](void *memory, const std::nothrow_t & /*tag*/) noexcept { std::free(memory); }
+
+int main(int argc, char **argv) {
+    read_settings();
+    // A run may end within as_main; what comes behind it is not part of the run.
+    (void)std::atexit([]() { active = false; });
+    active = true;
+    const int status = as_main(argc, argv);
+    active = false;
+    return status;
+}

@@ -1,0 +1,738 @@
+// Directives: their tables, the recognisers, the dispatcher with the numbers that no word has, and EQU,
+// ORG and END.
+#include "as/asPseudo.h"
+#include "as/asDiag.h"
+#include "as/asLine.h"
+#include "as/asList.h"
+#include "as/asListing.h"
+#include "as/asOptions.h"
+#include "as/asSource.h"
+#include "symtab/symtab.h"
+#include "target/emit.h"
+#include "tests/unit/support.h"
+
+#include <utility>
+#include <vector>
+
+namespace {
+
+using Words = std::vector<std::pair<std::string, std::uint32_t>>;
+
+Words rows(const DirectiveEntry *table) {
+    Words words;
+    for (; table->name != nullptr; ++table) {
+        EXPECT_EQ(table->reserved, 0) << table->name;
+        words.emplace_back(table->name, table->token);
+    }
+    EXPECT_EQ(table->token, 0U);
+    return words;
+}
+
+class Directives : public RunTest {
+  protected:
+    void SetUp() override {
+        RunTest::SetUp();
+        open_source_file("prog.szirpa", "");
+    }
+
+    static void begin_reports() {
+        enter_final_pass();
+        set_line_number(1);
+    }
+
+    static void set_line_number(int number) {
+        Line_no = number;
+        realline = number;
+    }
+
+    // Carries out a directive by its number on an operand.
+    static int directive(std::uint32_t token, const std::string &operand) {
+        begin_line(operand);
+        return do_directive(token);
+    }
+
+    // The directive at the start of a text, as the dispatcher sees it.
+    static int dispatch(const std::string &text) {
+        begin_line(text);
+        return PseudoOp();
+    }
+
+    // Column of the scan position.
+    static long column() { return Col_Ptr - Line.begin(); }
+
+    // EQU with a label, or without one if the name is empty.
+    static int equ(const std::string &name, const std::string &operand, int set) {
+        begin_line(name + " EQU " + operand + "\n");
+        label = name.empty() ? 0 : 1;
+        Col_Ptr += name.size() + 5;
+        return DoEqu(set);
+    }
+
+    static int org(const std::string &operand, const std::string &name = "") {
+        begin_line(name + " ORG " + operand + "\n");
+        label = name.empty() ? 0 : 1;
+        Col_Ptr += name.size() + 5;
+        return DoOrg();
+    }
+
+    static int end(const std::string &operand) {
+        begin_line(" END " + operand + "\n");
+        Col_Ptr += 5;
+        return DoEnd();
+    }
+
+    // The number of a conditional word and the column where the scan went on.
+    static std::pair<std::uint32_t, long> conditional(const std::string &text) {
+        const char *position = text.c_str();
+        const auto token = static_cast<std::uint32_t>(is_conditional_macro_directive(position));
+        return {token, position - text.c_str()};
+    }
+
+    std::string error(const std::string &text) const { return report("Error", text); }
+    std::string warning(const std::string &text) const { return report("Warning", text); }
+
+    std::string report(const std::string &kind, const std::string &text) const {
+        return directory + "/prog.szirpa (" + std::to_string(Line_no) + ") " + kind + ": " + text +
+               "\n";
+    }
+};
+
+using Found = std::pair<std::uint32_t, long>;
+
+// ---- Tables -----------------------------------------------------------------------------------------
+
+TEST_F(Directives, TargetHasSixDirectives) {
+    EXPECT_EQ(rows(pseudo_zirpa),
+              (Words{{"org", 7}, {"equ", 8}, {"rmb", 16}, {"fcb", 11}, {"fcs", 20}, {"end", 10}}));
+}
+
+// Kept: the first word holds its "#", so the test of an expression is written with two.
+TEST_F(Directives, PureConditionalWordsBeginWithAHashedIf) {
+    EXPECT_EQ(rows(macro_pure), (Words{{"#if", 44},
+                                       {"else", 45},
+                                       {"endif", 46},
+                                       {"elif", 47},
+                                       {"define", 49},
+                                       {"error", 51},
+                                       {"ifdef", 48},
+                                       {"ifndef", 50}}));
+}
+
+TEST_F(Directives, NativeConditionalWordsAreDotted) {
+    EXPECT_EQ(rows(macro_native), (Words{{".if", 44},
+                                         {".else", 45},
+                                         {".endif", 46},
+                                         {".elseif", 47},
+                                         {".ifdef", 48},
+                                         {".ifndef", 50},
+                                         {".error", 51}}));
+}
+
+// ---- Recognisers ------------------------------------------------------------------------------------
+
+TEST_F(Directives, WordsMatchInAnyCaseUpToABlank) {
+    EXPECT_EQ(GetPseudoToken("org"), 7U);
+    EXPECT_EQ(GetPseudoToken("OrG 5"), 7U);
+    EXPECT_EQ(GetPseudoToken("EQU\t5"), 8U);
+    EXPECT_EQ(GetPseudoToken("Rmb\n"), 16U);
+    EXPECT_EQ(GetPseudoToken("fcb\x80"), 11U);
+    EXPECT_EQ(GetPseudoToken("FCS\r"), 20U);
+    EXPECT_EQ(GetPseudoToken("eNd"), 10U);
+}
+
+TEST_F(Directives, OtherWordsAreNoDirectives) {
+    for (const char *word : {"", " org", "or", "orgs", "org,", "org;x", "org:", "fdb", ".byte", "db",
+                             "set", "include", "#if", "else"}) {
+        EXPECT_EQ(GetPseudoToken(word), 0U) << word;
+    }
+}
+
+TEST_F(Directives, CaseOfSymbolsDoesNotConcernDirectives) {
+    O_symbol_case_sensitive = 0;
+    EXPECT_EQ(GetPseudoToken("OrG 5"), 7U);
+    O_symbol_case_sensitive = 1;
+    EXPECT_EQ(GetPseudoToken("OrG 5"), 7U);
+}
+
+TEST_F(Directives, EquIsRecognisedWithTheBlanksBehindIt) {
+    begin_line("EqU \t 5\n");
+    EXPECT_EQ(isPseudoEqu(), 1);
+    EXPECT_EQ(column(), 6);
+}
+
+TEST_F(Directives, OtherWordIsTakenWhenEquIsLookedFor) {
+    begin_line("org  5\n");
+    EXPECT_EQ(isPseudoEqu(), 0);
+    EXPECT_EQ(column(), 5);
+    begin_line("nop\n");
+    EXPECT_EQ(isPseudoEqu(), 0);
+}
+
+TEST_F(Directives, ConditionalWordIsTakenUpToItsEnd) {
+    EXPECT_EQ(conditional("#ifdef X"), (Found{48, 6}));
+    EXPECT_EQ(conditional("#ifndef\tX"), (Found{50, 7}));
+    EXPECT_EQ(conditional("#elif X"), (Found{47, 5}));
+    EXPECT_EQ(conditional("#else"), (Found{45, 5}));
+    EXPECT_EQ(conditional("#endif\n"), (Found{46, 6}));
+    EXPECT_EQ(conditional("#define X 1"), (Found{49, 7}));
+    EXPECT_EQ(conditional("#error x"), (Found{51, 6}));
+    EXPECT_EQ(conditional("# \t ELSE x"), (Found{45, 8}));
+    EXPECT_EQ(conditional("#EndIf\x80"), (Found{46, 6}));
+}
+
+TEST_F(Directives, TestOfAnExpressionNeedsTwoHashes) {
+    EXPECT_EQ(conditional("##if 1"), (Found{44, 4}));
+    EXPECT_EQ(conditional("# #IF 1"), (Found{44, 5}));
+    EXPECT_EQ(conditional("#  \t#if"), (Found{44, 7}));
+    EXPECT_EQ(conditional("#if 1"), (Found{0, 0}));
+    EXPECT_EQ(conditional("###if 1"), (Found{0, 0}));
+    EXPECT_EQ(conditional("# # if 1"), (Found{0, 0}));
+}
+
+TEST_F(Directives, WhatIsNoConditionalWordIsNotMovedPast) {
+    for (const char *text : {"", "#", "# ", "else", "#else;x", "#elses", "#elseif X", "#els", "nop",
+                             ".if 1", "..if 1", "##else", "#undef X"}) {
+        EXPECT_EQ(conditional(text), (Found{0, 0})) << text;
+    }
+}
+
+TEST_F(Directives, NothingIsConditionalWithoutThePureStyle) {
+    O_directive_style_pure = 0;
+    for (const char *text : {"##if 1", "#else", "#endif", "#ifdef X", "#.if 1", ".if 1"}) {
+        EXPECT_EQ(conditional(text), (Found{0, 0})) << text;
+    }
+}
+
+TEST_F(Directives, NativeStyleHasDottedWords) {
+    O_directive_style_native = 1;
+    EXPECT_EQ(conditional(".if 1"), (Found{44, 3}));
+    EXPECT_EQ(conditional(".ELSE\n"), (Found{45, 5}));
+    EXPECT_EQ(conditional(".endif"), (Found{46, 6}));
+    EXPECT_EQ(conditional(".elseif X"), (Found{47, 7}));
+    EXPECT_EQ(conditional(".ifdef X"), (Found{48, 6}));
+    EXPECT_EQ(conditional(".ifndef X"), (Found{50, 7}));
+    EXPECT_EQ(conditional(".error"), (Found{51, 6}));
+    for (const char *text : {".define X", ".elif X", ". if 1", "..if 1", "if 1", ".if,"}) {
+        EXPECT_EQ(conditional(text), (Found{0, 0})) << text;
+    }
+    EXPECT_EQ(conditional("#ifdef X"), (Found{48, 6}));
+}
+
+// Kept: a hash that begins no pure word is skipped for the styles that follow.
+TEST_F(Directives, HashIsSkippedForTheNativeStyleUnderThePureStyleOnly) {
+    O_directive_style_native = 1;
+    EXPECT_EQ(conditional("# .if 1"), (Found{44, 5}));
+    O_directive_style_pure = 0;
+    EXPECT_EQ(conditional("# .if 1"), (Found{0, 0}));
+    EXPECT_EQ(conditional(".if 1"), (Found{44, 3}));
+}
+
+// Kept: the dot is taken off ahead of the search for words that hold one themselves.
+TEST_F(Directives, GnuStyleNeedsASecondDot) {
+    O_directive_style_gnu = 1;
+    EXPECT_EQ(conditional("..if 1"), (Found{44, 4}));
+    EXPECT_EQ(conditional(". \t.ENDIF"), (Found{46, 9}));
+    EXPECT_EQ(conditional("..elseif X"), (Found{47, 8}));
+    EXPECT_EQ(conditional(".if 1"), (Found{0, 0}));
+    EXPECT_EQ(conditional("...if 1"), (Found{0, 0}));
+    EXPECT_EQ(conditional("if 1"), (Found{0, 0}));
+    EXPECT_EQ(conditional("#..if 1"), (Found{44, 5}));
+}
+
+TEST_F(Directives, StylesAreIndependent) {
+    O_directive_style_pure = 0;
+    O_directive_style_gnu = 1;
+    EXPECT_EQ(conditional("..if 1"), (Found{44, 4}));
+    EXPECT_EQ(conditional("#..if 1"), (Found{0, 0}));
+    O_directive_style_native = 1;
+    EXPECT_EQ(conditional(".if 1"), (Found{44, 3}));
+    EXPECT_EQ(conditional("..if 1"), (Found{44, 4}));
+}
+
+// ---- Dispatch ---------------------------------------------------------------------------------------
+
+TEST_F(Directives, EveryWordHasItsResult) {
+    EXPECT_EQ(dispatch("org 5\n"), 2);
+    EXPECT_EQ(dispatch("rmb 5\n"), -1);
+    EXPECT_EQ(dispatch("fcb 5\n"), 1);
+    EXPECT_EQ(dispatch("fcs \"A\"\n"), 1);
+    EXPECT_EQ(LC, 12U);
+    EXPECT_EQ(dispatch("end\n"), 1);
+    EXPECT_EQ(endflag, 1);
+    EXPECT_EQ(dispatch("equ 5\n"), -1);
+    enter_final_pass();
+    EXPECT_EQ(dispatch("fcs \"A\"\n"), 2);
+}
+
+TEST_F(Directives, DirectiveBeginsAtItsOperand) {
+    EXPECT_EQ(dispatch("ORG\t \v 5\n"), 2);
+    EXPECT_EQ(LC, 5U);
+}
+
+TEST_F(Directives, WhatIsNoDirectiveIsLeftToTheInstructions) {
+    for (const char *text : {"nop\n", "fdb 1\n", "org,5\n", "include x\n", "", "\n"}) {
+        EXPECT_EQ(dispatch(text), 0) << text;
+        EXPECT_EQ(column(), 0) << text;
+        EXPECT_EQ(Line_Done, 0) << text;
+    }
+}
+
+TEST_F(Directives, LongWordIsNoDirectiveAndIsLeftWhole) {
+    for (const std::size_t size : {62U, 63U, 64U, 200U}) {
+        EXPECT_EQ(dispatch(std::string(size, 'o') + " 5\n"), 0);
+        EXPECT_EQ(column(), 0);
+    }
+}
+
+TEST_F(Directives, IncludeOpensTheFileForTheNextLine) {
+    write_file("part.szirpa", "p1\n");
+    SetLastLabel("DATA", 1);
+    newuse = 0;
+    begin_line("part.szirpa ; note\n");
+    pending_listLC = 1;
+    EXPECT_EQ(do_directive(2), 2);
+    EXPECT_EQ(pending_listLC, 0);
+    EXPECT_EQ(last_seen_label, "");
+    EXPECT_EQ(newuse, 1);
+    EXPECT_EQ(getCurrentFileInfo(-1)->name, "part.szirpa");
+    ASSERT_EQ(as_read_line(), 1);
+    EXPECT_EQ(Line.view(), "p1\n");
+}
+
+TEST_F(Directives, IncludeTakesAQuotedNameWithBlanks) {
+    write_file("my file;1", "p1\n");
+    EXPECT_EQ(directive(2, "\"my file;1\" ; note\n"), 2);
+    EXPECT_EQ(getCurrentFileInfo(-1)->name, "my file;1");
+}
+
+TEST_F(Directives, IncludeEndsAnUnquotedNameAtASemicolon) {
+    write_file("part", "p1\n");
+    EXPECT_EQ(directive(2, "part;x\n"), 2);
+    EXPECT_EQ(getCurrentFileInfo(-1)->name, "part");
+}
+
+TEST_F(Directives, IncludeOfAMissingFileEndsTheRun) {
+    Line_no = 4;
+    EXPECT_EQ(end_status([] { directive(2, "lost.szirpa\n"); }), 1);
+    EXPECT_EQ(take_output(),
+              directory + "/prog.szirpa (4)Fatal error: File 'lost.szirpa' not found\n");
+    EXPECT_EQ(end_status([] { directive(2, "; note\n"); }), 1);
+    EXPECT_EQ(take_output(), directory + "/prog.szirpa (4)Fatal error: File '' not found\n");
+}
+
+TEST_F(Directives, IncludeOfARecursiveFileIsIgnored) {
+    EXPECT_EQ(directive(2, directory + "/prog.szirpa\n"), 2);
+    EXPECT_EQ(source_stack_ptr, 0);
+}
+
+TEST_F(Directives, OldListingWordsSwitchTheListingIfThereIsOne) {
+    begin_reports();
+    O_list = 1;
+    listing_on = 0;
+    EXPECT_EQ(directive(3, "\n"), 1);
+    EXPECT_EQ(listing_on, 1);
+    EXPECT_EQ(directive(5, "\n"), 1);
+    EXPECT_EQ(listing_on, 0);
+    O_list = 0;
+    EXPECT_EQ(directive(3, "\n"), 1);
+    EXPECT_EQ(listing_on, 0);
+    listing_on = 1;
+    EXPECT_EQ(directive(5, "\n"), 1);
+    EXPECT_EQ(listing_on, 1);
+    const std::string list =
+        warning("Old fashioned directive: 'LIST', use 'OPTION LIST' instead");
+    const std::string nolist =
+        warning("Old fashioned directive: 'NOLIST', use 'OPTION NOLIST' instead");
+    EXPECT_EQ(take_output(), list + nolist + list + nolist);
+    EXPECT_EQ(Line_Done, 0);
+}
+
+TEST_F(Directives, OldListingWordsSwitchTheListingOfSkippedLinesInAnyCase) {
+    begin_reports();
+    O_list = 0;
+    EXPECT_EQ(directive(4, "\n"), 1);
+    EXPECT_EQ(uncond_listing_on, 1);
+    EXPECT_EQ(take_output(),
+              warning("Old fashioned directive: 'LISTCOND', use 'OPTION LISTCOND' instead"));
+    EXPECT_EQ(directive(6, "\n"), 1);
+    EXPECT_EQ(uncond_listing_on, 0);
+    EXPECT_EQ(take_output(),
+              warning("Old fashioned directive: 'NOLISTCOND', use 'OPTION NOLISTCOND' instead"));
+}
+
+TEST_F(Directives, UnimplementedDirectivesForgetTheLabel) {
+    begin_reports();
+    for (const std::uint32_t token : {24U, 25U, 26U, 28U, 30U, 31U, 32U, 33U, 34U, 36U, 37U}) {
+        SetLastLabel("DATA", 1);
+        EXPECT_EQ(directive(token, "x\n"), -1) << token;
+        EXPECT_EQ(take_output(), warning("Unimplemented assembler directive, ignored")) << token;
+        EXPECT_EQ(last_seen_label, "") << token;
+        EXPECT_EQ(Line_Done, 0) << token;
+    }
+}
+
+TEST_F(Directives, OldImportAndExportWordsAreOldFashionedAndUnimplemented) {
+    begin_reports();
+    SetLastLabel("DATA", 1);
+    EXPECT_EQ(directive(27, "x\n"), -1);
+    EXPECT_EQ(take_output(),
+              warning("Old fashioned directive: 'DEFINE or XDEF', use 'EXPORT' instead") +
+                  warning("Unimplemented assembler directive, ignored"));
+    EXPECT_EQ(last_seen_label, "");
+    SetLastLabel("DATA", 1);
+    EXPECT_EQ(directive(29, "x\n"), -1);
+    EXPECT_EQ(take_output(),
+              warning("Old fashioned directive: 'EXTERN or XREF', use 'IMPORT' instead") +
+                  warning("Unimplemented assembler directive, ignored"));
+    EXPECT_EQ(last_seen_label, "");
+    EXPECT_EQ(Warnings, 4);
+}
+
+TEST_F(Directives, UnimplementedPageWordsKeepTheLabel) {
+    begin_reports();
+    for (const std::uint32_t token : {52U, 54U, 55U, 56U, 57U, 58U}) {
+        SetLastLabel("DATA", 1);
+        EXPECT_EQ(directive(token, "x\n"), -1) << token;
+        EXPECT_EQ(take_output(), warning("Unimplemented assembler directive, ignored")) << token;
+        EXPECT_EQ(last_seen_label, "DATA") << token;
+    }
+}
+
+TEST_F(Directives, OtherNumbersDoNothingSilently) {
+    begin_reports();
+    SetLastLabel("DATA", 1);
+    for (const std::uint32_t token : {1U, 22U, 23U, 35U, 38U, 40U, 41U, 43U, 59U, 1000U, 0xFFFFFFFFU}) {
+        EXPECT_EQ(directive(token, "1\n"), -1) << token;
+    }
+    EXPECT_EQ(take_output(), "");
+    EXPECT_EQ(last_seen_label, "DATA");
+    EXPECT_EQ(LC, 0U);
+}
+
+TEST_F(Directives, DirectPageIsAnExpressionOfOneByte) {
+    begin_reports();
+    EXPECT_EQ(directive(53, "$20+1 rest\n"), 2);
+    EXPECT_EQ(MC6809_anticipated_dp, 0x21U);
+    EXPECT_EQ(directive(53, "255\n"), 2);
+    EXPECT_EQ(MC6809_anticipated_dp, 255U);
+    EXPECT_EQ(take_output(), "");
+    EXPECT_EQ(directive(53, "256\n"), -1);
+    EXPECT_EQ(take_output(), error("DPR register is 8 bits"));
+    EXPECT_EQ(MC6809_anticipated_dp, 255U);
+}
+
+TEST_F(Directives, DirectPageNeedsABlankBehindIt) {
+    begin_reports();
+    EXPECT_EQ(directive(53, "7,8\n"), -1);
+    EXPECT_EQ(take_output(), error("Bad constant delimiter"));
+    EXPECT_EQ(directive(53, "999;\n"), -1);
+    EXPECT_EQ(take_output(), error("Bad constant delimiter"));
+    EXPECT_EQ(MC6809_anticipated_dp, 0U);
+}
+
+TEST_F(Directives, NewPassForgetsTheDirectPage) {
+    directive(53, "7\n");
+    pseudo_new_pass();
+    EXPECT_EQ(MC6809_anticipated_dp, 0U);
+}
+
+// ---- EQU --------------------------------------------------------------------------------------------
+
+TEST_F(Directives, EquNeedsALabel) {
+    begin_reports();
+    EXPECT_EQ(equ("", "5", 0), -1);
+    EXPECT_EQ(take_output(), error("No label for \"equ\""));
+    EXPECT_EQ(equ("", "5", 1), -1);
+    EXPECT_EQ(take_output(), error("No label for \"equ\""));
+}
+
+TEST_F(Directives, EquDefinesAnAbsoluteConstant) {
+    Pass = 0;
+    set_line_number(7);
+    EXPECT_EQ(equ("X", "$12345", 0), 2);
+    const Symbol *symbol = getsym("X");
+    ASSERT_NE(symbol, nullptr);
+    EXPECT_EQ(symbol->value, 0x12345);
+    EXPECT_EQ(symbol->flags, SYM_DEFINED | SYM_ABSOLUTE);
+    EXPECT_EQ(symbol->definition_line, 7);
+    EXPECT_EQ(symbol->element_count, -1);
+    ASSERT_NE(symbol->segment, nullptr);
+    EXPECT_EQ(symbol->segment->name, "abs");
+}
+
+TEST_F(Directives, EquListsTheLow16BitsBehindPassZero) {
+    Pass = 0;
+    equ("X", "$12345", 0);
+    EXPECT_EQ(code_i, 0U);
+    Pass = 1;
+    begin_line("");
+    EXPECT_EQ(equ("X", "$12345", 0), 2);
+    ASSERT_EQ(code_i, 2U);
+    EXPECT_EQ(Code[0], 0x23);
+    EXPECT_EQ(Code[1], 0x45);
+    EXPECT_EQ(pending_listLC, 0);
+    EXPECT_EQ(IsEqu, 1);
+    EXPECT_EQ(IsEquDirective, 1);
+}
+
+// Kept: every EQU of pass 0 bears the mark from pass 1 on; real duplicates differ in their line.
+TEST_F(Directives, EquMetAgainIsMarkedAndKeepsItsValueBeforeTheFinalPass) {
+    Pass = 0;
+    set_line_number(3);
+    equ("X", "5", 0);
+    Pass = 1;
+    set_line_number(4);
+    EXPECT_EQ(equ("X", "6", 0), 2);
+    EXPECT_EQ(getsym("X")->value, 5);
+    EXPECT_TRUE(getsym("X")->has(SYM_MULTIPLE));
+    EXPECT_EQ(getsym("X")->definition_line, 3);
+}
+
+TEST_F(Directives, EquOfAPlaceholderDefinesIt) {
+    set_line_number(3);
+    lookup("X");
+    set_line_number(9);
+    EXPECT_EQ(equ("X", "5", 0), 2);
+    EXPECT_EQ(getsym("X")->flags, SYM_DEFINED | SYM_ABSOLUTE);
+    EXPECT_EQ(getsym("X")->value, 5);
+    EXPECT_EQ(getsym("X")->definition_line, 9);
+}
+
+TEST_F(Directives, RedefinableSymbolIsCreatedAndSetAgainAndAgain) {
+    EXPECT_EQ(equ("X", "5", 1), 2);
+    ASSERT_NE(getsym("X"), nullptr);
+    EXPECT_EQ(getsym("X")->value, 5);
+    EXPECT_TRUE(getsym("X")->has(SYM_REDEFINABLE));
+    ASSERT_NE(getsym("X")->segment, nullptr);
+    EXPECT_EQ(getsym("X")->segment->name, "abs");
+    EXPECT_EQ(equ("X", "X+1", 1), 2);
+    EXPECT_EQ(getsym("X")->value, 6);
+    EXPECT_FALSE(getsym("X")->has(SYM_MULTIPLE));
+    EXPECT_EQ(code_i, 2U);
+    EXPECT_EQ(Code[1], 6);
+    EXPECT_EQ(IsEqu, 1);
+    EXPECT_EQ(IsEquDirective, 1);
+}
+
+TEST_F(Directives, RedefinableSymbolIsCreatedInPassZeroWithItsListedBytes) {
+    Pass = 0;
+    EXPECT_EQ(equ("X", "5", 1), 2);
+    EXPECT_EQ(getsym("X")->value, 5);
+    EXPECT_TRUE(getsym("X")->has(SYM_REDEFINABLE));
+    EXPECT_EQ(code_i, 2U);
+}
+
+TEST_F(Directives, PlaceholderBecomesRedefinable) {
+    lookup("X");
+    EXPECT_EQ(equ("X", "5", 1), 2);
+    EXPECT_EQ(getsym("X")->flags, SYM_DEFINED | SYM_ABSOLUTE | SYM_REDEFINABLE);
+    EXPECT_EQ(getsym("X")->value, 5);
+}
+
+TEST_F(Directives, EquOfARedefinableSymbolIsAnotherDefinition) {
+    equ("X", "5", 1);
+    EXPECT_EQ(equ("X", "6", 0), 2);
+    EXPECT_TRUE(getsym("X")->has(SYM_MULTIPLE));
+    EXPECT_EQ(getsym("X")->value, 5);
+}
+
+TEST_F(Directives, RedefinableFormOfAConstantIsAnotherDefinition) {
+    equ("X", "5", 0);
+    EXPECT_EQ(equ("X", "6", 1), 2);
+    EXPECT_TRUE(getsym("X")->has(SYM_MULTIPLE));
+    EXPECT_EQ(getsym("X")->value, 5);
+}
+
+TEST_F(Directives, RedefinableSymbolChangesInTheFinalPassWithoutAReport) {
+    set_line_number(1);
+    equ("X", "5", 1);
+    set_line_number(2);
+    equ("X", "6", 1);
+    begin_reports();
+    EXPECT_EQ(equ("X", "5", 1), 2);
+    EXPECT_EQ(getsym("X")->value, 5);
+    set_line_number(2);
+    EXPECT_EQ(equ("X", "6", 1), 2);
+    EXPECT_EQ(getsym("X")->value, 6);
+    EXPECT_EQ(take_output(), "");
+}
+
+TEST_F(Directives, EquOnAnotherLineIsReportedInTheFinalPass) {
+    Pass = 0;
+    set_line_number(1);
+    equ("X", "5", 0);
+    Pass = 1;
+    equ("X", "5", 0);
+    set_line_number(3);
+    equ("X", "6", 0);
+    begin_reports();
+    EXPECT_EQ(equ("X", "5", 0), 2);
+    EXPECT_EQ(take_output(), "");
+    set_line_number(3);
+    EXPECT_EQ(equ("X", "6", 0), 2);
+    EXPECT_EQ(take_output(), error("symbol 'X' previously defined at line 1") +
+                                 error("symbol 'X' redefined at line 3"));
+    EXPECT_EQ(getsym("X")->value, 6);
+}
+
+TEST_F(Directives, EquOfTheSameValueOnAnotherLineIsOneError) {
+    Pass = 0;
+    set_line_number(1);
+    equ("X", "5", 0);
+    Pass = 1;
+    equ("X", "5", 0);
+    begin_reports();
+    set_line_number(3);
+    EXPECT_EQ(equ("X", "2+3", 0), 2);
+    EXPECT_EQ(take_output(), error("symbol 'X' previously defined at line 1"));
+}
+
+TEST_F(Directives, EquOfASymbolUsedBeforeDrawsAWarning) {
+    set_line_number(2);
+    refsym("X");
+    set_line_number(5);
+    equ("X", "5", 0);
+    begin_reports();
+    set_line_number(5);
+    EXPECT_EQ(equ("X", "5", 0), 2);
+    EXPECT_EQ(take_output(), warning("symbol 'X' is forward referenced from line 2"));
+}
+
+// ---- ORG --------------------------------------------------------------------------------------------
+
+TEST_F(Directives, OriginMovesTheLocationCounterAndForgetsTheLabel) {
+    SetLastLabel("DATA", 1);
+    EXPECT_EQ(org("$20+1"), 2);
+    EXPECT_EQ(LC, 0x21U);
+    EXPECT_EQ(listLC, 0x21U);
+    EXPECT_EQ(last_seen_label, "");
+    EXPECT_EQ(IsEqu, 0);
+}
+
+TEST_F(Directives, FirstOriginOfTheRunIsTheDefaultEntry) {
+    EXPECT_EQ(default_entry_seen, 0);
+    org("$20");
+    org("$30");
+    pseudo_new_pass();
+    org("$40");
+    EXPECT_EQ(default_entry_seen, 1);
+    EXPECT_EQ(defaultentryLC, 0x20U);
+    pseudo_new_run();
+    EXPECT_EQ(default_entry_seen, 0);
+}
+
+TEST_F(Directives, LabelOfAnOriginTakesTheNewAddress) {
+    LC = 1;
+    EXPECT_EQ(org("$20", "HERE"), 2);
+    ASSERT_NE(getsym("HERE"), nullptr);
+    EXPECT_EQ(getsym("HERE")->value, 0x20);
+    EXPECT_EQ(last_seen_label, "HERE");
+    EXPECT_EQ(last_seen_label_value, 0x20U);
+    EXPECT_EQ(IsEqu, 1);
+}
+
+TEST_F(Directives, OriginOfAForwardReferenceIsRefused) {
+    SetLastLabel("DATA", 1);
+    LC = 3;
+    EXPECT_EQ(org("later", "HERE"), -1);
+    EXPECT_EQ(LC, 3U);
+    EXPECT_EQ(default_entry_seen, 0);
+    EXPECT_EQ(IsEqu, 0);
+    EXPECT_EQ(last_seen_label, "");
+    EXPECT_EQ(Line_Done, 1);
+}
+
+TEST_F(Directives, OriginOfANameDefinedFurtherDownIsAForwardReference) {
+    set_line_number(9);
+    defsym("later", 5, 1);
+    begin_reports();
+    EXPECT_EQ(org("later"), -1);
+    EXPECT_EQ(take_output(), error("Forward reference"));
+    EXPECT_EQ(LC, 0U);
+}
+
+TEST_F(Directives, FaultyOriginLeavesTheLocationCounter) {
+    LC = 3;
+    EXPECT_EQ(org("1+"), -1);
+    EXPECT_EQ(LC, 3U);
+    EXPECT_EQ(default_entry_seen, 0);
+}
+
+// ---- END --------------------------------------------------------------------------------------------
+
+TEST_F(Directives, EndBeforeTheFinalPassReadsNoOperand) {
+    putsym("main", 0x20, 1, SYM_DEFINED, 0, nullptr, 0);
+    EXPECT_EQ(end("main"), 1);
+    EXPECT_EQ(endflag, 1);
+    EXPECT_EQ(entry_is_defined, 0);
+    endflag = 0;
+    EXPECT_EQ(end("+"), 1);
+    EXPECT_EQ(endflag, 1);
+}
+
+TEST_F(Directives, EndNamesTheEntry) {
+    putsym("main", -2, 1, SYM_DEFINED, 0, nullptr, 0);
+    begin_reports();
+    EXPECT_EQ(end("main+7"), 1);
+    EXPECT_EQ(endflag, 1);
+    EXPECT_EQ(entry_is_defined, 1);
+    EXPECT_EQ(entryLC, -2);
+    EXPECT_EQ(take_output(), "");
+}
+
+TEST_F(Directives, EndWithoutAnOperandNamesNone) {
+    begin_reports();
+    EXPECT_EQ(end(""), 1);
+    EXPECT_EQ(endflag, 1);
+    EXPECT_EQ(entry_is_defined, 0);
+    EXPECT_EQ(take_output(), "");
+}
+
+// Kept: an operand that is no name lets reading go on, in the final pass alone.
+TEST_F(Directives, EndWithAnOperandThatIsNoNameDoesNotEndTheFinalPass) {
+    begin_reports();
+    EXPECT_EQ(end("+main"), 1);
+    EXPECT_EQ(endflag, 0);
+    EXPECT_EQ(take_output(), "");
+}
+
+TEST_F(Directives, SecondEndOfAnotherValueIsIgnored) {
+    putsym("main", 0x20, 1, SYM_DEFINED, 0, nullptr, 0);
+    putsym("same", 0x20, 1, SYM_DEFINED, 0, nullptr, 0);
+    putsym("other", 0x30, 1, SYM_DEFINED, 0, nullptr, 0);
+    begin_reports();
+    end("main");
+    endflag = 0;
+    EXPECT_EQ(end("same"), 1);
+    EXPECT_EQ(take_output(), "");
+    EXPECT_EQ(end("other"), 1);
+    EXPECT_EQ(take_output(), warning("Program entry defined, END <address> ignored"));
+    EXPECT_EQ(entryLC, 0x20);
+    EXPECT_EQ(endflag, 1);
+}
+
+TEST_F(Directives, EndOfAnUndefinedNameDrawsAWarning) {
+    lookup("later");
+    begin_reports();
+    EXPECT_EQ(end("later"), 1);
+    EXPECT_EQ(take_output(), warning("start symbol 'later' is defined"));
+    EXPECT_EQ(endflag, 1);
+    endflag = 0;
+    EXPECT_EQ(end("5nosuch_.x"), 1);
+    EXPECT_EQ(take_output(), warning("start symbol '5nosuch_' is defined"));
+    EXPECT_EQ(endflag, 1);
+    EXPECT_EQ(entry_is_defined, 0);
+    EXPECT_EQ(getsym("5nosuch_"), nullptr);
+}
+
+TEST_F(Directives, EntryLastsForTheRun) {
+    putsym("main", 0x20, 1, SYM_DEFINED, 0, nullptr, 0);
+    begin_reports();
+    end("main");
+    pseudo_new_pass();
+    EXPECT_EQ(entry_is_defined, 1);
+    pseudo_new_run();
+    EXPECT_EQ(entry_is_defined, 0);
+}
+
+} // namespace
