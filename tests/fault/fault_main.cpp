@@ -216,6 +216,14 @@ void read_settings() {
     }
 }
 
+int count_open_descriptors() {
+    int count = 0;
+    for (int descriptor = 0; descriptor < static_cast<int>(kMostDescriptors); ++descriptor) {
+        count += fcntl(descriptor, F_GETFD) >= 0 ? 1 : 0;
+    }
+    return count;
+}
+
 } // namespace
 
 // NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
@@ -304,8 +312,13 @@ int main(int argc, char **argv) {
     read_settings();
     // A run may end within as_main; what comes behind it is not part of the run.
     (void)std::atexit([]() { active = false; });
+    const int descriptors = count_open_descriptors();
     active = true;
     const int status = as_main(argc, argv);
     active = false;
+    if (count_open_descriptors() != descriptors) {
+        constexpr std::string_view kComplaint = "a descriptor is left open\n";
+        (void)__real_write(STDERR_FILENO, kComplaint.data(), kComplaint.size());
+    }
     return status;
 }

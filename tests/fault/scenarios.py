@@ -121,11 +121,13 @@ SCENARIOS = [
     # Command lines.
     golden("command_line/no_arguments_print_usage"),
     golden("command_line/options_without_source_end_silently"),
+    golden("command_line/compatibility_option_without_argument_is_unknown"),
     golden("command_line/unknown_options_are_named_whole"),
     golden("command_line/missing_source_cannot_be_opened"),
     golden("command_line/directory_as_source_cannot_be_opened"),
     golden("command_line/defined_symbols_are_zero"),
     golden("source/first_matching_include_directory_wins"),
+    golden("source/working_directory_comes_before_include_directories"),
     golden("source/include_directory_is_probed_with_a_backslash_and_opened_with_a_slash"),
     # Sources.
     golden("source/empty_file_lists_the_header_alone"),
@@ -140,7 +142,7 @@ SCENARIOS = [
     golden("command_line/source_named_as_its_listing_is_kept"),
     golden("command_line/source_named_as_its_c_array_is_kept"),
     golden("command_line/s_record_file_and_listing_in_one_name_are_refused"),
-    made("link_to_the_source", b" FCB 1\n", b"-oout.s19", links={"prog.s19": "prog.szirpa"}),
+    made("link_to_the_source", b" FCB 1\n", links={"prog.s19": "prog.szirpa"}),
     made("dangling_links_that_meet", b" FCB 1\n", b"-L", links={"prog.s19": "prog.lst"}),
     made("dangling_link", b" FCB 1\n", b"-L", links={"prog.s19": "other.s19"}),
     # More than a buffer, a block of symbols or the whole table holds.

@@ -335,8 +335,8 @@ TEST_F(Data, LabelThatIsNotInTheTableFailsToRegisterButTheDataStand) {
 TEST_F(Data, LabelOfTheLineIsDefinedAheadOfTheData) {
     LC = 0x20;
     begin_line("NEW: FCB 1,2\n");
-    label = 1;
-    Col_Ptr += 9;
+    label = IsLabel();
+    Col_Ptr += 5;
     EXPECT_EQ(do_define_data(), 1);
     ASSERT_NE(getsym("NEW"), nullptr);
     EXPECT_EQ(getsym("NEW")->value, 0x20);
@@ -352,8 +352,8 @@ TEST_F(Data, LabelOfTheLineRestartsTheRegistration) {
     begin_final_pass();
     define_data("1,2\n");
     begin_line("NEW FCS \"ABC\"\n");
-    label = 1;
-    Col_Ptr += 8;
+    label = IsLabel();
+    Col_Ptr += 5;
     LC = 0;
     EXPECT_EQ(do_define_characters('"', 0), 2);
     EXPECT_EQ(getsym("NEW")->element_count, 3);
@@ -364,8 +364,8 @@ TEST_F(Data, LabelOfTheLineRestartsTheRegistration) {
 TEST_F(Data, LabelOfAFaultyLineIsDefinedAllTheSame) {
     LC = 4;
     begin_line("NEW RMB 0\n");
-    label = 1;
-    Col_Ptr += 8;
+    label = IsLabel();
+    Col_Ptr += 5;
     EXPECT_EQ(do_reserve_memory(1), -1);
     ASSERT_NE(getsym("NEW"), nullptr);
     EXPECT_EQ(getsym("NEW")->value, 4);
@@ -379,7 +379,7 @@ TEST_F(Data, LineWithoutALabelDefinesNone) {
     EXPECT_EQ(getsym("X"), nullptr);
     EXPECT_EQ(IsEqu, 0);
     EXPECT_EQ(last_seen_label, "DATA");
-    label = 1;
+    label = IsLabel();
     define_directive_label();
     EXPECT_NE(getsym("X"), nullptr);
     EXPECT_EQ(last_seen_label, "X");

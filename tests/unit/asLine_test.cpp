@@ -73,9 +73,10 @@ TEST_F(AssembledLine, LabelIsCutBehind128Characters) {
 
 TEST_F(AssembledLine, LabelsNameIsReadFromTheLine) {
     set_line("LOOP: NOP\n");
-    Col_Ptr += 6;
+    label = IsLabel();
     EXPECT_EQ(label_name(), "LOOP");
     set_line("a.b\n");
+    label = IsLabel();
     EXPECT_EQ(label_name(), "a.b");
 }
 

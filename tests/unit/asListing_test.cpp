@@ -103,7 +103,7 @@ TEST_F(Listing, TextWithoutALineFeedEndsAsItIs) {
 
 TEST_F(Listing, SixBytesFillTheLine) {
     begin(5);
-    EXPECT_EQ(list(), "05 01 02 03 04 05      7.  FCB 1\n");
+    EXPECT_EQ(list(), "05 01 02 03 04 05       7.  FCB 1\n");
     begin(6);
     EXPECT_EQ(list(), "05 01 02 03 04 05 06    7.  FCB 1\n");
 }

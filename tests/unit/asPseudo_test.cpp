@@ -63,15 +63,15 @@ class Directives : public RunTest {
     // EQU with a label, or without one if the name is empty.
     static int equ(const std::string &name, const std::string &operand, int set) {
         begin_line(name + " EQU " + operand + "\n");
-        label = name.empty() ? 0 : 1;
-        Col_Ptr += name.size() + 5;
+        label = IsLabel();
+        Col_Ptr += 5;
         return DoEqu(set);
     }
 
     static int org(const std::string &operand, const std::string &name = "") {
         begin_line(name + " ORG " + operand + "\n");
-        label = name.empty() ? 0 : 1;
-        Col_Ptr += name.size() + 5;
+        label = IsLabel();
+        Col_Ptr += 5;
         return DoOrg();
     }
 

@@ -638,7 +638,6 @@ TEST_F(Source, EveryLineBeginsWithItsStateReset) {
     code_i = 5;
     isinstruction = 1;
     ctoken = 9;
-    forwardref = 3;
     commadel = 1;
     Byte_Extension = 0;
     ASSERT_EQ(as_read_line(), 1);
@@ -651,9 +650,15 @@ TEST_F(Source, EveryLineBeginsWithItsStateReset) {
     EXPECT_EQ(code_i, 0U);
     EXPECT_EQ(isinstruction, 0);
     EXPECT_EQ(ctoken, 0);
-    EXPECT_EQ(forwardref, 0);
     EXPECT_EQ(commadel, 0);
     EXPECT_EQ(Byte_Extension, 1);
+}
+
+TEST_F(Source, EveryLineBeginsWithoutForwardReferences) {
+    open_source_file("main", "one\n");
+    forwardref = 3;
+    ASSERT_EQ(as_read_line(), 1);
+    EXPECT_EQ(forwardref, 0);
 }
 
 TEST_F(Source, EveryLineBeginsWithItsBytesCleared) {

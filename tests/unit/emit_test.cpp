@@ -279,8 +279,14 @@ TEST_F(Emission, OtherTypesKeepTheirNumberAndTakeTheAddressWidthOfTheDataRecords
     record_type = 3;
     EXPECT_EQ(record(0, 0x1234), "S00500001234B4\n");
     EXPECT_EQ(record_type, 3);
-    record_type = 0;
-    EXPECT_EQ(record(0, 0x1234), "S0031234B6\n");
+}
+
+TEST_F(Emission, OtherTypesHaveTwoAddressBytesForAnyOtherDataType) {
+    enter_final_pass();
+    for (const int type : {0, 4, -1}) {
+        record_type = type;
+        EXPECT_EQ(record(0, 0x1234), "S0031234B6\n") << type;
+    }
 }
 
 TEST_F(Emission, DataRecordsWithoutDataAreNotWritten) {
