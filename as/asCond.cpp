@@ -37,10 +37,13 @@ std::int32_t &satisfied() {
 
 // ---- The operand words of a line ----
 
+// NULs behind the copy, so that it may be read ahead as the line itself may be.
+constexpr std::size_t kLookAhead = 16;
+
 // A copy of the rest of the line, split at blanks. A word is followed by a NUL; behind the copy
 // there is room for a look ahead.
 struct OperandWords {
-    std::array<char, kConditionalTextLimit + 8> text{};
+    std::array<char, kConditionalTextLimit + kLookAhead> text{};
     int column = 0;         // of the copy's start in the line, 0-based
     char *first = nullptr;  // the name or expression; may be empty
     char *second = nullptr; // the value; may be empty
@@ -68,9 +71,10 @@ char *end_word(char *p) {
 }
 
 void read_words() {
-    words.text.fill('\0');
+    const std::size_t length = strnlen(Col_Ptr, kConditionalTextLimit);
+    std::memcpy(words.text.data(), Col_Ptr, length);
+    std::memset(&words.text[length], 0, kLookAhead);
     words.column = static_cast<int>(Col_Ptr - Line_Ptr);
-    std::strncpy(words.text.data(), Col_Ptr, kConditionalTextLimit);
     words.first = skip_blanks(words.text.data());
     words.second = end_word(words.first);
     end_word(words.second);

@@ -36,6 +36,12 @@ void append(std::initializer_list<std::string_view> parts) {
     }
 }
 
+// Writes a mark and a field's text; returns the position behind them.
+char *put_field(char *text, char mark, std::string_view field) {
+    *text++ = mark;
+    return std::copy(field.begin(), field.end(), text);
+}
+
 std::string_view current_file() { return getCurrentFileInfo(-1)->name; }
 
 std::string_view current_segment() {
@@ -184,12 +190,15 @@ void process_symbol() {
 } // namespace
 
 void asm_write_sd_exec(int line, std::int32_t count, std::uint32_t address) {
-    NumberText line_text;
-    NumberText count_text;
-    NumberText address_text;
-    append({"SY:C:X:", current_file(), ":", decimal_text(line_text, line), ":",
-            decimal_text(count_text, count), ":", current_segment(), ":",
-            hex_text(address_text, address, 1), "\n"});
+    NumberText number;
+    // Behind the file's name: line, count, segment and address, each with its mark.
+    std::array<char, 4 * NumberText().size() + kSegmentNameLimit> fields{};
+    char *end = put_field(fields.data(), ':', decimal_text(number, line));
+    end = put_field(end, ':', decimal_text(number, count));
+    end = put_field(end, ':', current_segment());
+    end = put_field(end, ':', hex_text(number, address, 1));
+    *end++ = '\n';
+    append({"SY:C:X:", current_file(), std::string_view(fields.data(), end)});
 }
 
 void ProcessStab() {

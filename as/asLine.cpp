@@ -13,6 +13,7 @@
 #include "target/scan.h"
 #include "util/text.h"
 
+#include <bit>
 #include <cstring>
 
 int label = 0;
@@ -36,9 +37,29 @@ void done_without_address() {
     pending_listLC = 0;
 }
 
-// Carries out a conditional word, on every line, also while lines are skipped.
-void conditional_word() {
-    const char *p = skipblanc(Line_Ptr);
+// The first character that is no blank or tab. Blanks are counted eight at a time, which the NULs
+// behind the line's text allow.
+const char *skip_blanks_and_tabs(const char *p) {
+    static_assert(std::endian::native == std::endian::little);
+    constexpr std::uint64_t kEightBlanks = 0x2020202020202020U;
+    std::uint64_t others = 0;
+    do {
+        std::memcpy(&others, p, sizeof others);
+        others ^= kEightBlanks;
+        p += std::countr_zero(others) / 8;
+    } while (others == 0);
+    while (*p == ' ' || *p == '\t') {
+        ++p;
+    }
+    return p;
+}
+
+bool is_line_text_end(char ch) { return ch == '\n' || ch == '\0'; }
+
+// Carries out a conditional word, on every line, also while lines are skipped. The word stands
+// behind any characters that count as blanks; field is the line's first behind blanks and tabs.
+void conditional_word(const char *field) {
+    const char *p = skipblanc(field);
     const int token = is_conditional_macro_directive(p);
     if (token != 0) {
         Col_Ptr = p;
@@ -71,9 +92,11 @@ bool debugger_line(int pass) {
     return skip_debugger_line();
 }
 
-void label_field() {
-    if (isblanc(*Col_Ptr)) {
-        SkipSpace();
+// The label field, or the blanks in its place up to the operation at field.
+void label_field(const char *field) {
+    if (isblanc(*Line_Ptr)) {
+        Col_Ptr = field;
+        Line_Done = is_line_text_end(*field) ? 1 : Line_Done;
     } else if (IsLabel() != 0) {
         label = 1;
     } else {
@@ -84,9 +107,13 @@ void label_field() {
 
 // The fields ahead of the operation. False when the source ended within a debugger line.
 bool leading_fields(int pass) {
-    conditional_word();
-    if (is_true_level() == 0 || *Line_Ptr == '\n' || *Line_Ptr == '\0' ||
-        IsCommentChar(*Line_Ptr) != 0) {
+    if (is_line_text_end(*Line_Ptr) || IsCommentChar(*Line_Ptr) != 0) {
+        done_without_address();
+        return true;
+    }
+    const char *field = skip_blanks_and_tabs(Line_Ptr);
+    conditional_word(field);
+    if (is_true_level() == 0) {
         done_without_address();
         return true;
     }
@@ -96,7 +123,7 @@ bool leading_fields(int pass) {
     if (pass != 0 && is_debugger_line()) {
         return debugger_line(pass);
     }
-    label_field();
+    label_field(field);
     return true;
 }
 
@@ -134,11 +161,7 @@ void assaline(int pass) {
     if (!leading_fields(pass)) {
         return;
     }
-    if (pass == 0 && Line_Done != 0) {
-        return;
-    }
-    const bool is_comment = SkipSpace() != nullptr && IsCommentChar(*Col_Ptr) != 0;
-    if (is_comment) {
+    if (Line_Done == 0 && SkipSpace() != nullptr && IsCommentChar(*Col_Ptr) != 0) {
         Line_Done = 1;
     }
     if (pass == 0) {
@@ -146,6 +169,9 @@ void assaline(int pass) {
         return;
     }
     listLC = LC;
+    if (Line_Done != 0 && label == 0) {
+        return;
+    }
     if (Line_Done == 0) {
         operation_field();
     }
@@ -185,10 +211,8 @@ int Skip_Delimiter() {
 }
 
 const char *SkipSpace() {
-    while (*Col_Ptr == ' ' || *Col_Ptr == '\t') {
-        ++Col_Ptr;
-    }
-    if (*Col_Ptr == '\n' || *Col_Ptr == '\0') {
+    Col_Ptr = skip_blanks_and_tabs(Col_Ptr);
+    if (is_line_text_end(*Col_Ptr)) {
         Line_Done = 1;
         return nullptr;
     }

@@ -55,9 +55,15 @@ void put_columns(std::size_t first) {
 }
 
 void put_number_and_text() {
-    listfile.put(' ');
-    listfile.put_decimal(listline, kLineNumberWidth);
-    listfile.put(". ");
+    NumberText number;
+    const std::string_view digits = decimal_text(number, listline);
+    // A blank, the number with blanks ahead up to its width, a point and a blank.
+    std::array<char, NumberText().size() + 3> text{};
+    text.fill(' ');
+    const std::size_t width = std::max<std::size_t>(digits.size(), kLineNumberWidth);
+    std::copy(digits.begin(), digits.end(), &text[1 + width - digits.size()]);
+    text[1 + width] = '.';
+    listfile.put(std::string_view(text.data(), width + 3));
     listfile.put(Line.view());
 }
 

@@ -86,6 +86,9 @@ std::uint32_t directive_at_scan_position() {
     return token;
 }
 
+// The length of every word of pseudo_zirpa, in characters.
+constexpr std::size_t kDirectiveLength = 3;
+
 // A conditional word of a table at p: its number, with position behind it, or 0.
 int find_conditional(const DirectiveEntry *table, const char *p, const char *&position) {
     const std::uint32_t token = find_directive(table, p);
@@ -239,7 +242,15 @@ Symbol *equate(std::string_view name, int set) {
 
 } // namespace
 
-std::uint32_t GetPseudoToken(const char *word) { return find_directive(pseudo_zirpa, word); }
+// Most words are instructions: only those of the directives' length are looked up.
+std::uint32_t GetPseudoToken(const char *word) {
+    for (std::size_t i = 0; i < kDirectiveLength; ++i) {
+        if (isblanc(word[i])) {
+            return DIR_NONE;
+        }
+    }
+    return isblanc(word[kDirectiveLength]) ? find_directive(pseudo_zirpa, word) : DIR_NONE;
+}
 
 int PseudoOp() {
     const std::uint32_t token = directive_at_scan_position();

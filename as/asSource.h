@@ -49,7 +49,7 @@ class LineBuffer {
     std::string_view view() const { return {text_.data(), length_}; }
 
   private:
-    static constexpr std::size_t kGuard = 8;
+    static constexpr std::size_t kGuard = 16;
 
     void terminate(std::size_t length) {
         length_ = length;

@@ -58,13 +58,13 @@ void rewind_tokens() {
 
 // The next token of the evaluation: a checked one, or behind those a fresh one (the check ends at
 // "<" and ">", the evaluation does not).
-CheckedToken next_token() {
+const CheckedToken &next_token() {
     if (next_checked < checked_count) {
         const CheckedToken &entry = checked_tokens[next_checked++];
         Col_Ptr = entry.end;
         return entry;
     }
-    CheckedToken entry{};
+    static CheckedToken entry;
     entry.begin = Col_Ptr;
     entry.token = gettoken(kExpressionMode);
     entry.number = yyval;
@@ -238,7 +238,7 @@ std::int64_t end_step(const Step &step, const CheckedToken &token) {
 // for a nested step, the token for which is pending.
 bool run_step(Step &step, OperandRecord *operand, std::int64_t &result) {
     do {
-        const CheckedToken token = next_token();
+        const CheckedToken &token = next_token();
         switch (token.token) {
         case TOK_NUMBER:
         case TOK_NAME:

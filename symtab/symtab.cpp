@@ -71,19 +71,36 @@ std::size_t chain_of(std::string_view name) {
     return sum % kSymbolChains;
 }
 
-// Eight bytes of the name at a time.
-std::uint32_t index_hash(std::string_view name) {
+// Eight bytes of the name.
+std::uint64_t piece_at(const char *text) {
+    std::uint64_t piece = 0;
+    std::memcpy(&piece, text, sizeof piece);
+    return piece;
+}
+
+std::uint64_t mix(std::uint64_t hash, std::uint64_t piece) {
     constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15U;
+    hash = (hash ^ piece) * kMultiplier;
+    return hash ^ hash >> 32U;
+}
+
+// Takes eight bytes of the name at a time, the last eight overlapping those before them.
+std::uint32_t index_hash(std::string_view name) {
+    constexpr std::size_t kPiece = sizeof(std::uint64_t);
     std::uint64_t hash = name.size();
-    while (!name.empty()) {
+    const char *text = name.data();
+    const char *end = text + name.size();
+    if (name.size() < kPiece) {
         std::uint64_t piece = 0;
-        const std::size_t size = std::min(name.size(), sizeof piece);
-        std::memcpy(&piece, name.data(), size);
-        hash = (hash ^ piece) * kMultiplier;
-        hash ^= hash >> 32U;
-        name.remove_prefix(size);
+        for (; text != end; ++text) {
+            piece = piece << 8U | static_cast<unsigned char>(*text);
+        }
+        return static_cast<std::uint32_t>(mix(hash, piece));
     }
-    return static_cast<std::uint32_t>(hash);
+    for (; end - text > static_cast<std::ptrdiff_t>(kPiece); text += kPiece) {
+        hash = mix(hash, piece_at(text));
+    }
+    return static_cast<std::uint32_t>(mix(hash, piece_at(end - kPiece)));
 }
 
 // The record whose stored name is exactly this one, or none.

@@ -6,6 +6,8 @@
 #include "target/scan.h"
 #include "util/text.h"
 
+#include <algorithm>
+
 OperandRecord opnd1;
 OperandRecord opnd2;
 int commadel = 0;
@@ -61,7 +63,13 @@ std::uint64_t accumulator_mode() {
 
 } // namespace
 
-void ClearOp(OperandRecord &operand) { operand = OperandRecord{}; }
+// The list of symbols is long and mostly unused: only what was noted is cleared there.
+void ClearOp(OperandRecord &operand) {
+    const std::int32_t noted =
+        std::min(operand.symbol_count, static_cast<std::int32_t>(kOperandSymbolLimit));
+    std::fill_n(operand.symbols.begin(), noted, nullptr);
+    static_cast<OperandResult &>(operand) = {};
+}
 
 int Parse_Operand(OperandRecord &operand) {
     ClearOp(operand);

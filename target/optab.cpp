@@ -168,18 +168,15 @@ std::size_t letter_index(char ch) {
     return upper >= 'A' && upper < 'Z' ? static_cast<std::size_t>(upper - 'A') : kLetters;
 }
 
-// True when the word behind the first letter is the tail; end is then behind the word.
-bool matches(const char *tail, const char *word, const char *&end) {
-    while (*tail != '\0') {
+// True when the word of that length behind the first letter is the tail, in either case.
+bool matches(const char *tail, const char *word, std::size_t length) {
+    for (std::size_t i = 0; i < length; ++i) {
         // The tail is of lower-case letters, so this is equality in either case.
-        if ((*word | 0x20) != *tail) {
+        if ((word[i] | 0x20) != tail[i]) {
             return false;
         }
-        ++tail;
-        ++word;
     }
-    end = word;
-    return isblanc(*word);
+    return tail[length] == '\0';
 }
 
 } // namespace
@@ -202,13 +199,13 @@ int ZIRPA_getmnem(MnemonicRecord *record) {
     if (letter == kLetters) {
         return 0;
     }
+    const auto length = static_cast<std::size_t>(skipnonblanc(Col_Ptr) - Col_Ptr);
     for (const InstructionEntry *entry = optab[letter]; entry->tail != nullptr; ++entry) {
-        const char *end = nullptr;
-        if (matches(entry->tail, Col_Ptr, end)) {
+        if (matches(entry->tail, Col_Ptr, length)) {
             record->opcode = static_cast<std::uint16_t>(entry->opcode);
             record->mode_mask = entry->mode_mask;
             record->coder = static_cast<std::uint16_t>(entry->coder);
-            Col_Ptr = end;
+            Col_Ptr += length;
             return 1;
         }
     }

@@ -103,14 +103,15 @@ std::size_t symbol_length(const char *p) {
     if (!starts_symbol(*p)) {
         return 0;
     }
-    std::size_t length = 1;
-    while (is_symbol_char(p[length])) {
-        ++length;
-        if (length == kNameLimit) {
-            return length;
-        }
+    const char *end = p + 1;
+    while (is_symbol_char(*end)) {
+        ++end;
     }
-    return static_cast<unsigned char>(p[length]) >= 128 ? 0 : length;
+    const auto length = static_cast<std::size_t>(end - p);
+    if (length >= kNameLimit) {
+        return kNameLimit;
+    }
+    return static_cast<unsigned char>(*end) >= 128 ? 0 : length;
 }
 
 std::size_t register_length(const char *p) {
@@ -176,8 +177,6 @@ int lookahead(char ch) {
     ++Col_Ptr;
     return 1;
 }
-
-int IsCommentChar(char ch) { return ch == ';' ? 1 : 0; }
 
 bool is_operand_ending(int token) {
     return token == TOK_LC || token == TOK_NUMBER || token == TOK_NAME || token == TOK_CLOSE;

@@ -75,7 +75,7 @@ int gettoken(int mode);
 int lookahead(char ch);
 
 // 1 for the comment character ";", else 0.
-int IsCommentChar(char ch);
+inline int IsCommentChar(char ch) { return ch == ';' ? 1 : 0; }
 
 // True for the tokens behind which "%" and "*" are binary operators.
 bool is_operand_ending(int token);

@@ -7,6 +7,7 @@ import re
 
 from scenarios import OLD_OUTPUT
 
+MOST_SHOWN = 500  # bytes
 FAILURE = 1
 OVERFLOW_STATUS = 255
 OUT_OF_MEMORY = b"HXzirpa: Out of memory\n"
@@ -59,7 +60,7 @@ class Judgement:
 
     def complaints_about_errors(self):
         if self.run.errors:
-            yield self.run.errors.decode("latin-1")
+            yield self.run.errors[:MOST_SHOWN].decode("latin-1")
         if not self.run.reported:
             yield "no call has failed"
 
@@ -94,7 +95,7 @@ class Judgement:
         if self.is_muted and self.may_have_been_cut():
             readings.append([])
         if not readings:
-            return [f"status {self.run.status}, output {self.run.output[-500:]!r}"]
+            return [f"status {self.run.status}, output {self.run.output[-MOST_SHOWN:]!r}"]
         return min(readings, key=len)
 
     def texts(self):

@@ -2,6 +2,7 @@
 
 import concurrent.futures
 import os
+import subprocess
 
 from injection import Reference, performed
 from judgement import Judgement
@@ -31,9 +32,7 @@ def sample(injections, number):
 
 
 def test_fault(scenario, request, tmp_path):
-    reference = Reference(
-        request.config.getoption("--program"), scenario, tmp_path.resolve()
-    )
+    reference = Reference(request.config.getoption("--program"), scenario, tmp_path.resolve())
     check_reference(reference)
     injections = list(reference.injections())
     if not request.config.getoption("--all"):
@@ -41,7 +40,11 @@ def test_fault(scenario, request, tmp_path):
     performed[scenario.identifier] = len(injections)
 
     def judge(injection):
-        complaints = Judgement(reference, injection, reference.inject(injection)).complaints
+        try:
+            run = reference.inject(injection)
+        except subprocess.TimeoutExpired as error:
+            return [f"{injection}: {error}"]
+        complaints = Judgement(reference, injection, run).complaints
         return [f"{injection}: {complaint}" for complaint in complaints]
 
     with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:

@@ -1,9 +1,9 @@
 // Conditional assembly: the nesting, the names that tests and definitions enter, and every report.
 #include "as/asCond.h"
 #include "as/asDiag.h"
+#include "as/asLine.h"
 #include "as/asList.h"
 #include "as/asListing.h"
-#include "as/asLine.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
 #include "as/asPseudo.h"

@@ -41,7 +41,9 @@ class Data : public RunTest {
         return do_reserve_memory(unit);
     }
 
-    static std::vector<int> bytes() { return {Code.begin(), Code.begin() + static_cast<long>(code_i)}; }
+    static std::vector<int> bytes() {
+        return {Code.begin(), Code.begin() + static_cast<long>(code_i)};
+    }
 
     std::string error(const std::string &text) const {
         return directory + "/prog.szirpa (1) Error: " + text + "\n";
@@ -53,7 +55,8 @@ class Data : public RunTest {
 
 using Bytes = std::vector<int>;
 
-// ---- FCB --------------------------------------------------------------------------------------------
+// ---- FCB
+// --------------------------------------------------------------------------------------------
 
 TEST_F(Data, ByteListEmitsItsItems) {
     begin_final_pass();
@@ -107,7 +110,8 @@ TEST_F(Data, FaultyItemEndsTheByteList) {
     EXPECT_EQ(getsym("DATA")->element_count, 0);
 }
 
-// ---- FCS --------------------------------------------------------------------------------------------
+// ---- FCS
+// --------------------------------------------------------------------------------------------
 
 TEST_F(Data, StringEmitsItsCharacters) {
     begin_final_pass();
@@ -215,7 +219,8 @@ TEST_F(Data, EscapedHighByteDrawsNoWarning) {
     EXPECT_EQ(take_output(), "");
 }
 
-// ---- RMB --------------------------------------------------------------------------------------------
+// ---- RMB
+// --------------------------------------------------------------------------------------------
 
 TEST_F(Data, ReservationIsOneOfZeroBytesAndAlwaysFails) {
     begin_final_pass();
@@ -272,7 +277,8 @@ TEST_F(Data, ReservationNeedsABlankBehindItsSize) {
     EXPECT_EQ(LC, 3U);
 }
 
-// ---- Registered sizes -------------------------------------------------------------------------------
+// ---- Registered sizes
+// -------------------------------------------------------------------------------
 
 TEST_F(Data, FirstDataBehindALabelSetsItsSizeAndFurtherDataAddsToIt) {
     begin_final_pass();

@@ -108,7 +108,8 @@ TEST_F(DebugRecords, UnknownKeywordDrawsAWarning) {
     }
 }
 
-// ---- Functions --------------------------------------------------------------------------------------
+// ---- Functions
+// --------------------------------------------------------------------------------------
 
 TEST_F(DebugRecords, FunctionHoldsThreeNumbersAndThreeAddresses) {
     begin_records();
@@ -157,7 +158,8 @@ TEST_F(DebugRecords, UnreadableNumbersOfAFunctionAreZero) {
               "SY:C:f:prog.szirpa::main:0:0:3:00000010:00001234:0000001F\n");
 }
 
-// ---- Statements -------------------------------------------------------------------------------------
+// ---- Statements
+// -------------------------------------------------------------------------------------
 
 TEST_F(DebugRecords, StatementHoldsItsLineAndTheValueOfItsExpression) {
     begin_records();
@@ -172,13 +174,15 @@ TEST_F(DebugRecords, StatementHoldsItsLineAndTheValueOfItsExpression) {
 TEST_F(DebugRecords, StatementThatLacksAPartHasZeroes) {
     begin_records();
     for (const char *operand : {"12", "12,", ",second", ",", ""}) {
-        EXPECT_EQ(records(std::string(".stab stmt ") + operand + "\n"), "SY:C:X:prog.szirpa:0:0::0\n")
+        EXPECT_EQ(records(std::string(".stab stmt ") + operand + "\n"),
+                  "SY:C:X:prog.szirpa:0:0::0\n")
             << operand;
     }
     EXPECT_EQ(take_output(), "");
 }
 
-// ---- Types ------------------------------------------------------------------------------------------
+// ---- Types
+// ------------------------------------------------------------------------------------------
 
 TEST_F(DebugRecords, TypeIsTheTextFromTheTwelfthCharacter) {
     begin_records();
@@ -202,7 +206,8 @@ TEST_F(DebugRecords, ContinuedTypeStopsAtTheEndOfTheSource) {
     EXPECT_EQ(as_read_line(), 0);
 }
 
-// ---- Symbols ----------------------------------------------------------------------------------------
+// ---- Symbols
+// ----------------------------------------------------------------------------------------
 
 TEST_F(DebugRecords, LocalSymbolHasFourFieldsAndTheRest) {
     begin_records();
@@ -269,8 +274,7 @@ TEST_F(DebugRecords, UnreadableLineNumberDrawsAWarningAndIsZero) {
 TEST_F(DebugRecords, UnknownKindOfSymbolIsAnError) {
     begin_records();
     EXPECT_EQ(records(".stab sym Q a:b:5:t\n"), "");
-    EXPECT_EQ(take_output(),
-              directory + "/prog.szirpa (1) Error: Unidentified symbol type 'Q'\n");
+    EXPECT_EQ(take_output(), directory + "/prog.szirpa (1) Error: Unidentified symbol type 'Q'\n");
     EXPECT_EQ(Errors, 1);
 }
 

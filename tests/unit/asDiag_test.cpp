@@ -37,7 +37,8 @@ class Diagnostics : public RunTest {
     std::string path() const { return directory + "/sub/prog.szirpa"; }
 };
 
-// ---- Errors -----------------------------------------------------------------------------------------
+// ---- Errors
+// -----------------------------------------------------------------------------------------
 
 TEST_F(Diagnostics, ErrorNamesThePathOnStandardOutputAndTheBareNameInTheListing) {
     begin_reports();
@@ -165,7 +166,8 @@ TEST_F(Diagnostics, ReportsNameTheFileBeingRead) {
     EXPECT_EQ(listing(), "\"part.szirpa\" line 1, ERROR: inside\n");
 }
 
-// ---- Phase errors -----------------------------------------------------------------------------------
+// ---- Phase errors
+// -----------------------------------------------------------------------------------
 
 TEST_F(Diagnostics, FirstReportAfterAPhaseErrorIsMade) {
     begin_reports();
@@ -240,7 +242,8 @@ TEST_F(Diagnostics, WarningsIgnorePhaseErrors) {
     EXPECT_EQ(take_output(), path() + " (12) Warning: mild\n");
 }
 
-// ---- Warnings ---------------------------------------------------------------------------------------
+// ---- Warnings
+// ---------------------------------------------------------------------------------------
 
 TEST_F(Diagnostics, WarningHasItsOwnFormsAndLeavesTheLineAlone) {
     begin_reports();
@@ -311,7 +314,8 @@ TEST_F(Diagnostics, WarningCountIsWiderThanTheErrorCount) {
     EXPECT_EQ(Warnings, 65536);
 }
 
-// ---- Fatal errors -----------------------------------------------------------------------------------
+// ---- Fatal errors
+// -----------------------------------------------------------------------------------
 
 TEST_F(Diagnostics, FatalErrorNamesThePathInBothPlacesAndEndsWithStatusOne) {
     begin_reports();
@@ -363,7 +367,8 @@ TEST_F(Diagnostics, FatalErrorLeavesFilesAsTheyAre) {
     EXPECT_EQ(read_text("a.s19"), "S1");
 }
 
-// ---- State ------------------------------------------------------------------------------------------
+// ---- State
+// ------------------------------------------------------------------------------------------
 
 TEST_F(Diagnostics, SkippingALineOnlyMarksItDone) {
     begin_reports();

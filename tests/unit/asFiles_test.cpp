@@ -1,7 +1,7 @@
 // The output files of a run: their names, their creation, headers and close-down.
-#include "as/asFiles.h"
 #include "as/asCommand.h"
 #include "as/asDiag.h"
+#include "as/asFiles.h"
 #include "as/asList.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
@@ -41,7 +41,8 @@ class OutputFiles : public RunTest {
     }
 };
 
-// ---- Names ------------------------------------------------------------------------------------------
+// ---- Names
+// ------------------------------------------------------------------------------------------
 
 TEST_F(OutputFiles, NamesComeFromTheSourceInTheWorkingDirectory) {
     O_list = 1;
@@ -115,7 +116,8 @@ TEST_F(OutputFiles, NewRunForgetsTheNames) {
     EXPECT_EQ(startsymname, "start");
 }
 
-// ---- Failures ---------------------------------------------------------------------------------------
+// ---- Failures
+// ---------------------------------------------------------------------------------------
 
 TEST_F(OutputFiles, SourceThatCannotBeOpenedCreatesNothing) {
     write_file("lost.s19", "old");
@@ -213,7 +215,8 @@ TEST_F(OutputFiles, ListingThatIsTheRecordsIsRefused) {
     EXPECT_FALSE(file_exists("a.fmem"));
 }
 
-// ---- Headers ----------------------------------------------------------------------------------------
+// ---- Headers
+// ----------------------------------------------------------------------------------------
 
 TEST_F(OutputFiles, HeadersNameTheirFiles) {
     O_list = 1;
@@ -235,7 +238,8 @@ TEST_F(OutputFiles, HeadersNameTheirFiles) {
                                    " # ClearAllRegisters");
 }
 
-// ---- Close-down -------------------------------------------------------------------------------------
+// ---- Close-down
+// -------------------------------------------------------------------------------------
 
 TEST_F(OutputFiles, EndRecordHoldsTheLocationCounterAtLast) {
     begin_final_pass();
@@ -327,7 +331,8 @@ TEST_F(OutputFiles, ListingWithoutErrorsHasNoTotal) {
     EXPECT_TRUE(file_exists("a.s19"));
 }
 
-// ---- Writes that fail -------------------------------------------------------------------------------
+// ---- Writes that fail
+// -------------------------------------------------------------------------------
 
 TEST_F(OutputFiles, RunWithoutWriteFailuresReportsNone) {
     O_list = 1;

@@ -1,6 +1,6 @@
 // The line assembler: its helpers, the fields of a line, and the label that data belongs to.
-#include "as/asLine.h"
 #include "as/asDiag.h"
+#include "as/asLine.h"
 #include "as/asList.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
@@ -32,7 +32,8 @@ class AssembledLine : public RunTest {
     }
 };
 
-// ---- Helpers ----------------------------------------------------------------------------------------
+// ---- Helpers
+// ----------------------------------------------------------------------------------------
 
 TEST_F(AssembledLine, LabelIsReadWithOneColonBehindIt) {
     set_line("LOOP NOP\n");
@@ -152,7 +153,8 @@ TEST_F(AssembledLine, SkippingToTheEndOfTheLineEndsWorkOnIt) {
     }
 }
 
-// ---- The last seen label ----------------------------------------------------------------------------
+// ---- The last seen label
+// ----------------------------------------------------------------------------
 
 TEST_F(AssembledLine, LastLabelIsSetWithNothingRegisteredAndForgottenWhole) {
     last_seen_label_offset = 9;
@@ -180,8 +182,8 @@ TEST_F(AssembledLine, LabelOfALineIsTheLastSeenOne) {
     EXPECT_EQ(last_seen_label_offset, 0U);
 }
 
-// Kept: an instruction of coder 0 has no operand and lets the label stand; those of coders 1 to 7 clear
-// it.
+// Kept: an instruction of coder 0 has no operand and lets the label stand; those of coders 1 to 7
+// clear it.
 TEST_F(AssembledLine, InstructionWithAnOperandClearsTheLastLabel) {
     for (const char *text : {" LDA #1\n", " BRA 0\n", " INC 1\n", " ADDA #1\n", " TFR A,CC\n",
                              " EXG A,CC\n", " LEAX 1,X\n"}) {
@@ -194,9 +196,9 @@ TEST_F(AssembledLine, InstructionWithAnOperandClearsTheLastLabel) {
 
 TEST_F(AssembledLine, OtherLinesLetTheLastLabelStand) {
     SetLastLabel("DATA", 1);
-    for (const char *text : {" NOP\n", " RTS\n", "\n", "; note\n", "   ; note\n", " \t\n", " FCB 1\n",
-                             " RMB 2\n", " FCS \"A\"\n", " XYZZY 1\n", "1ABC\n", "#ifdef Q\n",
-                             "#endif\n", " END\n"}) {
+    for (const char *text :
+         {" NOP\n", " RTS\n", "\n", "; note\n", "   ; note\n", " \t\n", " FCB 1\n", " RMB 2\n",
+          " FCS \"A\"\n", " XYZZY 1\n", "1ABC\n", "#ifdef Q\n", "#endif\n", " END\n"}) {
         assemble(text);
         EXPECT_EQ(last_seen_label, "DATA") << text;
         EXPECT_EQ(last_seen_label_value, 1U) << text;
@@ -244,7 +246,8 @@ TEST_F(AssembledLine, PassZeroLeavesTheLastLabelAlone) {
     EXPECT_EQ(last_seen_label, "DATA");
 }
 
-// ---- Fields -----------------------------------------------------------------------------------------
+// ---- Fields
+// -----------------------------------------------------------------------------------------
 
 TEST_F(AssembledLine, LabelTakesTheAddressAheadOfTheLine) {
     LC = 0x10;
@@ -330,16 +333,19 @@ TEST_F(AssembledLine, SkippedLineDefinesAndReportsNothing) {
 }
 
 TEST_F(AssembledLine, LineEndsDone) {
-    for (const char *text : {"\n", "; note\n", " NOP\n", "L\n", "L NOP\n", " FCB 1\n", "#endif\n"}) {
+    for (const char *text :
+         {"\n", "; note\n", " NOP\n", "L\n", "L NOP\n", " FCB 1\n", "#endif\n"}) {
         assemble(text);
         EXPECT_EQ(Line_Done, 1) << text;
     }
 }
 
-// ---- The listed address -----------------------------------------------------------------------------
+// ---- The listed address
+// -----------------------------------------------------------------------------
 
 TEST_F(AssembledLine, LinesWithAnAddressShowTheLocationCounter) {
-    for (const char *text : {" NOP\n", " \t\n", "   ; note\n", "L ; note\n", " XYZZY\n", " FCB 1\n"}) {
+    for (const char *text :
+         {" NOP\n", " \t\n", "   ; note\n", "L ; note\n", " XYZZY\n", " FCB 1\n"}) {
         LC = 0x33;
         listLC = 0;
         assemble(text);
@@ -370,7 +376,8 @@ TEST_F(AssembledLine, OriginShowsTheNewAddress) {
     EXPECT_EQ(LC, 0x44U);
 }
 
-// ---- Debugger lines ---------------------------------------------------------------------------------
+// ---- Debugger lines
+// ---------------------------------------------------------------------------------
 
 TEST_F(AssembledLine, DebuggerLineIsSkippedWithItsContinuation) {
     open_source_file("prog.szirpa", ".stabs a+\nb+\nc\n NOP\n");
@@ -393,8 +400,7 @@ TEST_F(AssembledLine, SourceThatEndsInsideADebuggerLineIsAnError) {
     ASSERT_EQ(as_read_line(), 1);
     assaline(2);
     EXPECT_EQ(take_output(),
-              directory +
-                  "/prog.szirpa (2) Error: Read Error: Possibly last line continuation\n");
+              directory + "/prog.szirpa (2) Error: Read Error: Possibly last line continuation\n");
     EXPECT_EQ(Errors, 1);
 }
 

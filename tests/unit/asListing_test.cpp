@@ -1,8 +1,8 @@
 // The listing of a line: its address, its bytes in both layouts, its continuation lines.
-#include "as/asListing.h"
 #include "as/asCond.h"
 #include "as/asLine.h"
 #include "as/asList.h"
+#include "as/asListing.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
 #include "as/asSource.h"
@@ -145,7 +145,8 @@ TEST_F(Listing, FullestLineListsAllItsBytes) {
     EXPECT_TRUE(list().ends_with("\n     73 74 75 76 77 78\n" + blanks(22) + "\n"));
 }
 
-// ---- The word layout, which no source line selects --------------------------------------------------
+// ---- The word layout, which no source line selects
+// --------------------------------------------------
 
 TEST_F(Listing, WordLayoutShowsBytesInPairs) {
     begin(4);
@@ -185,7 +186,8 @@ TEST_F(Listing, WordLayoutWithoutAnAddressKeepsItsColumns) {
     EXPECT_EQ(list(), "   0102" + blanks(13) + "    7. X\n");
 }
 
-// ---- EQU --------------------------------------------------------------------------------------------
+// ---- EQU
+// --------------------------------------------------------------------------------------------
 
 TEST_F(Listing, EquShowsTheLowByteOfItsValue) {
     begin(2, "X EQU 5\n");
@@ -209,7 +211,8 @@ TEST_F(Listing, AddressWinsOverTheValueOfAnEqu) {
     EXPECT_EQ(list(), "05 01 02" + blanks(12) + "    7. X EQU 5\n");
 }
 
-// ---- The file header --------------------------------------------------------------------------------
+// ---- The file header
+// --------------------------------------------------------------------------------
 
 TEST_F(Listing, FileHeaderFollowsTheFirstLineListedAfterAChange) {
     newuse = 1;
@@ -245,7 +248,8 @@ TEST_F(Listing, ChangeOfFileWaitsWhileLinesAreNotListed) {
     EXPECT_EQ(newuse, 1);
 }
 
-// ---- When lines are listed --------------------------------------------------------------------------
+// ---- When lines are listed
+// --------------------------------------------------------------------------
 
 TEST_F(Listing, LinesAreListedInTheFinalPassWithTheListingOn) {
     begin(0, "X\n");
@@ -280,7 +284,8 @@ TEST_F(Listing, SwitchesAreOffInANewRunAndTheOneForSkippedLinesInANewPass) {
     EXPECT_EQ(listing_on, 0);
 }
 
-// ---- Records of instructions ------------------------------------------------------------------------
+// ---- Records of instructions
+// ------------------------------------------------------------------------
 
 TEST_F(Listing, InstructionIsRecordedWithOrWithoutAListing) {
     O_symdebug = 1;

@@ -1,9 +1,9 @@
 // The driver: whole runs in one process, each of which begins anew, and their summaries.
-#include "as/asMain.h"
 #include "as/asCond.h"
 #include "as/asDiag.h"
 #include "as/asList.h"
 #include "as/asListing.h"
+#include "as/asMain.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
 #include "as/asPseudo.h"
@@ -23,9 +23,13 @@ struct Result {
     int status = 0;
     std::string output;
     std::map<std::string, std::string> files;
-
-    bool operator==(const Result &) const = default;
 };
+
+void expect_same(const Result &result, const Result &expected) {
+    EXPECT_EQ(result.status, expected.status);
+    EXPECT_EQ(result.output, expected.output);
+    EXPECT_EQ(result.files, expected.files);
+}
 
 // A source that touches every output and leaves as much state behind as it can.
 const std::string kBusySource = "#define COUNT 3\n"
@@ -37,6 +41,7 @@ const std::string kBusySource = "#define COUNT 3\n"
                                 " FCB 1,2,3,4,5,6,7\n"
                                 "text FCS \"AB\"\n"
                                 " RMB COUNT\n"
+                                " LDA #0\n"
                                 ".stab type t\n"
                                 " END start\n";
 
@@ -68,13 +73,14 @@ class WholeRun : public RunTest {
 
 TEST_F(WholeRun, SecondRunInOneProcessGivesTheSameResult) {
     write_file("busy.szirpa", kBusySource);
-    const std::vector<const char *> arguments{"-L", "-S", "-g", "-A", "-w", "-DGIVEN", "busy.szirpa"};
+    const std::vector<const char *> arguments{"-L", "-S",      "-g",         "-A",
+                                              "-w", "-DGIVEN", "busy.szirpa"};
     const Result first = run(arguments);
     const Result second = run(arguments);
     EXPECT_EQ(first.status, 0);
     EXPECT_EQ(first.files.size(), 4U);
     EXPECT_TRUE(first.files.at("busy.s19").starts_with("S1"));
-    EXPECT_TRUE(first == second);
+    expect_same(second, first);
 }
 
 TEST_F(WholeRun, OptionsOfAnEarlierRunAreForgotten) {
@@ -83,19 +89,19 @@ TEST_F(WholeRun, OptionsOfAnEarlierRunAreForgotten) {
     const Result before = run({"plain.szirpa"});
     EXPECT_EQ(before.output, "-- No errors.\n");
     EXPECT_EQ(before.files.at("plain.s19"), "S10500020102F5\nS9030002FA\n");
-    run({"-L", "-S", "-g", "-A", "-w", "-S3", "-Cnocase", "-Cnopure", "-oother", "-o", "x.s19", "-d",
-         "src", "-Iinc", "-DGIVEN", "busy.szirpa"});
-    EXPECT_TRUE(run({"plain.szirpa"}) == before);
+    run({"-L", "-S", "-g", "-A", "-w", "-S3", "-Cnocase", "-Cnopure", "-oother", "-o", "x.s19",
+         "-d", "src", "-Iinc", "-DGIVEN", "busy.szirpa"});
+    expect_same(run({"plain.szirpa"}), before);
 }
 
 TEST_F(WholeRun, ErrorsOfAnEarlierRunAreForgotten) {
-    write_file("plain.szirpa", "X EQU 5\nL LDA #X\n END L\n");
+    write_file("plain.szirpa", "FIVE EQU 5\nL LDA #FIVE\n END L\n");
     write_file("faulty.szirpa", "##if 0\n#ifdef Q\n#else\n#ifndef R\n");
-    write_file("wrong.szirpa", "L NOP\nL NOP\n XYZZY\n#ifdef OPEN\n LDA #NONE\n");
+    write_file("wrong.szirpa", "L NOP\nL NOP\n XYZZY\n LDA #NONE\n#ifdef LATE\n#endif\n");
     const Result before = run({"-L", "plain.szirpa"});
-    EXPECT_EQ(run({"-L", "-w", "wrong.szirpa"}).status, 3);
+    EXPECT_EQ(run({"-L", "-w", "wrong.szirpa"}).status, 4);
     run({"faulty.szirpa"});
-    EXPECT_TRUE(run({"-L", "plain.szirpa"}) == before);
+    expect_same(run({"-L", "plain.szirpa"}), before);
 }
 
 TEST_F(WholeRun, FatalErrorOfAnEarlierRunIsForgotten) {
@@ -106,17 +112,25 @@ TEST_F(WholeRun, FatalErrorOfAnEarlierRunIsForgotten) {
     EXPECT_EQ(fatal.output, std::filesystem::current_path().string() +
                                 "/plain.szirpa (0)Fatal error: Cannot create output fil "
                                 "'none/x.s19'\n");
-    EXPECT_TRUE(run({"plain.szirpa"}) == before);
+    expect_same(run({"plain.szirpa"}), before);
 }
 
 TEST_F(WholeRun, SymbolsOfAnEarlierRunAreForgotten) {
-    write_file("define.szirpa", "X EQU 5\n");
-    write_file("use.szirpa", " LDA #X\n");
+    write_file("define.szirpa", "FIVE EQU 5\n");
+    write_file("use.szirpa", " LDA #FIVE\n");
     EXPECT_EQ(run({"define.szirpa"}).status, 0);
     const Result result = run({"use.szirpa"});
     EXPECT_EQ(result.status, 1);
-    EXPECT_NE(result.output.find("Undefined symbol 'X'"), std::string::npos);
+    EXPECT_NE(result.output.find("Undefined symbol 'FIVE'"), std::string::npos);
     EXPECT_TRUE(result.output.ends_with("-- 1 error(s).\n"));
+}
+
+TEST_F(WholeRun, LastLabelOfAnEarlierRunIsForgotten) {
+    write_file("label.szirpa", "data FCB 1\n");
+    write_file("plain.szirpa", " FCB 1,2\n");
+    const Result before = run({"plain.szirpa"});
+    run({"label.szirpa"});
+    expect_same(run({"plain.szirpa"}), before);
 }
 
 TEST_F(WholeRun, StartUpResetsEveryModule) {
@@ -139,6 +153,7 @@ TEST_F(WholeRun, StartUpResetsEveryModule) {
     EXPECT_EQ(source_stack_ptr, -1);
     EXPECT_EQ(file_entry_ptr, -1);
     EXPECT_EQ(getsym("X"), nullptr);
+    EXPECT_EQ(LookupSegment("abs", 0), nullptr);
     EXPECT_EQ(ifdepth, 0);
     EXPECT_EQ(skipping, 0);
     EXPECT_EQ(entry_is_defined, 0);

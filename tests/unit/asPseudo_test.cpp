@@ -1,11 +1,11 @@
-// Directives: their tables, the recognisers, the dispatcher with the numbers that no word has, and EQU,
-// ORG and END.
-#include "as/asPseudo.h"
+// Directives: their tables, the recognisers, the dispatcher with the numbers that no word has, and
+// EQU, ORG and END.
 #include "as/asDiag.h"
 #include "as/asLine.h"
 #include "as/asList.h"
 #include "as/asListing.h"
 #include "as/asOptions.h"
+#include "as/asPseudo.h"
 #include "as/asSource.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"
@@ -99,7 +99,8 @@ class Directives : public RunTest {
 
 using Found = std::pair<std::uint32_t, long>;
 
-// ---- Tables -----------------------------------------------------------------------------------------
+// ---- Tables
+// -----------------------------------------------------------------------------------------
 
 TEST_F(Directives, TargetHasSixDirectives) {
     EXPECT_EQ(rows(pseudo_zirpa),
@@ -128,7 +129,8 @@ TEST_F(Directives, NativeConditionalWordsAreDotted) {
                                          {".error", 51}}));
 }
 
-// ---- Recognisers ------------------------------------------------------------------------------------
+// ---- Recognisers
+// ------------------------------------------------------------------------------------
 
 TEST_F(Directives, WordsMatchInAnyCaseUpToABlank) {
     EXPECT_EQ(GetPseudoToken("org"), 7U);
@@ -141,8 +143,8 @@ TEST_F(Directives, WordsMatchInAnyCaseUpToABlank) {
 }
 
 TEST_F(Directives, OtherWordsAreNoDirectives) {
-    for (const char *word : {"", " org", "or", "orgs", "org,", "org;x", "org:", "fdb", ".byte", "db",
-                             "set", "include", "#if", "else"}) {
+    for (const char *word : {"", " org", "or", "orgs", "org,", "org;x", "org:", "fdb", ".byte",
+                             "db", "set", "include", "#if", "else"}) {
         EXPECT_EQ(GetPseudoToken(word), 0U) << word;
     }
 }
@@ -249,7 +251,8 @@ TEST_F(Directives, StylesAreIndependent) {
     EXPECT_EQ(conditional("..if 1"), (Found{44, 4}));
 }
 
-// ---- Dispatch ---------------------------------------------------------------------------------------
+// ---- Dispatch
+// ---------------------------------------------------------------------------------------
 
 TEST_F(Directives, EveryWordHasItsResult) {
     EXPECT_EQ(dispatch("org 5\n"), 2);
@@ -339,8 +342,7 @@ TEST_F(Directives, OldListingWordsSwitchTheListingIfThereIsOne) {
     listing_on = 1;
     EXPECT_EQ(directive(5, "\n"), 1);
     EXPECT_EQ(listing_on, 1);
-    const std::string list =
-        warning("Old fashioned directive: 'LIST', use 'OPTION LIST' instead");
+    const std::string list = warning("Old fashioned directive: 'LIST', use 'OPTION LIST' instead");
     const std::string nolist =
         warning("Old fashioned directive: 'NOLIST', use 'OPTION NOLIST' instead");
     EXPECT_EQ(take_output(), list + nolist + list + nolist);
@@ -401,7 +403,8 @@ TEST_F(Directives, UnimplementedPageWordsKeepTheLabel) {
 TEST_F(Directives, OtherNumbersDoNothingSilently) {
     begin_reports();
     SetLastLabel("DATA", 1);
-    for (const std::uint32_t token : {1U, 22U, 23U, 35U, 38U, 40U, 41U, 43U, 59U, 1000U, 0xFFFFFFFFU}) {
+    for (const std::uint32_t token :
+         {1U, 22U, 23U, 35U, 38U, 40U, 41U, 43U, 59U, 1000U, 0xFFFFFFFFU}) {
         EXPECT_EQ(directive(token, "1\n"), -1) << token;
     }
     EXPECT_EQ(take_output(), "");
@@ -436,7 +439,8 @@ TEST_F(Directives, NewPassForgetsTheDirectPage) {
     EXPECT_EQ(MC6809_anticipated_dp, 0U);
 }
 
-// ---- EQU --------------------------------------------------------------------------------------------
+// ---- EQU
+// --------------------------------------------------------------------------------------------
 
 TEST_F(Directives, EquNeedsALabel) {
     begin_reports();
@@ -499,15 +503,15 @@ TEST_F(Directives, EquOfAPlaceholderDefinesIt) {
 }
 
 TEST_F(Directives, RedefinableSymbolIsCreatedAndSetAgainAndAgain) {
-    EXPECT_EQ(equ("X", "5", 1), 2);
-    ASSERT_NE(getsym("X"), nullptr);
-    EXPECT_EQ(getsym("X")->value, 5);
-    EXPECT_TRUE(getsym("X")->has(SYM_REDEFINABLE));
-    ASSERT_NE(getsym("X")->segment, nullptr);
-    EXPECT_EQ(getsym("X")->segment->name, "abs");
-    EXPECT_EQ(equ("X", "X+1", 1), 2);
-    EXPECT_EQ(getsym("X")->value, 6);
-    EXPECT_FALSE(getsym("X")->has(SYM_MULTIPLE));
+    EXPECT_EQ(equ("N", "5", 1), 2);
+    ASSERT_NE(getsym("N"), nullptr);
+    EXPECT_EQ(getsym("N")->value, 5);
+    EXPECT_TRUE(getsym("N")->has(SYM_REDEFINABLE));
+    ASSERT_NE(getsym("N")->segment, nullptr);
+    EXPECT_EQ(getsym("N")->segment->name, "abs");
+    EXPECT_EQ(equ("N", "N+1", 1), 2);
+    EXPECT_EQ(getsym("N")->value, 6);
+    EXPECT_FALSE(getsym("N")->has(SYM_MULTIPLE));
     EXPECT_EQ(code_i, 2U);
     EXPECT_EQ(Code[1], 6);
     EXPECT_EQ(IsEqu, 1);
@@ -598,7 +602,8 @@ TEST_F(Directives, EquOfASymbolUsedBeforeDrawsAWarning) {
     EXPECT_EQ(take_output(), warning("symbol 'X' is forward referenced from line 2"));
 }
 
-// ---- ORG --------------------------------------------------------------------------------------------
+// ---- ORG
+// --------------------------------------------------------------------------------------------
 
 TEST_F(Directives, OriginMovesTheLocationCounterAndForgetsTheLabel) {
     SetLastLabel("DATA", 1);
@@ -658,7 +663,8 @@ TEST_F(Directives, FaultyOriginLeavesTheLocationCounter) {
     EXPECT_EQ(default_entry_seen, 0);
 }
 
-// ---- END --------------------------------------------------------------------------------------------
+// ---- END
+// --------------------------------------------------------------------------------------------
 
 TEST_F(Directives, EndBeforeTheFinalPassReadsNoOperand) {
     putsym("main", 0x20, 1, SYM_DEFINED, 0, nullptr, 0);

@@ -1,8 +1,8 @@
 // Source files: nesting and its replay, the search for a file, and the reader of lines.
-#include "as/asSource.h"
 #include "as/asDiag.h"
 #include "as/asLine.h"
 #include "as/asOptions.h"
+#include "as/asSource.h"
 #include "expr/expr.h"
 #include "target/emit.h"
 #include "target/encode.h"
@@ -50,7 +50,8 @@ class Source : public RunTest {
 
 using Lines = std::vector<std::string>;
 
-// ---- The text of a line -----------------------------------------------------------------------------
+// ---- The text of a line
+// -----------------------------------------------------------------------------
 
 TEST_F(Source, LineBufferHoldsUpTo4095CharactersAndATerminator) {
     const std::string longest(4095, 'a');
@@ -84,7 +85,8 @@ TEST_F(Source, LineBufferReplacesItsLastTwoCharactersByALineFeed) {
     EXPECT_EQ(Line.begin()[3], '\0');
 }
 
-// ---- Opening ----------------------------------------------------------------------------------------
+// ---- Opening
+// ----------------------------------------------------------------------------------------
 
 TEST_F(Source, MainFileBecomesStepZeroOfTheSequence) {
     write_file("a.szirpa", " NOP\n");
@@ -165,7 +167,8 @@ TEST_F(Source, FileInformationIsTheCurrentFileOrAFileOfTheTable) {
     EXPECT_EQ(current_file_index(), -1);
 }
 
-// ---- The search for a file --------------------------------------------------------------------------
+// ---- The search for a file
+// --------------------------------------------------------------------------
 
 TEST_F(Source, WorkingDirectoryComesBeforeTheIncludingFilesDirectory) {
     std::filesystem::create_directory("sub");
@@ -291,8 +294,9 @@ TEST_F(Source, TwentyOneIncludeDirectoriesAreKept) {
     EXPECT_EQ(take_output(), "");
     push_include("d22");
     EXPECT_EQ(include_stack.size(), 21U);
-    EXPECT_EQ(take_output(), directory + "/a.szirpa (0) Error: Include stack is exhausted, 'd22' is "
-                                         "ignored\n");
+    EXPECT_EQ(take_output(), directory +
+                                 "/a.szirpa (0) Error: Include stack is exhausted, 'd22' is "
+                                 "ignored\n");
 }
 
 TEST_F(Source, IncludeListEmpties) {
@@ -327,7 +331,8 @@ TEST_F(Source, DirectoriesAreNoneWhenEmpty) {
     EXPECT_EQ(GetAsmCurrentDirectory(), nullptr);
 }
 
-// ---- Nesting ----------------------------------------------------------------------------------------
+// ---- Nesting
+// ----------------------------------------------------------------------------------------
 
 TEST_F(Source, IncludedFileIsReadInPlaceAndTheIncludingFileGoesOn) {
     write_file("part", "p1\np2\n");
@@ -352,8 +357,8 @@ TEST_F(Source, IncludedFileIsReadInPlaceAndTheIncludingFileGoesOn) {
     EXPECT_EQ(source_stack_ptr, -1);
 }
 
-// Kept: while the sequence is being recorded, the line number to resume at is the one that was noted
-// when the file itself was opened; the final pass notes it where the file is left.
+// Kept: while the sequence is being recorded, the line number to resume at is the one that was
+// noted when the file itself was opened; the final pass notes it where the file is left.
 TEST_F(Source, OnlyTheFinalPassResumesTheIncludingFilesLineNumbers) {
     write_file("part", "p1\n");
     open_source_file("main", "m1\n+part\nm3\nm4\n");
@@ -382,8 +387,8 @@ TEST_F(Source, FilesOneAfterTheOtherAllReturnToTheIncludingFile) {
     EXPECT_EQ(file_entry_index[4], 0);
 }
 
-// Kept: the entry two steps back is the innermost file when the file being left included one itself, so
-// the rest of the outer files is not read.
+// Kept: the entry two steps back is the innermost file when the file being left included one
+// itself, so the rest of the outer files is not read.
 TEST_F(Source, NestingTwoDeepLosesTheRestOfTheOuterFiles) {
     write_file("inner", "i1\n");
     write_file("outer", "+inner\no2\n");
@@ -401,8 +406,8 @@ TEST_F(Source, FinalPassFollowsTheSequenceOfANestingTwoDeep) {
     open_source_file("main", "+outer\nm2\nm3\n");
     read_with_inclusions();
     replay_in_final_pass();
-    EXPECT_EQ(read_with_inclusions(), (Lines{"main:1 +outer\n", "outer:1 +inner\n", "inner:1 i1\n",
-                                             "outer:2 o2\n"}));
+    EXPECT_EQ(read_with_inclusions(),
+              (Lines{"main:1 +outer\n", "outer:1 +inner\n", "inner:1 i1\n", "outer:2 o2\n"}));
 }
 
 TEST_F(Source, FinalPassOpensNothing) {
@@ -512,8 +517,7 @@ TEST_F(Source, TwentyFilesNestAndTheNextOneEndsTheRun) {
     write_file("f21", "");
     EXPECT_EQ(end_status([] { push_source("f21"); }), 1);
     EXPECT_EQ(take_output(),
-              directory +
-                  "/f20 (0)Fatal error: To many input files, source stack exhausted\n");
+              directory + "/f20 (0)Fatal error: To many input files, source stack exhausted\n");
 }
 
 TEST_F(Source, FinalPassIsBoundByTheSameDepth) {
@@ -553,7 +557,8 @@ TEST_F(Source, LeavingTheLastFileTellsThatNoneRemains) {
     EXPECT_EQ(source_stack_ptr, -1);
 }
 
-// ---- Reading lines ----------------------------------------------------------------------------------
+// ---- Reading lines
+// ----------------------------------------------------------------------------------
 
 TEST_F(Source, LastLineWithoutALineFeedIsDelivered) {
     open_source_file("main", "one\ntwo");

@@ -1,5 +1,4 @@
 // The symbol table: creation, lookup, the rules of definition in each pass, and the printed table.
-#include "symtab/symtab.h"
 #include "as/asDiag.h"
 #include "as/asLine.h"
 #include "as/asList.h"
@@ -7,6 +6,7 @@
 #include "as/asOutput.h"
 #include "as/asSource.h"
 #include "expr/expr.h"
+#include "symtab/symtab.h"
 #include "tests/unit/support.h"
 
 #include <utility>
@@ -38,7 +38,8 @@ class SymbolTable : public RunTest {
     }
 };
 
-// ---- Creation and lookup ----------------------------------------------------------------------------
+// ---- Creation and lookup
+// ----------------------------------------------------------------------------
 
 TEST_F(SymbolTable, CreatedRecordHoldsWhatWasGiven) {
     Symbol *symbol = putsym("loop", -5, 12, SYM_DEFINED, 32, "file", 3);
@@ -101,9 +102,9 @@ TEST_F(SymbolTable, SegmentDependsOnTheFlags) {
 
 TEST_F(SymbolTable, ConstantsHaveABitSize) {
     const std::vector<std::pair<std::int32_t, std::int32_t>> sizes{
-        {0, 0},     {1, 5},       {15, 5},     {16, 8},     {-16, 5},    {-17, 8},
-        {127, 8},   {128, 9},     {-128, 8},   {-129, 9},   {255, 9},    {256, 16},
-        {-256, 9},  {-257, 16},   {32767, 16}, {32768, 32}, {-32768, 16}, {-32769, 32}};
+        {0, 0},    {1, 5},     {15, 5},     {16, 8},     {-16, 5},     {-17, 8},
+        {127, 8},  {128, 9},   {-128, 8},   {-129, 9},   {255, 9},     {256, 16},
+        {-256, 9}, {-257, 16}, {32767, 16}, {32768, 32}, {-32768, 16}, {-32769, 32}};
     for (const auto &[value, size] : sizes) {
         const std::string name = "v" + std::to_string(value + 40000);
         EXPECT_EQ(put(name, value, SYM_DEFINED | SYM_ABSOLUTE)->bit_size, size) << value;
@@ -200,7 +201,8 @@ TEST_F(SymbolTable, TableEmptiesForANewRun) {
     EXPECT_NE(put("loop"), nullptr);
 }
 
-// ---- References -------------------------------------------------------------------------------------
+// ---- References
+// -------------------------------------------------------------------------------------
 
 TEST_F(SymbolTable, LookupEntersAnUndefinedName) {
     set_line("later+1\n");
@@ -263,7 +265,8 @@ TEST_F(SymbolTable, FinalPassDoesNotMarkUndefinedNames) {
     EXPECT_EQ(getsym("later")->first_reference_line, 0);
 }
 
-// ---- Definitions ------------------------------------------------------------------------------------
+// ---- Definitions
+// ------------------------------------------------------------------------------------
 
 TEST_F(SymbolTable, DefinitionEntersItsName) {
     realline = 7;
@@ -372,7 +375,8 @@ TEST_F(SymbolTable, FinalPassNotesTheLineOfANameThatHasNone) {
     EXPECT_EQ(symbol->definition_line, 8);
 }
 
-// ---- Names for debuggers ----------------------------------------------------------------------------
+// ---- Names for debuggers
+// ----------------------------------------------------------------------------
 
 TEST_F(SymbolTable, DebugNameIsTheTextUpToAColon) {
     addstabsym("main:F1", 0x20);
@@ -410,7 +414,8 @@ TEST_F(SymbolTable, ConditionalAndDebugNamesAreUndefinedAheadOfTheFinalPass) {
     EXPECT_EQ(getsym("main")->value, 0x20);
 }
 
-// ---- The printed table ------------------------------------------------------------------------------
+// ---- The printed table
+// ------------------------------------------------------------------------------
 
 TEST_F(SymbolTable, TableIsPrintedByHashAndCreation) {
     put("BA", 1);
