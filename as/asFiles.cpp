@@ -13,6 +13,7 @@
 #include "util/path.h"
 
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <string_view>
 #include <vector>
@@ -54,13 +55,29 @@ std::string directory_of(const std::string &path) {
     return slash == std::string::npos ? "." : path.substr(0, slash + 1);
 }
 
+[[noreturn]] void refuse_output(const std::string &name) {
+    vpFatal("Cannot create output fil '%s'", name.c_str());
+}
+
+// Goes on only if a look-up has failed because there is no such file. After any other failure it is
+// not known what an output would overwrite.
+void expect_absence(int error, const std::string &name) {
+    if (error != ENOENT && error != ENOTDIR && error != ELOOP && error != ENAMETOOLONG) {
+        refuse_output(name);
+    }
+}
+
 // Follows a symbolic link that leads to no existing file; other paths stay as they are.
-std::string follow_dangling_links(std::string path) {
+std::string follow_dangling_links(const std::string &name) {
     constexpr int kMostLinks = 40;
     std::array<char, 4096> target{};
+    std::string path = name;
     for (int i = 0; i < kMostLinks; ++i) {
         const ssize_t length = readlink(path.c_str(), target.data(), target.size());
         if (length <= 0) {
+            if (errno != EINVAL) { // what EINVAL tells about is no link
+                expect_absence(errno, name);
+            }
             break;
         }
         const std::string link(target.data(), static_cast<std::size_t>(length));
@@ -78,8 +95,10 @@ Identity identify(const std::string &path) {
     if (stat(path.c_str(), &status) == 0) {
         return {S_ISREG(status.st_mode), status.st_dev, status.st_ino, {}};
     }
+    expect_absence(errno, path);
     const std::string target = follow_dangling_links(path);
     if (stat(directory_of(target).c_str(), &status) != 0) {
+        expect_absence(errno, path);
         return {};
     }
     const std::size_t slash = target.rfind('/');
@@ -98,7 +117,7 @@ void refuse_colliding_outputs(const std::vector<std::string> &names) {
             collides = collides || identity == other;
         }
         if (collides) {
-            vpFatal("Cannot create output fil '%s'", name.c_str());
+            refuse_output(name);
         }
         taken.push_back(identity);
     }
@@ -149,7 +168,7 @@ void create_array_file() {
 
 void create_outputs() {
     if (!objectfile.create(Object_name.c_str())) {
-        vpFatal("Cannot create output fil '%s'", Object_name.c_str());
+        refuse_output(Object_name);
     }
     if (O_list != 0) {
         create_listing();

@@ -240,4 +240,9 @@ void define_directive_label() {
     }
 }
 
+void line_new_run() {
+    resetLabel();
+    line_new_pass();
+}
+
 void line_new_pass() { listLC = 0; }

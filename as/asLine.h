@@ -44,6 +44,7 @@ void SetLastLabel(std::string_view name, std::uint32_t value);
 // line assembler.
 void define_directive_label();
 
+void line_new_run();
 void line_new_pass();
 
 inline void line_new_line() {

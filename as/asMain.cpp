@@ -124,6 +124,11 @@ int finish() {
     return standard_output.has_failed() ? kFailure : Errors & kStatusMask;
 }
 
+int finish_without_source() {
+    standard_output.flush();
+    return standard_output.has_failed() ? kFailure : 0;
+}
+
 int assemble(const char *file) {
     if (constants_pass(file) == 0 || first_pass(file) == 0) {
         return kFailure;
@@ -139,13 +144,11 @@ int run(int argc, const char *const *argv) {
     start_up(argc > 0 ? argv[0] : kProgramName);
     if (argc < 2) {
         print_usage();
-        standard_output.flush();
-        return 0;
+        return finish_without_source();
     }
     const char *file = read_command_line(argc, argv);
     if (file == nullptr) {
-        standard_output.flush();
-        return 0;
+        return finish_without_source();
     }
     return assemble(file);
 }
@@ -159,6 +162,8 @@ void start_up(const char *invocation) {
     source_new_run(invocation);
     command_new_run();
     files_new_run();
+    line_new_run();
+    location_new_pass();
     listing_new_run();
     pseudo_new_run();
     emit_new_run();

@@ -3,6 +3,7 @@
 #include "as/asDiag.h"
 #include "as/asLine.h"
 #include "as/asOptions.h"
+#include "expr/expr.h"
 #include "target/emit.h"
 #include "target/encode.h"
 #include "target/operand.h"
@@ -11,6 +12,7 @@
 #include "util/text.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
 
 std::string AsmStartDirectory;
@@ -80,7 +82,7 @@ std::string in_include_directory(const std::string &name) {
 // Opens the first of the places where name may be; name becomes the place.
 const FileText *open_source(std::string &name) {
     const FileText *text = load(name);
-    if (text != nullptr || PathHasRoot(name.c_str())) {
+    if (text != nullptr || PathHasRoot(name.c_str()) || is_passing_failure(errno)) {
         return text;
     }
     for (const auto &place_of : {beside_current_file, in_include_directory}) {
@@ -92,6 +94,9 @@ const FileText *open_source(std::string &name) {
         if (text != nullptr) {
             name = place;
             return text;
+        }
+        if (is_passing_failure(errno)) {
+            return nullptr;
         }
     }
     return nullptr;
@@ -190,6 +195,7 @@ void reset_line_state() {
     emit_new_line();
     scan_new_line();
     operand_new_line();
+    expr_new_line();
     encode_new_line();
 }
 
@@ -360,6 +366,9 @@ int match_include(const char *name, bool &from_start_directory) {
         // Kept: the probe joins with "\" although the file is then opened with "/".
         if (can_open((start + directory + "\\" + name).c_str())) {
             return static_cast<int>(i);
+        }
+        if (is_passing_failure(errno)) {
+            return -1;
         }
     }
     return -1;

@@ -64,3 +64,5 @@ int p00();
 // mode do not matter. Returns the new value.
 std::int64_t p0(std::int64_t accumulated, int node_kind, int depth, int mode,
                 OperandRecord *operand);
+
+inline void expr_new_line() { forwardref = 0; }

@@ -140,7 +140,7 @@ void outrecinit(int type, std::uint32_t address) {
     } else if (is_end_type(type)) {
         type = kEndRecord16 + 2 - static_cast<int>(width);
     } else {
-        width = static_cast<std::size_t>(record_type) + 1;
+        width = record_type == kDataRecord32 ? 4 : record_type == kDataRecord24 ? 3 : 2;
     }
     outrec.type = type;
     outrec.count = width;
@@ -183,6 +183,5 @@ void end_array() { algofile.put(algofilecount != 0 ? "\n};\n" : "};\n"); }
 void emit_new_run() {
     outrec = Record{};
     algofilecount = 0;
-    Code.fill(0);
     emit_new_line();
 }

@@ -67,6 +67,7 @@ void end_array();
 void emit_new_run();
 
 inline void emit_new_line() {
+    Code.fill(0);
     code_i = 0;
     Byte_Extension = 1;
 }

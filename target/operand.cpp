@@ -6,8 +6,6 @@
 #include "target/scan.h"
 #include "util/text.h"
 
-#include <algorithm>
-
 OperandRecord opnd1;
 OperandRecord opnd2;
 int commadel = 0;
@@ -63,13 +61,7 @@ std::uint64_t accumulator_mode() {
 
 } // namespace
 
-// The list of symbols is long and mostly unused: only what was noted is cleared there.
-void ClearOp(OperandRecord &operand) {
-    const std::int32_t noted =
-        std::min(operand.symbol_count, static_cast<std::int32_t>(kOperandSymbolLimit));
-    std::fill_n(operand.symbols.begin(), noted, nullptr);
-    static_cast<OperandResult &>(operand) = {};
-}
+void ClearOp(OperandRecord &operand) { operand = OperandRecord{}; }
 
 int Parse_Operand(OperandRecord &operand) {
     ClearOp(operand);

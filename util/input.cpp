@@ -76,6 +76,10 @@ bool read_file(const char *name, FileText &text) {
     return true;
 }
 
+bool is_passing_failure(int error) {
+    return error == EMFILE || error == ENFILE || error == ENOMEM || error == EIO || error == EINTR;
+}
+
 bool can_open(const char *name) {
     const int descriptor = ::open(name, O_RDONLY | O_CLOEXEC);
     if (descriptor < 0) {

@@ -15,8 +15,13 @@ struct FileText {
     ino_t inode = 0;
 };
 
-// Reads the file. Returns false when it cannot be opened or read (a directory, for one).
+// Reads the file. Returns false when it cannot be opened or read (a directory, for one); errno then
+// tells why, as it does after can_open.
 bool read_file(const char *name, FileText &text);
 
 // True when the file can be opened for reading.
 bool can_open(const char *name);
+
+// True for failures that say nothing about the file: a search must not go on after them, because it
+// could find another file than it would have found otherwise.
+bool is_passing_failure(int error);

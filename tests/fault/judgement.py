@@ -147,10 +147,18 @@ class Judgement:
         if "memory" in self.failed_kinds:
             yield OUT_OF_MEMORY, FAILURE
             yield OVERFLOW, OVERFLOW_STATUS
-        for name in self.outputs:
-            if self.failed_kinds & LOOKING or self.has_failed("create", name):
-                for path in self.source_paths():
-                    yield FATAL % (path, os.fsencode(name)), FAILURE
+        for name in self.names_refused():
+            for path in self.source_paths():
+                yield FATAL % (path, os.fsencode(name)), FAILURE
+
+    def names_refused(self):
+        """The outputs that may be said not to be creatable: one that is not, or, when it cannot be
+        told whether outputs collide, each that has been looked at."""
+        names = {name for kind, name in self.failed if kind == "create"}
+        if self.failed_kinds & LOOKING:
+            calls = [*self.reference.normal.reported, *self.failed]
+            names |= {name for kind, name in calls if kind in LOOKING}
+        return names
 
     def source_paths(self):
         """The names that messages may give the source."""

@@ -69,7 +69,6 @@ TEST_F(SegmentList, ThereIsNoCurrentSegment) { EXPECT_EQ(current_seg, nullptr); 
 using SegmentListDeathTest = SegmentList;
 
 TEST_F(SegmentListDeathTest, GuardsItsTypeByAssertions) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
     EXPECT_DEATH(EnumListType(1002), "as/asList.*EnumListType.*startptr");
     EXPECT_DEATH((lists.type = 1, LookupSegment("abs", 1)), "EnumListType.*startptr");
     EXPECT_DEATH((lists.type = 1, InitSegmentList()), "InitList.*startptr");

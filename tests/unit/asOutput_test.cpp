@@ -51,13 +51,13 @@ TEST_F(Output, EndOfARunWritesOutEveryBuffer) {
 using OutputDeathTest = Output;
 
 TEST_F(OutputDeathTest, EndOfARunLeavesTheProcessWithItsStatus) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    GTEST_FLAG_SET(death_test_style, "fast");
     EXPECT_EXIT((end_run_hook = nullptr, end_run(3)), ::testing::ExitedWithCode(3), "");
     EXPECT_EXIT((end_run_hook = nullptr, end_run(255)), ::testing::ExitedWithCode(255), "");
 }
 
 TEST_F(OutputDeathTest, LeavingTheProcessWritesOutEveryBuffer) {
-    GTEST_FLAG_SET(death_test_style, "threadsafe");
+    GTEST_FLAG_SET(death_test_style, "fast");
     const auto leave = [] {
         end_run_hook = nullptr;
         standard_output.attach(STDERR_FILENO);

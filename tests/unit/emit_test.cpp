@@ -185,6 +185,10 @@ TEST_F(Emission, ShortsAreListedWhileTheCountIsBelow120) {
     eshort(0x0304);
     EXPECT_EQ(code_i, 120U);
     EXPECT_EQ(LC, 4U);
+    code_i = 119;
+    ecode(0x0506);
+    EXPECT_EQ(code_i, 121U);
+    EXPECT_EQ(Code[120], 6);
 }
 
 TEST_F(Emission, LongsAreListedWhileTheCountIsAtMost120) {
