@@ -1,5 +1,5 @@
-// The whole program on a random source. The first byte chooses the options. Where the run ends without
-// errors its outputs must agree.
+// The whole program on a random source. The first byte chooses the options. Where the run ends
+// without errors its outputs must agree.
 #include "as/asData.h"
 #include "as/asMain.h"
 #include "as/asOutput.h"
@@ -48,6 +48,7 @@ int run(const std::vector<const char *> &arguments) {
 }
 
 // Statements that random bytes hardly ever make.
+// clang-format off
 constexpr std::array<const char *, 64> kStatements = {
     " LDA #5", " LDA N,X", " STA ,X+", " LDA A,Y", "N NOP", " BRA N", " JSR N", " TFR A,CC",
     " EXG SP,Y", " LEAX N,SP", " FCB 1,2,3", " FCB N,-1,$FF,%101,'A'", " FCS \"a\\tb\"", " FCS \"",
@@ -59,6 +60,7 @@ constexpr std::array<const char *, 64> kStatements = {
     ".stab sym f:a:Q:1:r", ".stab expr 1,", ".stab exec 2,3", ".stab zz", "A.$_ NOP", "N: NOP",
     " FCB 1<2,3", " FCB 1+6<<1,(1)2A", " FCB 10/0,10%0,5%%101", " FCB ((((1))))", " FCB !~-5",
     " LDA #12AB", " FCB 1(2", " FCB )(", " CMPX #$FF", " CLR A,X"};
+// clang-format on
 
 } // namespace
 

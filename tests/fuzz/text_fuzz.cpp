@@ -1,5 +1,5 @@
-// The text primitives, numbers and paths on two random texts. Every position that is returned must lie
-// within its text.
+// The text primitives, numbers and paths on two random texts. Every position that is returned must
+// lie within its text.
 #include "util/number.h"
 #include "util/path.h"
 #include "util/text.h"
@@ -14,8 +14,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
 namespace {
 
 void check(const std::string &text, const char *position) {
-    if (position != nullptr &&
-        (position < text.c_str() || position > text.c_str() + text.size())) {
+    if (position != nullptr && (position < text.c_str() || position > text.c_str() + text.size())) {
         __builtin_trap();
     }
 }
@@ -24,14 +23,29 @@ void run_text(const std::string &text, const std::string &other, std::size_t lim
     const char *s = text.c_str();
     const char mark = other.empty() ? ':' : other[0];
     std::string d;
-    for (const char *position :
-         {skipblanc(s), skipnonblanc(s), skip_to(s, mark), skipNameDelimiter(s),
-          skipFNameDelimiter(s), nlstrcpy(d, s), clstrcpy(d, s), divstrcpy(d, s), clstrcat(d, s),
-          divstrcat(d, s), extractname(d, s), copyCname(d, s), copyMacroname(d, s),
-          extracttoskip(d, s, mark), copyLabel(d, s), copyquotedopt(d, s), copyquoted(d, s),
-          extractquoted(d, s), extractquotedoption(d, s), extract(d, s, '(', ')', limit),
-          extractsizedname(d, s, limit + 1), extractsizedtoblanc(d, s, limit + 1),
-          copyFname(d, s)}) {
+    for (const char *position : {skipblanc(s),
+                                 skipnonblanc(s),
+                                 skip_to(s, mark),
+                                 skipNameDelimiter(s),
+                                 skipFNameDelimiter(s),
+                                 nlstrcpy(d, s),
+                                 clstrcpy(d, s),
+                                 divstrcpy(d, s),
+                                 clstrcat(d, s),
+                                 divstrcat(d, s),
+                                 extractname(d, s),
+                                 copyCname(d, s),
+                                 copyMacroname(d, s),
+                                 extracttoskip(d, s, mark),
+                                 copyLabel(d, s),
+                                 copyquotedopt(d, s),
+                                 copyquoted(d, s),
+                                 extractquoted(d, s),
+                                 extractquotedoption(d, s),
+                                 extract(d, s, '(', ')', limit),
+                                 extractsizedname(d, s, limit + 1),
+                                 extractsizedtoblanc(d, s, limit + 1),
+                                 copyFname(d, s)}) {
         check(text, position);
     }
     (void)line_continued(s);
