@@ -22,14 +22,15 @@ int take(int token, int length) {
 // A register name at the scan position: its token, or 0. Kept: a symbol of that name can't be used
 // in an expression.
 int register_token() {
-    switch (register_length(Col_Ptr)) {
-    case 1: {
-        const char letter = to_upper(*Col_Ptr);
-        return take(letter == 'A' ? TOK_A : letter == 'X' ? TOK_X : TOK_Y, 1);
+    const std::size_t length = register_length(Col_Ptr);
+    if (length == 0) {
+        return 0;
     }
-    case 2: return take(to_upper(*Col_Ptr) == 'S' ? TOK_SP : TOK_CC, 2);
-    default: return 0;
+    const char letter = to_upper(*Col_Ptr);
+    if (length == 2) {
+        return take(letter == 'S' ? TOK_SP : TOK_CC, 2);
     }
+    return take(letter == 'A' ? TOK_A : letter == 'X' ? TOK_X : TOK_Y, 1);
 }
 
 // One of two tokens, by whether the second character is next.

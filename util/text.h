@@ -23,7 +23,7 @@ enum CharClass : std::uint8_t {
     kClassRegister = 0x40,   // A, C, S, X and Y in either case, with which a register name begins
 };
 
-constexpr std::array<std::uint8_t, 256> make_char_classes() {
+consteval std::array<std::uint8_t, 256> make_char_classes() {
     std::array<std::uint8_t, 256> classes{};
     for (unsigned code = 0; code < 256; ++code) {
         unsigned bits = 0;
@@ -86,7 +86,7 @@ constexpr char to_upper(char ch) {
 // What digit_value gives for a character that is no digit: more than any base.
 inline constexpr unsigned kNoDigit = 255;
 
-constexpr std::array<std::uint8_t, 256> make_digit_values() {
+consteval std::array<std::uint8_t, 256> make_digit_values() {
     std::array<std::uint8_t, 256> values{};
     values.fill(kNoDigit);
     for (unsigned i = 0; i < 10; ++i) {

@@ -88,6 +88,11 @@ def test_two_outputs_that_meet_through_a_dangling_link_are_refused(assemble, tmp
     assert names(tmp_path) == ["prog.szirpa", "x.s19"]
 
 
+def test_dangling_link_with_a_rooted_target_is_followed(assemble, tmp_path):
+    (tmp_path / "x.s19").symlink_to(tmp_path.resolve() / "x.lst")
+    assert_refused(assemble("-L", "-o", "x.s19", "prog.szirpa"), tmp_path, "x.lst")
+
+
 def test_old_outputs_that_are_links_to_one_file_are_refused(assemble, tmp_path):
     (tmp_path / "prog.s19").write_bytes(b"old")
     os.link(tmp_path / "prog.s19", tmp_path / "prog.fmem")

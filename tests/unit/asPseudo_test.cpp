@@ -424,6 +424,18 @@ TEST_F(Directives, DirectPageIsAnExpressionOfOneByte) {
     EXPECT_EQ(MC6809_anticipated_dp, 255U);
 }
 
+TEST_F(Directives, DirectPageFailsWithItsExpression) {
+    begin_reports();
+    EXPECT_EQ(directive(53, "+1\n"), -1);
+    EXPECT_EQ(take_output(), error("Operand expected, Position[0]"));
+}
+
+TEST_F(Directives, RedefinableFormNeedsALabelToo) {
+    begin_reports();
+    EXPECT_EQ(directive(9, "5\n"), -1);
+    EXPECT_EQ(take_output(), error("No label for \"equ\""));
+}
+
 TEST_F(Directives, DirectPageNeedsABlankBehindIt) {
     begin_reports();
     EXPECT_EQ(directive(53, "7,8\n"), -1);

@@ -228,6 +228,7 @@ TEST(PathCanonicalize, DoublePointsNeverClimbAboveTheRoot) {
 TEST(PathCanonicalize, DoublePointsNeverClimbAboveAServersShare) {
     EXPECT_EQ(PathCanonicalizeA("\\\\server\\share\\a\\..\\x"), "\\\\server\\share\\x");
     EXPECT_EQ(PathCanonicalizeA("\\\\server\\share\\..\\x"), "\\\\server\\share\\x");
+    EXPECT_EQ(PathCanonicalizeA("\\\\server"), "\\\\server");
 }
 
 TEST(MakePathAbsolute, ResolvesARootedPath) {
