@@ -21,6 +21,9 @@ struct Record {
 };
 Record outrec;
 
+// Characters of a record's line: type, length, bytes, checksum and line feed.
+constexpr std::size_t kRecordTextCapacity = 2 + 2 * (1 + kRecordCapacity + 1) + 1;
+
 // The script lines of a record assume an address of this many bytes.
 constexpr std::size_t kScriptAddressBytes = 2;
 
@@ -158,10 +161,10 @@ void putout() {
 }
 
 void putout1() {
-    // Type, length, bytes, checksum and line feed.
-    std::array<char, 2 + 2 * (1 + kRecordCapacity + 1) + 1> line = {'S'};
+    std::array<char, kRecordTextCapacity> line{};
     const auto length = static_cast<unsigned>(outrec.count) + 1;
     unsigned sum = length;
+    line[0] = 'S';
     line[1] = kHexDigits[static_cast<unsigned>(outrec.type) & 0xFU];
     char *end = hex_byte(&line[2], length);
     for (std::size_t i = 0; i < outrec.count; ++i) {

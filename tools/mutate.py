@@ -16,6 +16,7 @@ built with the header as it is.
 """
 
 import argparse
+import ast
 import collections
 import contextlib
 import functools
@@ -26,6 +27,7 @@ import random
 import re
 import resource
 import shutil
+import signal
 import subprocess
 import sys
 import tempfile
@@ -260,20 +262,21 @@ class Lottery:
 
 
 def run(command, directory, seconds, **options):
-    """Runs a command quietly; None if it takes too long."""
-    try:
-        return subprocess.run(
-            command,
-            cwd=directory,
-            stdin=subprocess.DEVNULL,
-            stdout=subprocess.DEVNULL,
-            stderr=subprocess.DEVNULL,
-            timeout=seconds,
-            check=False,
-            **options,
-        ).returncode
-    except subprocess.TimeoutExpired:
-        return None
+    """Runs a command quietly; None if it takes too long, and then all that it started ends too."""
+    with subprocess.Popen(
+        command,
+        cwd=directory,
+        stdin=subprocess.DEVNULL,
+        stdout=subprocess.DEVNULL,
+        stderr=subprocess.DEVNULL,
+        start_new_session=True,
+        **options,
+    ) as process:
+        try:
+            return process.wait(timeout=seconds)
+        except subprocess.TimeoutExpired:
+            os.killpg(process.pid, signal.SIGKILL)
+            return None
 
 
 def object_name(source):
@@ -547,7 +550,7 @@ def described(mutant):
 def parse_survivor(line):
     place, _, change = line.rstrip("\n").partition("\t")
     file, number, column = place.split(":")
-    before, after = (eval(text, {}) for text in change.split(" -> "))  # both are literals
+    before, after = map(ast.literal_eval, change.split(" -> "))
     return Mutant(file, int(number), int(column), before, after)
 
 

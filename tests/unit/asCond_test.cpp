@@ -284,6 +284,16 @@ TEST_F(Conditionals, DefinitionOfATestedNameDefinesIt) {
     EXPECT_EQ(getsym("X")->value, 4);
 }
 
+// The flags of a label defined twice say neither defined nor undefined.
+TEST_F(Conditionals, DefinitionOfADoublyDefinedLabelMakesItAConstant) {
+    putsym("L", 3, 1, SYM_MULTIPLE, kNameKind, nullptr, kNoData);
+    ASSERT_EQ(getsym("L")->segment, nullptr);
+    word(DIR_COND_DEFINE, " L 4\n");
+    EXPECT_EQ(getsym("L")->value, 4);
+    ASSERT_NE(getsym("L")->segment, nullptr);
+    EXPECT_EQ(getsym("L")->segment->name, "abs");
+}
+
 TEST_F(Conditionals, DefinitionOnAnotherLineDrawsAWarningAndKeepsTheValue) {
     begin_reports();
     word(DIR_COND_DEFINE, " X 5\n");

@@ -215,6 +215,16 @@ TEST_F(OutputFiles, ListingThatIsTheRecordsIsRefused) {
     EXPECT_FALSE(file_exists("a.fmem"));
 }
 
+// A link in a circle leads to no file that could be lost.
+TEST_F(OutputFiles, OutputThatIsALinkInACircleIsReplaced) {
+    O_list = 1;
+    std::filesystem::create_symlink("a.lst", "a.lst");
+    EXPECT_EQ(end_status([] { openfiles("a.szirpa"); }), -1);
+    EXPECT_TRUE(listfile.is_open());
+    EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status("a.lst")));
+    EXPECT_EQ(take_output(), "");
+}
+
 // ---- Headers
 // ----------------------------------------------------------------------------------------
 

@@ -42,6 +42,17 @@ TEST_F(FileReading, ReadsALargeFile) {
     EXPECT_TRUE(text_of(text) == bytes);
 }
 
+// The kernel's files tell the size 0, whatever they hold.
+TEST_F(FileReading, ReadsARegularFileThatHidesItsSize) {
+    struct ::stat status = {};
+    ASSERT_EQ(::stat("/proc/version", &status), 0);
+    ASSERT_EQ(status.st_size, 0);
+    FileText text;
+    ASSERT_TRUE(read_file("/proc/version", text));
+    EXPECT_TRUE(text.is_regular);
+    EXPECT_EQ(text_of(text), read_text("/proc/version"));
+}
+
 TEST_F(FileReading, TellsTheFilesIdentity) {
     write_file("in", "x");
     std::filesystem::create_hard_link("in", "link");

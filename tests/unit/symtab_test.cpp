@@ -9,6 +9,7 @@
 #include "symtab/symtab.h"
 #include "tests/unit/support.h"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -449,6 +450,15 @@ TEST_F(SymbolTable, TableInTheListingHasItsOwnHeader) {
 TEST_F(SymbolTable, EmptyTableHasNoHeader) {
     symwrite(standard_output);
     EXPECT_EQ(take_output(), "");
+}
+
+TEST_F(SymbolTable, ReleasedTableHasHandedOutNothing) {
+    put("a");
+    closesym();
+    EXPECT_EQ(symlistcnt, 0U);
+    EXPECT_EQ(symcnt, 0U);
+    EXPECT_TRUE(std::all_of(symheads.begin(), symheads.end(),
+                            [](const Symbol *head) { return head == nullptr; }));
 }
 
 } // namespace

@@ -1,0 +1,116 @@
+"""What holds for every program without errors, whatever it is.
+
+Each golden case that ends without errors is run with several sets of outputs asked for:
+
+- S-records, script, C array and listing tell the same bytes (the listing where it is not cut, and
+  but for RMB, of which it shows one byte), and all checksums are right;
+- the S-record lines, the script and the bytes are the same whatever else is asked for.
+
+Of debugger lines (.stab) -g makes statements of the final pass, and may so change what is assembled
+or find errors. Sources that hold them are run as the case has it, always with -g or always without.
+"""
+
+import os
+import re
+import shutil
+import subprocess
+
+import pytest
+from outputs import (
+    Names,
+    bytes_of_records,
+    content,
+    pattern_of_listing,
+    read_array,
+    read_listing,
+    read_records,
+    read_script,
+    script_of_records,
+    split_command,
+    split_debug,
+)
+
+TIME_LIMIT_SECONDS = 60
+DEBUGGER_LINE = re.compile(rb"^\.stab", re.MULTILINE)
+REQUESTS = ["", "L", "S", "g", "A", "w", "LA", "LSgAw", "wAgSL"]
+
+
+class Run:
+    """A case run with some outputs asked for."""
+
+    def __init__(self, program, case, directory, letters):
+        shutil.rmtree(directory, ignore_errors=True)
+        directory.mkdir()
+        case.prepare(directory)
+        options, source = split_command(case.arguments())
+        self.letters = letters
+        self.names = Names(options, source)
+        self.source = content(directory, source)
+        flags = [b"-" + letter.encode() for letter in letters]
+        before = self.inputs(directory)
+        process = subprocess.run(
+            [program, *flags, *options, source],
+            cwd=directory,
+            stdin=subprocess.DEVNULL,
+            capture_output=True,
+            timeout=TIME_LIMIT_SECONDS,
+            check=False,
+        )
+        self.out, self.status = process.stdout, process.returncode
+        self.refused = b"Cannot create output fil" in self.out
+        self.records = content(directory, self.names.records)
+        self.script = content(directory, self.names.script)
+        self.listing = content(directory, self.names.listing) if "L" in letters else None
+        self.array = content(directory, self.names.array) if "A" in letters else None
+        self.collides = self.refused and {
+            os.path.realpath(os.path.join(os.fsencode(directory), name))
+            for name in (self.names.listing, self.names.array)
+        } & (before | {os.path.realpath(os.path.join(os.fsencode(directory), self.names.records))})
+
+    @staticmethod
+    def inputs(directory):
+        return {os.path.realpath(bytes(path)) for path in directory.rglob("*")}
+
+
+@pytest.fixture(name="runs")
+def runs_of_the_case(request, case, tmp_path):
+    """All runs but those refused because an output that was asked for would overwrite another."""
+    program, directory = request.config.getoption("--program"), tmp_path.resolve() / "work"
+    requests = REQUESTS
+    if any(DEBUGGER_LINE.search(text) for text in case.inputs().values()):
+        debug = "g" if b"-g" in case.arguments() else ""
+        requests = [debug + letters for letters in REQUESTS if "g" not in letters]
+    runs = [Run(program, case, directory, letters) for letters in requests]
+    runs = [run for run in runs if not run.collides]
+    assert [run.letters for run in runs if run.status != 0] == []
+    assert runs[0].letters == requests[0]
+    return runs
+
+
+def assert_outputs_agree(run):
+    records, debug = split_debug(run.records)
+    assert bool(debug) == ("g" in run.letters)
+    assert not debug or debug.startswith(b"SX:C:s:start\n")
+    found = read_records(records)
+    name, pairs = read_script(run.script)
+    assert name == run.names.script
+    assert pairs == script_of_records(found)
+    program = bytes_of_records(found)
+    if run.array is not None:
+        # Without a listing the array is created and stays empty.
+        assert run.array == b"" if run.listing is None else read_array(run.array) == program
+    if run.listing is not None and run.source is not None:
+        pattern = pattern_of_listing(read_listing(run.listing, run.source))
+        assert pattern.fullmatch(program), "the listing shows other bytes"
+
+
+def test_outputs_agree_and_do_not_depend_on_each_other(runs):
+    records, _ = split_debug(runs[0].records)
+    for run in runs:
+        assert_outputs_agree(run)
+        assert split_debug(run.records)[0] == records, f"-{run.letters} changes the S-records"
+        assert run.script == runs[0].script, f"-{run.letters} changes the script"
+        if "S" not in run.letters and "w" not in run.letters:
+            assert run.out == runs[0].out, f"-{run.letters} changes what is printed"
+    listings = {run.listing for run in runs if run.listing and not set(run.letters) & set("Sw")}
+    assert len(listings) <= 1, "-A changes the listing"
