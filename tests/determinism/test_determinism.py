@@ -21,6 +21,16 @@ CASES = find_cases()
 OTHER_LOCALE = "tr_TR.UTF-8"
 
 
+def environment(**changes):
+    """The caller's environment with no locale but that of the changes."""
+    kept = {
+        name: value
+        for name, value in os.environ.items()
+        if name not in ("LANG", "LANGUAGE") and not name.startswith("LC_")
+    }
+    return kept | {"LC_ALL": "C"} | changes
+
+
 class Result:
     """Everything that a run leaves behind."""
 
@@ -78,7 +88,7 @@ def program_under_test(request):
 
 @pytest.fixture(name="first", scope="session")
 def first_results(program, base):
-    results = run_all(program, base, env={"LC_ALL": "C"}, umask=0o022)
+    results = run_all(program, base, env=environment(), umask=0o022)
     assert len(results) > 100
     return results
 
@@ -106,43 +116,43 @@ def pytest_generate_tests(metafunc):
 
 
 def test_two_runs_are_the_same(first, program, base):
-    assert_same(first, run_all(program, base, env={"LC_ALL": "C"}))
+    assert_same(first, run_all(program, base, env=environment()))
 
 
 def test_builds_are_the_same(first, base, variant):
     program = or_skip(variants.build, *variant)
     # --program is found by a path with directories, and so must this one be.
-    assert_same(first, run_all(str(program), base, env={"LC_ALL": "C"}))
+    assert_same(first, run_all(str(program), base, env=environment()))
 
 
 @pytest.mark.parametrize("name", ["C.UTF-8", OTHER_LOCALE])
 def test_locales_are_the_same(first, program, base, name):
-    environment = or_skip(variants.locale_environment, name)
-    assert_same(first, run_all(program, base, env=environment))
+    locale = or_skip(variants.locale_environment, name)
+    assert_same(first, run_all(program, base, env=environment(**locale)))
 
 
 @pytest.mark.parametrize("umask", [0o000, 0o077], ids=["000", "077"])
 def test_umasks_are_the_same(first, program, base, umask):
-    assert_same(first, run_all(program, base, env={"LC_ALL": "C"}, umask=umask))
+    assert_same(first, run_all(program, base, env=environment(), umask=umask))
 
 
 def test_directories_are_the_same_but_for_their_path(first, program, base, tmp_path_factory):
     other = tmp_path_factory.mktemp("another directory, with blanks").resolve()
-    results = run_all(program, other, env={"LC_ALL": "C"})
+    results = run_all(program, other, env=environment())
     assert_same(first, [result.moved(other, base) for result in results])
 
 
 def test_environment_and_time_leave_no_trace(first, program, base):
-    environment = dict(os.environ, TZ="Pacific/Auckland", TMPDIR="/nonexistent", COLUMNS="20")
-    assert_same(first, run_all(program, base, env=environment))
+    changed = environment(TZ="Pacific/Auckland", TMPDIR="/nonexistent", COLUMNS="20")
+    assert_same(first, run_all(program, base, env=changed))
 
 
 def test_locale_has_other_rules():
     """Else the test with this locale would show nothing."""
-    environment = or_skip(variants.locale_environment, OTHER_LOCALE)
+    locale = or_skip(variants.locale_environment, OTHER_LOCALE)
     told = subprocess.run(
         ["locale", "decimal_point"],
-        env=dict(environment, PATH=os.environ["PATH"]),
+        env=environment(**locale),
         capture_output=True,
         check=False,
     )
