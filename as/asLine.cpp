@@ -120,6 +120,11 @@ bool leading_fields(int pass) {
     if (Line_Done != 0) {
         return true;
     }
+    if (pass == 0 && isblanc(*Line_Ptr)) {
+        // Without a label there is no constant to define.
+        Line_Done = 1;
+        return true;
+    }
     if (pass != 0 && is_debugger_line()) {
         return debugger_line(pass);
     }

@@ -16,6 +16,7 @@
 #include "util/text.h"
 #include "util/wrap.h"
 
+#include <array>
 #include <cstring>
 
 // clang-format off
@@ -86,8 +87,21 @@ std::uint32_t directive_at_scan_position() {
     return token;
 }
 
-// The length of every word of pseudo_zirpa, in characters.
-constexpr std::size_t kDirectiveLength = 3;
+// A word of three letters of either case as a number. Lower-case letters hold the bit that is set
+// here, and no other character becomes one by it but the upper-case letter.
+constexpr std::uint32_t packed_word(const char *word) {
+    std::uint32_t packed = 0;
+    for (int i = 0; i < 3; ++i) {
+        packed = packed << 8U | static_cast<unsigned char>(word[i]) | 0x20U;
+    }
+    return packed;
+}
+
+// The words of pseudo_zirpa, row by row.
+constexpr std::array<std::uint32_t, 6> kPackedDirectives = {
+    packed_word("org"), packed_word("equ"), packed_word("rmb"),
+    packed_word("fcb"), packed_word("fcs"), packed_word("end"),
+};
 
 // A conditional word of a table at p: its number, with position behind it, or 0.
 int find_conditional(const DirectiveEntry *table, const char *p, const char *&position) {
@@ -242,14 +256,19 @@ Symbol *equate(std::string_view name, int set) {
 
 } // namespace
 
-// Most words are instructions: only those of the directives' length are looked up.
+// Most words are instructions: the directives' length and letters, all three in one number, rule
+// them out at once.
 std::uint32_t GetPseudoToken(const char *word) {
-    for (std::size_t i = 0; i < kDirectiveLength; ++i) {
-        if (isblanc(word[i])) {
-            return DIR_NONE;
+    if (isblanc(word[0]) || isblanc(word[1]) || isblanc(word[2]) || !isblanc(word[3])) {
+        return DIR_NONE;
+    }
+    const std::uint32_t packed = packed_word(word);
+    for (std::size_t i = 0; i < kPackedDirectives.size(); ++i) {
+        if (kPackedDirectives[i] == packed) {
+            return pseudo_zirpa[i].token;
         }
     }
-    return isblanc(word[kDirectiveLength]) ? find_directive(pseudo_zirpa, word) : DIR_NONE;
+    return DIR_NONE;
 }
 
 int PseudoOp() {

@@ -61,7 +61,13 @@ std::uint64_t accumulator_mode() {
 
 } // namespace
 
-void ClearOp(OperandRecord &operand) { operand = OperandRecord{}; }
+void ClearOp(OperandRecord &operand) {
+    // The list is long and mostly empty.
+    if (operand.symbol_count != 0) {
+        operand.symbols.fill(nullptr);
+    }
+    static_cast<OperandResult &>(operand) = {};
+}
 
 int Parse_Operand(OperandRecord &operand) {
     ClearOp(operand);

@@ -12,7 +12,7 @@ struct Symbol;
 inline constexpr std::size_t kOperandSymbolLimit = 30;
 
 // What the parser and the evaluator find out about one operand.
-struct OperandRecord {
+struct OperandResult {
     std::uint64_t mode = 0;   // one ADR_ bit after a successful parse
     std::int64_t value = 0;   // of the expression
     std::int32_t pc_bias = 0; // bytes from the given location to the end of the instruction
@@ -22,6 +22,10 @@ struct OperandRecord {
     std::int32_t term_count = 0;      // always 1, likewise
     std::int32_t symbol_count = 0;    // names in the expression
     Symbol *first_symbol = nullptr;   // the first of them
+};
+
+// The same with the symbols of the expression.
+struct OperandRecord : OperandResult {
     std::array<Symbol *, kOperandSymbolLimit> symbols{}; // in order of appearance
 };
 

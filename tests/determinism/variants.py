@@ -48,7 +48,7 @@ def check_compiler(command):
         raise Unavailable(f"{command[0]} is not installed")
     with tempfile.TemporaryDirectory() as directory:
         probe = pathlib.Path(directory) / "probe.cpp"
-        probe.write_text("#include <string>\nint main() { return std::string(1, 'a')[0] == 'b'; }\n")
+        probe.write_text("#include <string>\nint main() { return std::string().size(); }\n")
         try:
             call([*command, "-o", f"{directory}/probe", str(probe)])
         except RuntimeError as error:

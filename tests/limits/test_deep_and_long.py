@@ -189,7 +189,10 @@ def test_long_source_takes_linear_time(program, directory, kind):
             (directory / (name + suffix)).unlink()
 
 
-@pytest.mark.parametrize("arguments", [["-L"], ["-g"], ["-L", "-A", "-S", "-g", "-w"]], ids=" ".join)
+EVERY_OUTPUT = ["-L", "-A", "-S", "-g", "-w"]
+
+
+@pytest.mark.parametrize("arguments", [["-L"], ["-g"], EVERY_OUTPUT], ids=" ".join)
 def test_long_source_takes_linear_time_with_every_output(program, directory, arguments):
     for name, count in (("one.szirpa", 100_000), ("two.szirpa", 200_000)):
         (directory / name).write_bytes(many_instructions(count))

@@ -215,14 +215,20 @@ TEST_F(OutputFiles, ListingThatIsTheRecordsIsRefused) {
     EXPECT_FALSE(file_exists("a.fmem"));
 }
 
-// A link in a circle leads to no file that could be lost.
-TEST_F(OutputFiles, OutputThatIsALinkInACircleIsReplaced) {
+// Such links lead to no file that could be lost.
+TEST_F(OutputFiles, LinkThatLeadsNowhereIsReplacedByTheOutput) {
     O_list = 1;
-    std::filesystem::create_symlink("a.lst", "a.lst");
-    EXPECT_EQ(end_status([] { openfiles("a.szirpa"); }), -1);
-    EXPECT_TRUE(listfile.is_open());
-    EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status("a.lst")));
-    EXPECT_EQ(take_output(), "");
+    for (const std::string &target :
+         {std::string("missing"), std::string("a.lst"), std::string("a.szirpa/x"),
+          std::string("missing/x"), std::string(300, 'n')}) {
+        std::filesystem::remove("a.lst");
+        std::filesystem::create_symlink(target, "a.lst");
+        EXPECT_EQ(end_status([] { openfiles("a.szirpa"); }), -1) << target;
+        EXPECT_TRUE(listfile.is_open()) << target;
+        EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status("a.lst")));
+        EXPECT_EQ(take_output(), "");
+        source_new_pass();
+    }
 }
 
 // ---- Headers

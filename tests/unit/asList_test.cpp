@@ -14,6 +14,13 @@ TEST_F(SegmentList, CreatesASegmentOnceAndFindsItAfterwards) {
     EXPECT_EQ(LookupSegment("abs", 0), created);
 }
 
+TEST_F(SegmentList, BeginsASegmentAtZeroWithNoOutput) {
+    Segment *created = LookupSegment("abs", 1);
+    ASSERT_NE(created, nullptr);
+    EXPECT_EQ(created->location, 0);
+    EXPECT_EQ(created->output_count, 0);
+}
+
 TEST_F(SegmentList, LooksNamesUpExactly) {
     LookupSegment("abs", 1);
     EXPECT_EQ(LookupSegment("ABS", 0), nullptr);

@@ -9,6 +9,7 @@
 #include "as/asSource.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"
+#include "target/operand.h"
 #include "tests/unit/support.h"
 
 #include <utility>
@@ -422,6 +423,14 @@ TEST_F(Directives, DirectPageIsAnExpressionOfOneByte) {
     EXPECT_EQ(directive(53, "256\n"), -1);
     EXPECT_EQ(take_output(), error("DPR register is 8 bits"));
     EXPECT_EQ(MC6809_anticipated_dp, 255U);
+}
+
+TEST_F(Directives, DirectPageBeginsWithAClearOperand) {
+    opnd1.pc_bias = 1;
+    opnd1.symbol_count = 3;
+    EXPECT_EQ(directive(53, "7\n"), 2);
+    EXPECT_EQ(opnd1.pc_bias, 0);
+    EXPECT_EQ(opnd1.symbol_count, 0);
 }
 
 TEST_F(Directives, DirectPageFailsWithItsExpression) {

@@ -493,6 +493,16 @@ TEST_F(EvaluationStep, DoesNotDependOnNodeKindAndMode) {
     EXPECT_EQ(step("&(3+1)", 5, -1, -1), 4);
 }
 
+TEST_F(EvaluationStep, EndsAtAParenthesisThatIsNoDeeperThanItself) {
+    begin("-(4)");
+    status = STATUS_OK;
+    in_paren = 0;
+    end_of_input = 0;
+    EXPECT_EQ(p0(5, 0, 1, 0, nullptr), 5);
+    EXPECT_EQ(column(), 2);
+    EXPECT_EQ(in_paren, 1);
+}
+
 // ---- Evaluating into an operand record ----
 
 TEST_F(Expression, ARecordWithoutSymbolsSaysSo) {

@@ -169,6 +169,19 @@ TEST_F(OutputFileBuffer, CanBeUsedForAnotherFile) {
     EXPECT_EQ(read_text("second"), "2");
 }
 
+// A new descriptor is always the lowest one that is free.
+TEST_F(OutputFileBuffer, GivesItsDescriptorBackWhenClosed) {
+    const auto file = std::make_unique<OutputFile>();
+    const int before = ::dup(STDOUT_FILENO);
+    ASSERT_GE(before, 0);
+    ::close(before);
+    ASSERT_TRUE(file->create("out"));
+    file->close();
+    const int after = ::dup(STDOUT_FILENO);
+    ::close(after);
+    EXPECT_EQ(after, before);
+}
+
 TEST_F(OutputFileBuffer, LeavesAnAttachedDescriptorOpen) {
     const int descriptor = ::open("out", O_CREAT | O_WRONLY | O_CLOEXEC, 0600);
     ASSERT_GE(descriptor, 0);

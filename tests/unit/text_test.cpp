@@ -192,6 +192,11 @@ TEST(LineDivided, NeedsAPlusAndALineFeed) {
     EXPECT_FALSE(line_divided(".stabs +\r\n"));
 }
 
+TEST(LineDivided, LooksAtNothingAheadOfTheText) {
+    EXPECT_FALSE(line_divided(&"+\n"[1]));
+    EXPECT_FALSE(line_continued(&"\\\n"[1]));
+}
+
 TEST(LineDivided, IsFalseForALastLineWithoutALineFeed) { EXPECT_FALSE(line_divided(".stabs +")); }
 
 TEST(LineDivided, NeedsTwoCharacters) {
