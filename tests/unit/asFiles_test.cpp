@@ -231,6 +231,27 @@ TEST_F(OutputFiles, LinkThatLeadsNowhereIsReplacedByTheOutput) {
     }
 }
 
+TEST_F(OutputFiles, LinkToANameOfOneCharacterIsFollowed) {
+    O_list = 1;
+    name_output("y");
+    std::filesystem::create_symlink("y", "y.lst");
+    EXPECT_EQ(end_status([] { openfiles("a.szirpa"); }), 1);
+    EXPECT_TRUE(take_output().ends_with("Fatal error: " + refused("y.lst")));
+}
+
+// As many links as the system follows.
+TEST_F(OutputFiles, FortyLinksAreFollowedToAnOutputThatDoesNotExist) {
+    constexpr int kLinks = 40;
+    O_list = 1;
+    for (int i = 1; i < kLinks; ++i) {
+        const std::string name = i == 1 ? "a.s19" : "l" + std::to_string(i);
+        std::filesystem::create_symlink("l" + std::to_string(i + 1), name);
+    }
+    std::filesystem::create_symlink("a.lst", "l" + std::to_string(kLinks));
+    EXPECT_EQ(end_status([] { openfiles("a.szirpa"); }), 1);
+    EXPECT_TRUE(take_output().ends_with("Fatal error: " + refused("a.lst")));
+}
+
 // ---- Headers
 // ----------------------------------------------------------------------------------------
 
@@ -345,6 +366,23 @@ TEST_F(OutputFiles, ListingWithoutErrorsHasNoTotal) {
     CloseDown();
     EXPECT_EQ(read_text("a.lst"), "");
     EXPECT_TRUE(file_exists("a.s19"));
+}
+
+TEST_F(OutputFiles, AbandonedOutputsAreClosedAndTheRecordsDeleted) {
+    O_list = 1;
+    O_cout = 1;
+    begin_final_pass();
+    ebyte(7);
+    putout();
+    listfile.put("line\n");
+    abandon_outputs();
+    EXPECT_FALSE(file_exists("a.s19"));
+    EXPECT_EQ(read_text("a.lst"), "line\n");
+    EXPECT_EQ(read_text("a_cout.c"), "const unsigned char algo[] = {\n0x07");
+    EXPECT_EQ(read_text("a.fmem"), "\n #setMemory  00=07");
+    for (const OutputFile *file : {&objectfile, &listfile, &algofile, &zirpafile}) {
+        EXPECT_FALSE(file->is_open());
+    }
 }
 
 // ---- Writes that fail

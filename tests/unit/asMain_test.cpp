@@ -125,6 +125,13 @@ TEST_F(WholeRun, SymbolsOfAnEarlierRunAreForgotten) {
     EXPECT_TRUE(result.output.ends_with("-- 1 error(s).\n"));
 }
 
+TEST_F(WholeRun, EndsInTheFinalPass) {
+    write_file("a.szirpa", " NOP\n");
+    EXPECT_EQ(run({"a.szirpa"}).status, 0);
+    EXPECT_EQ(Pass, 2);
+    EXPECT_EQ(Pass2, 1);
+}
+
 TEST_F(WholeRun, LastLabelOfAnEarlierRunIsForgotten) {
     write_file("label.szirpa", "data FCB 1\n");
     write_file("plain.szirpa", " FCB 1,2\n");

@@ -239,6 +239,23 @@ TEST_F(OutputFileBuffer, MayBeMissingWhenItIsDeleted) {
     EXPECT_FALSE(file_exists("missing.s19"));
 }
 
+// Another user may write to the file, but not delete it from this directory.
+TEST_F(OutputFileBuffer, IsEmptiedWhenItCannotBeDeleted) {
+    constexpr uid_t kNobody = 65534;
+    std::filesystem::create_directory("locked");
+    write_file("locked/out", "old text");
+    ASSERT_EQ(::chmod("locked/out", 0666), 0);
+    ASSERT_EQ(::chmod("locked", 0555), 0);
+    ASSERT_EQ(::chmod(".", 0755), 0);
+    const uid_t user = ::geteuid();
+    ASSERT_EQ(::seteuid(user == 0 ? kNobody : user), 0);
+    delete_output("locked/out");
+    ASSERT_EQ(::seteuid(user), 0);
+    ASSERT_EQ(::chmod("locked", 0755), 0);
+    EXPECT_TRUE(file_exists("locked/out"));
+    EXPECT_EQ(read_text("locked/out"), "");
+}
+
 TEST_F(OutputFileBuffer, IsLeftAloneWhenItIsADevice) {
     // A null device of the test's own, so that a fault cannot cost the machine its real one.
     if (::mknod("null", S_IFCHR | 0666, makedev(1, 3)) != 0) {

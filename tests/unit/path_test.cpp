@@ -214,6 +214,8 @@ TEST(PathCanonicalize, KeepsPointsInsideNames) {
 
 TEST(PathCanonicalize, DoublePointsRemoveTheComponentBefore) {
     EXPECT_EQ(PathCanonicalizeA("\\a\\..\\b"), "\\b");
+    EXPECT_EQ(PathCanonicalizeA("ab\\..\\c"), "c");
+    EXPECT_EQ(PathCanonicalizeA("\\a\\b\\.."), "\\a\\");
     EXPECT_EQ(PathCanonicalizeA("\\a\\b\\..\\c"), "\\a\\c");
     EXPECT_EQ(PathCanonicalizeA("\\a\\b\\..\\..\\c"), "\\c");
     EXPECT_EQ(PathCanonicalizeA("\\a.b\\..\\c"), "\\c");

@@ -452,6 +452,16 @@ TEST_F(SymbolTable, EmptyTableHasNoHeader) {
     EXPECT_EQ(take_output(), "");
 }
 
+TEST_F(SymbolTable, NamesOfOneHashAreDifferentNames) {
+    Symbol *first = put("asua", 1);
+    EXPECT_EQ(getsym("fiza"), nullptr);
+    Symbol *second = put("fiza", 2);
+    ASSERT_NE(second, nullptr);
+    EXPECT_EQ(first->name_hash, second->name_hash);
+    EXPECT_EQ(getsym("asua"), first);
+    EXPECT_EQ(getsym("fiza"), second);
+}
+
 TEST_F(SymbolTable, ReleasedTableHasHandedOutNothing) {
     put("a");
     closesym();

@@ -243,6 +243,7 @@ TEST(Namecomparei, LettersOfEitherCaseAreEqual) {
     EXPECT_TRUE(namecomparei("org", "ORG"));
     EXPECT_TRUE(namecomparei("OrG 5", "oRg"));
     EXPECT_FALSE(namecomparei("ora", "org"));
+    EXPECT_FALSE(namecomparei("or g", "or g"));
     EXPECT_FALSE(namecomparei("@", "`"));
     EXPECT_FALSE(namecomparei("[", "{"));
 }
