@@ -229,6 +229,7 @@ void do_define() {
         return;
     }
     if (std::string_view(words.first).find_first_of("()") != std::string_view::npos) {
+        // Kept: the spelling.
         Warning("Macro Expansions is NOT supported, 'define' igored");
         return;
     }

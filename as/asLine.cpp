@@ -107,6 +107,7 @@ void label_field(const char *field) {
 
 // The fields ahead of the operation. False when the source ended within a debugger line.
 bool leading_fields(int pass) {
+    // Kept: a comment in the first column has no address in the listing, one behind blanks has.
     if (is_line_text_end(*Line_Ptr) || IsCommentChar(*Line_Ptr) != 0) {
         done_without_address();
         return true;

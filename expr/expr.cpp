@@ -483,6 +483,7 @@ std::int64_t evalexp(const char *text, int check, int column) {
     }
     if (check != 0 && Pass2 != 0 && forwardref != 0) {
         if (errorsp == nullptr) {
+            // Kept: the capital S, where no symbol can be named.
             Error("Undefined Symbol");
         } else if (errorsp->has(SYM_UNDEFINED)) {
             report_undefined();

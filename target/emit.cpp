@@ -59,6 +59,7 @@ void emit_byte(std::uint32_t value) {
 }
 
 void put_script_line(unsigned address, unsigned value) {
+    // Kept: two blanks behind the keyword.
     std::array<char, 19> line = {'\n', ' ', '#', 's', 'e', 't', 'M', 'e', 'm', 'o',
                                  'r',  'y', ' ', ' ', 0,   0,   '=', 0,   0};
     hex_byte(&line[14], address);

@@ -109,6 +109,7 @@ std::size_t symbol_length(const char *p) {
         ++end;
     }
     const auto length = static_cast<std::size_t>(end - p);
+    // Kept: a longer name is cut without a message, and its rest is the next token.
     if (length >= kNameLimit) {
         return kNameLimit;
     }
