@@ -39,6 +39,10 @@ template <typename Visit> void for_each_record(std::string_view records, Visit v
         const std::size_t end = records.find('\n');
         const std::string_view line = records.substr(0, end);
         records.remove_prefix(end == std::string_view::npos ? records.size() : end + 1);
+        // Debug records follow; lines that they copy from the source may look like anything.
+        if (line.substr(0, 3) == "SX:") {
+            return;
+        }
         if (!is_record(line)) {
             continue;
         }
