@@ -18,9 +18,10 @@
 
 #include <array>
 #include <cstring>
+#include <iterator>
 
 // clang-format off
-const DirectiveEntry pseudo_zirpa[] = {
+constexpr DirectiveEntry pseudo_zirpa[] = {
     {"org",     DIR_ORG,     0},
     {"equ",     DIR_EQU,     0},
     {"rmb",     DIR_RESERVE, 0},
@@ -97,11 +98,14 @@ constexpr std::uint32_t packed_word(const char *word) {
     return packed;
 }
 
-// The words of pseudo_zirpa, row by row.
-constexpr std::array<std::uint32_t, 6> kPackedDirectives = {
-    packed_word("org"), packed_word("equ"), packed_word("rmb"),
-    packed_word("fcb"), packed_word("fcs"), packed_word("end"),
-};
+// The words of pseudo_zirpa, row by row, without the row that ends the table.
+constexpr auto kPackedDirectives = [] {
+    std::array<std::uint32_t, std::size(pseudo_zirpa) - 1> packed{};
+    for (std::size_t i = 0; i < packed.size(); ++i) {
+        packed[i] = packed_word(pseudo_zirpa[i].name);
+    }
+    return packed;
+}();
 
 // A conditional word of a table at p: its number, with position behind it, or 0.
 int find_conditional(const DirectiveEntry *table, const char *p, const char *&position) {
