@@ -98,14 +98,18 @@ constexpr std::uint32_t packed_word(const char *word) {
     return packed;
 }
 
+using PackedDirectives = std::array<std::uint32_t, std::size(pseudo_zirpa) - 1>;
+
 // The words of pseudo_zirpa, row by row, without the row that ends the table.
-constexpr auto kPackedDirectives = [] {
-    std::array<std::uint32_t, std::size(pseudo_zirpa) - 1> packed{};
+constexpr PackedDirectives pack_directives() {
+    PackedDirectives packed{};
     for (std::size_t i = 0; i < packed.size(); ++i) {
         packed[i] = packed_word(pseudo_zirpa[i].name);
     }
     return packed;
-}();
+}
+
+constexpr PackedDirectives kPackedDirectives = pack_directives();
 
 // A conditional word of a table at p: its number, with position behind it, or 0.
 int find_conditional(const DirectiveEntry *table, const char *p, const char *&position) {
