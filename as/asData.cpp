@@ -76,7 +76,7 @@ int do_define_data() {
     std::int32_t count = 0;
     while (true) {
         ClearOp(opnd1);
-        if (ppexpr(opnd1, 1) != 0 || do_reloc_cmd(opnd1, REL_CMD_OFF_8, LC) != 0) {
+        if (ppexpr(opnd1, 1, Pass2 != 0) != 0 || do_reloc_cmd(opnd1, REL_CMD_OFF_8, LC) != 0) {
             return kFailed;
         }
         ++count;

@@ -13,7 +13,6 @@
 #include "target/scan.h"
 #include "util/text.h"
 
-#include <bit>
 #include <cstring>
 
 int label = 0;
@@ -35,23 +34,6 @@ std::size_t label_length = 0; // characters of the label, which starts the line
 void done_without_address() {
     Line_Done = 1;
     pending_listLC = 0;
-}
-
-// The first character that is no blank or tab. Blanks are counted eight at a time, which the NULs
-// behind the line's text allow.
-const char *skip_blanks_and_tabs(const char *p) {
-    static_assert(std::endian::native == std::endian::little);
-    constexpr std::uint64_t kEightBlanks = 0x2020202020202020U;
-    std::uint64_t others = 0;
-    do {
-        std::memcpy(&others, p, sizeof others);
-        others ^= kEightBlanks;
-        p += std::countr_zero(others) / 8;
-    } while (others == 0);
-    while (*p == ' ' || *p == '\t') {
-        ++p;
-    }
-    return p;
 }
 
 bool is_line_text_end(char ch) { return ch == '\n' || ch == '\0'; }

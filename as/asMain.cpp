@@ -44,6 +44,14 @@ int cannot_open(const char *file) {
     return 0;
 }
 
+// The next line for pass 0. Conditional words may begin with a letter in the other dialects only.
+int next_line_with_label() {
+    if (O_directive_style_native == 0 && O_directive_style_gnu == 0) {
+        skip_unlabelled_lines();
+    }
+    return as_read_line();
+}
+
 // Constants become known. Returns 0 when the source cannot be opened, as first_pass does.
 int constants_pass(const char *file) {
     Pass = 0;
@@ -51,7 +59,7 @@ int constants_pass(const char *file) {
     if (push_source(file) == 0) {
         return cannot_open(file);
     }
-    while (as_read_line() != 0) {
+    while (next_line_with_label() != 0) {
         assaline(0);
     }
     return 1;

@@ -111,6 +111,19 @@ constexpr PackedDirectives pack_directives() {
 
 constexpr PackedDirectives kPackedDirectives = pack_directives();
 
+// The letters with which these words begin, a bit each by the low bits that both cases share.
+constexpr std::uint32_t initial_bit(char ch) { return 1U << (static_cast<unsigned>(ch) & 31U); }
+
+constexpr std::uint32_t initials() {
+    std::uint32_t bits = 0;
+    for (const DirectiveEntry &entry : pseudo_zirpa) {
+        bits |= entry.name != nullptr ? initial_bit(*entry.name) : 0;
+    }
+    return bits;
+}
+
+constexpr std::uint32_t kInitials = initials();
+
 // A conditional word of a table at p: its number, with position behind it, or 0.
 int find_conditional(const DirectiveEntry *table, const char *p, const char *&position) {
     const std::uint32_t token = find_directive(table, p);
@@ -264,9 +277,12 @@ Symbol *equate(std::string_view name, int set) {
 
 } // namespace
 
-// Most words are instructions: the directives' length and letters, all three in one number, rule
-// them out at once.
+// Most words are instructions: the directives' initials, length and letters, all three in one number,
+// rule them out at once.
 std::uint32_t GetPseudoToken(const char *word) {
+    if ((kInitials & initial_bit(word[0])) == 0) {
+        return DIR_NONE;
+    }
     if (isblanc(word[0]) || isblanc(word[1]) || isblanc(word[2]) || !isblanc(word[3])) {
         return DIR_NONE;
     }

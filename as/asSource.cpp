@@ -167,19 +167,30 @@ void enter_file(const std::string &name, const FileText *text) {
     Line_no = 0;
 }
 
-// Reads the next piece of a file into Line: up to a line feed, kLineReadLimit bytes or the end.
+// The size of the next piece of a file: up to a line feed, kLineReadLimit bytes or the end.
+std::size_t piece_size(const FileEntry &file) {
+    const std::size_t left = std::min(file.text->size - file.position, kLineReadLimit);
+    const char *start = &file.text->data[file.position];
+    const void *line_feed = std::memchr(start, '\n', left);
+    return line_feed == nullptr
+               ? left
+               : static_cast<std::size_t>(static_cast<const char *>(line_feed) - start) + 1;
+}
+
+void count_line() {
+    ++Line_no;
+    ++realline;
+    ++listline;
+}
+
+// Reads the next piece of a file into Line.
 bool read_piece(FileEntry &file) {
     const FileText &text = *file.text;
-    const std::size_t left = std::min(text.size - file.position, kLineReadLimit);
-    if (left == 0) {
+    const std::size_t size = piece_size(file);
+    if (size == 0) {
         return false;
     }
     const char *start = &text.data[file.position];
-    const void *line_feed = std::memchr(start, '\n', left);
-    const std::size_t size =
-        line_feed == nullptr
-            ? left
-            : static_cast<std::size_t>(static_cast<const char *>(line_feed) - start) + 1;
     file.position += size;
     if (text.holds_nul) {
         Line.assign(start, size);
@@ -312,9 +323,7 @@ int as_read_line() {
             return 0;
         }
     }
-    ++Line_no;
-    ++realline;
-    ++listline;
+    count_line();
     Col_Ptr = Line.begin();
     Line_Ptr = Line.begin();
     const std::size_t length = Line.length();
@@ -325,6 +334,20 @@ int as_read_line() {
         Line.end_in_line_feed();
     }
     return 1;
+}
+
+void skip_unlabelled_lines() {
+    if (file_being_read == nullptr || endflag != 0) {
+        return;
+    }
+    FileEntry &file = *file_being_read;
+    const char *start = &file.text->data[file.position];
+    while (*start == ' ' && has_class(*skip_blanks_and_tabs(start), kClassLetter)) {
+        const std::size_t size = piece_size(file);
+        count_line();
+        file.position += size;
+        start += size;
+    }
 }
 
 const FileEntry *getCurrentFileInfo(int n) {

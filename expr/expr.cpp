@@ -23,58 +23,57 @@ namespace {
 
 // ---- The tokens of the check, which the evaluation reads again ----
 
-struct CheckedToken {
-    int token;
-    std::int32_t number; // of a TOK_NUMBER
-    const char *begin;
-    const char *end;
-};
-
-// A line has fewer tokens than characters, its terminator included.
+// Each begins where the one before it ends; the first entry is no token and ends where the
+// expression begins. A line has fewer tokens than characters, its terminator included.
 constexpr std::size_t kTokenLimit = kLineReadLimit + 2;
 
-std::array<CheckedToken, kTokenLimit> checked_tokens;
-std::size_t checked_count = 0;
-std::size_t next_checked = 0;
+std::array<ScannedToken, 1 + kTokenLimit> checked_tokens;
+const ScannedToken *const first_checked = &checked_tokens[1];
+const ScannedToken *checked_end = first_checked;
+const ScannedToken *next_checked = first_checked;
 
-// Scans a token and remembers it.
-const CheckedToken &check_token() {
-    CheckedToken &entry = checked_tokens[checked_count++];
-    entry.begin = Col_Ptr;
-    entry.token = gettoken(kExpressionMode);
-    entry.number = yyval;
-    entry.end = Col_Ptr;
-    return entry;
+const char *begin_of(const ScannedToken *token) { return token[-1].end; }
+
+std::string_view text_of(const ScannedToken *token) {
+    return {begin_of(token), static_cast<std::size_t>(token->end - begin_of(token))};
 }
+
+// Where the token begins with which the check stopped.
+const char *stop_position() { return begin_of(checked_end - 1); }
 
 // Goes back to the start of the expression. A leading "%" behind an operand-ending token would be
 // read differently a second time, so it is then scanned anew.
 void rewind_tokens() {
-    next_checked = 0;
+    next_checked = first_checked;
     if (*Col_Ptr == '%' && is_operand_ending(ctoken)) {
-        checked_count = 0;
+        checked_end = first_checked;
     }
+}
+
+const ScannedToken *scan_fresh_token() {
+    static std::array<ScannedToken, 2> fresh;
+    fresh[0].end = Col_Ptr;
+    fresh[1].token = gettoken(kExpressionMode);
+    fresh[1].number = yyval;
+    fresh[1].end = Col_Ptr;
+    return &fresh[1];
 }
 
 // The next token of the evaluation: a checked one, or behind those a fresh one (the check ends at
 // "<" and ">", the evaluation does not).
-const CheckedToken &next_token() {
-    if (next_checked < checked_count) {
-        const CheckedToken &entry = checked_tokens[next_checked++];
-        Col_Ptr = entry.end;
-        return entry;
+const ScannedToken *next_token() {
+    if (next_checked == checked_end) {
+        return scan_fresh_token();
     }
-    static CheckedToken entry;
-    entry.begin = Col_Ptr;
-    entry.token = gettoken(kExpressionMode);
-    entry.number = yyval;
-    entry.end = Col_Ptr;
-    return entry;
+    Col_Ptr = next_checked->end;
+    return next_checked++;
 }
 
 // ---- Syntax check ----
 
 bool is_single_character(int token) { return token < TOK_LC; }
+
+bool is_operand(int token) { return token == TOK_NUMBER || token == TOK_NAME; }
 
 const char *status_text(int code) {
     switch (code) {
@@ -89,67 +88,95 @@ const char *status_text(int code) {
 }
 
 // The status at a token that ends the expression.
-int status_at_end(int token) {
+int status_at_end(int token, bool operand_seen) {
     if (is_single_character(token) && !is_expression_delimiter(static_cast<char>(token))) {
         return STATUS_ILLEGAL_CHARACTER;
     }
-    return state == STATE_OPERAND_SEEN ? STATUS_OK : STATUS_UNTERMINATED;
+    return operand_seen ? STATUS_OK : STATUS_UNTERMINATED;
 }
 
 constexpr int kScanOn = 1; // no status yet
 
+// What the check makes of a token.
+enum class Role : std::uint8_t { kEnd, kOperand, kBinary, kPrefix, kOpen, kClose, kRegister };
+
+consteval std::array<Role, TOK_SP + 1> make_roles() {
+    std::array<Role, TOK_SP + 1> roles{}; // characters end the expression
+    for (const Token token :
+         {TOK_EQ, TOK_NE, TOK_LE, TOK_GE, TOK_LOGICAL_OR, TOK_LOGICAL_AND, TOK_XOR, TOK_PLUS,
+          TOK_MULTIPLY, TOK_DIVIDE, TOK_SHIFT_LEFT, TOK_SHIFT_RIGHT, TOK_AND, TOK_OR,
+          TOK_REMAINDER}) {
+        roles[token] = Role::kBinary;
+    }
+    for (const Token token : {TOK_LOGICAL_NOT, TOK_COMPLEMENT, TOK_MINUS}) {
+        roles[token] = Role::kPrefix;
+    }
+    for (const Token token : {TOK_A, TOK_CC, TOK_X, TOK_Y, TOK_SP}) {
+        roles[token] = Role::kRegister;
+    }
+    roles[TOK_NUMBER] = Role::kOperand;
+    roles[TOK_NAME] = Role::kOperand;
+    roles[TOK_OPEN] = Role::kOpen;
+    roles[TOK_CLOSE] = Role::kClose;
+    return roles;
+}
+
+constexpr std::array<Role, TOK_SP + 1> kRoles = make_roles();
+
 // Takes one token into the state. Returns kScanOn or the status with which the check stops.
-int check_step(int token, int &depth) {
-    switch (token) {
-    case TOK_A:
-    case TOK_CC:
-    case TOK_X:
-    case TOK_Y:
-    case TOK_SP: return STATUS_RESERVED_WORD;
-    case TOK_EQ:
-    case TOK_NE:
-    case TOK_LE:
-    case TOK_GE:
-    case TOK_LOGICAL_OR:
-    case TOK_LOGICAL_AND:
-    case TOK_XOR:
-    case TOK_PLUS:
-    case TOK_MULTIPLY:
-    case TOK_DIVIDE:
-    case TOK_SHIFT_LEFT:
-    case TOK_SHIFT_RIGHT:
-    case TOK_AND:
-    case TOK_OR:
-    case TOK_REMAINDER:
-        if (state != STATE_OPERAND_SEEN) {
-            return STATUS_OPERAND_EXPECTED;
-        }
-        state = STATE_OPERAND_EXPECTED;
-        return kScanOn;
-    case TOK_NUMBER:
-    case TOK_NAME:
-        if (state == STATE_OPERAND_SEEN) {
-            return STATUS_MISSING_OPERATOR;
-        }
-        state = STATE_OPERAND_SEEN;
-        return kScanOn;
-    case TOK_LOGICAL_NOT:
-    case TOK_COMPLEMENT:
-    case TOK_MINUS: state = STATE_OPERAND_EXPECTED; return kScanOn;
-    case TOK_OPEN:
+int check_step(int token, int &state_so_far, int &depth) {
+    const bool operand_seen = state_so_far == STATE_OPERAND_SEEN;
+    const Role role = kRoles[static_cast<std::size_t>(token)];
+    if (role == Role::kOperand) {
+        state_so_far = STATE_OPERAND_SEEN;
+        return operand_seen ? STATUS_MISSING_OPERATOR : kScanOn;
+    }
+    if (role == Role::kBinary) {
+        state_so_far = STATE_OPERAND_EXPECTED;
+        return operand_seen ? kScanOn : STATUS_OPERAND_EXPECTED;
+    }
+    switch (role) {
+    case Role::kPrefix: state_so_far = STATE_OPERAND_EXPECTED; return kScanOn;
+    case Role::kOpen:
         ++depth;
-        if (state == STATE_OPERAND_SEEN) {
-            return STATUS_OPERAND_EXPECTED;
-        }
-        state = STATE_OPERAND_EXPECTED;
-        return kScanOn;
-    case TOK_CLOSE:
+        state_so_far = STATE_OPERAND_EXPECTED;
+        return operand_seen ? STATUS_OPERAND_EXPECTED : kScanOn;
+    case Role::kClose:
         --depth;
         // Kept: no operand is asked for in front of a closing parenthesis.
-        state = STATE_OPERAND_SEEN;
+        state_so_far = STATE_OPERAND_SEEN;
         return depth < 0 ? STATUS_UNEXPECTED_PARENTHESIS : kScanOn;
-    default: return status_at_end(token);
+    case Role::kRegister: return STATUS_RESERVED_WORD;
+    default: return status_at_end(token, operand_seen);
     }
+}
+
+// Checks the expression at the scan position, the first token of which has been scanned.
+int check_tokens(ScannedToken scanned) {
+    int depth = 0;
+    int previous = ctoken;
+    int state_so_far = STATE_START;
+    ScannedToken *checked = checked_tokens.data();
+    checked->end = Col_Ptr;
+    *++checked = scanned;
+    int result = check_step(scanned.token, state_so_far, depth);
+    while (result == kScanOn) {
+        previous = scanned.token;
+        scanned = scan_token(scanned.end, kExpressionMode, previous);
+        *++checked = scanned;
+        result = check_step(scanned.token, state_so_far, depth);
+    }
+    state = state_so_far;
+    checked_end = checked + 1;
+    ctoken = previous_token(previous, begin_of(checked), scanned.token);
+    // An open parenthesis wins over whatever stopped the check.
+    if (depth > 0) {
+        result = STATUS_MISSING_PARENTHESIS;
+    }
+    if (result == STATUS_OK) {
+        Col_Ptr = begin_of(checked);
+    }
+    return result;
 }
 
 // ---- Evaluation ----
@@ -163,9 +190,9 @@ struct Step {
     int pending; // token whose right side is being evaluated
 };
 
-// Nested steps wait here instead of on the machine's stack, so that no nesting can exhaust it. Each
-// has taken a token.
-std::array<Step, kTokenLimit + 1> steps;
+// Steps that wait for a nested one, outermost first. They stand here instead of on the machine's
+// stack, so that no nesting can exhaust it. Each has taken a token.
+std::array<Step, kTokenLimit + 1> waiting_steps;
 
 std::int64_t value_of(const Step &step) {
     return wrap_add(step.sum, wrap_multiply(step.multiplier, step.term));
@@ -182,9 +209,7 @@ void add_term(Step &step) {
 }
 
 // Kept: only "/", "*" or "%%" right behind an operand keep it as the term of an operator.
-bool term_goes_on() {
-    return *Col_Ptr == '/' || *Col_Ptr == '*' || (*Col_Ptr == '%' && Col_Ptr[1] == '%');
-}
+bool term_goes_on(const char *p) { return *p == '/' || *p == '*' || (*p == '%' && p[1] == '%'); }
 
 void note_symbol(OperandRecord &operand, Symbol *symbol) {
     const auto count = static_cast<std::size_t>(operand.symbol_count++);
@@ -216,79 +241,19 @@ std::int64_t name_value(std::string_view name, OperandRecord *operand) {
     return symbol->value;
 }
 
-std::int64_t operand_value(const CheckedToken &token, OperandRecord *operand) {
-    if (token.token == TOK_NUMBER) {
-        return token.number;
-    }
-    return name_value({token.begin, static_cast<std::size_t>(token.end - token.begin)}, operand);
+std::int64_t operand_value(const ScannedToken *token, OperandRecord *operand) {
+    return token->token == TOK_NUMBER ? token->number : name_value(text_of(token), operand);
 }
 
 // A token without a meaning of its own: a character ends the expression.
-std::int64_t end_step(const Step &step, const CheckedToken &token) {
-    if (is_single_character(token.token)) {
+std::int64_t end_step(const Step &step, int token) {
+    if (is_single_character(token)) {
         --Col_Ptr;
         end_of_input = 1;
         return value_of(step);
     }
     Error("Reached unreacheable point in Parser..P0");
     return step.sum;
-}
-
-// Reads tokens into a step. True when it is complete, with its value in result; false when it waits
-// for a nested step, the token for which is pending.
-bool run_step(Step &step, OperandRecord *operand, std::int64_t &result) {
-    do {
-        const CheckedToken &token = next_token();
-        switch (token.token) {
-        case TOK_NUMBER:
-        case TOK_NAME:
-            step.term = operand_value(token, operand);
-            if (!term_goes_on()) {
-                result = value_of(step);
-                return true;
-            }
-            break;
-        case TOK_PLUS: add_term(step); break;
-        case TOK_MINUS:
-            add_term(step);
-            step.multiplier = wrap_negate(step.multiplier);
-            break;
-        case TOK_MULTIPLY:
-            step.multiplier = wrap_multiply(step.multiplier, step.term);
-            step.term = 0;
-            break;
-        case TOK_DIVIDE:
-        case TOK_REMAINDER:
-        case TOK_EQ:
-        case TOK_NE:
-        case TOK_LE:
-        case TOK_GE:
-        case TOK_LOGICAL_AND:
-        case TOK_LOGICAL_OR:
-        case TOK_AND:
-        case TOK_OR:
-        case TOK_XOR:
-        case TOK_SHIFT_LEFT:
-        case TOK_SHIFT_RIGHT:
-        case TOK_LOGICAL_NOT:
-        case TOK_COMPLEMENT: step.pending = token.token; return false;
-        case TOK_OPEN:
-            ++in_paren;
-            if (in_paren > step.depth) {
-                step.pending = token.token;
-                return false;
-            }
-            result = value_of(step);
-            return true;
-        case TOK_CLOSE:
-            --in_paren;
-            result = value_of(step);
-            return true;
-        default: result = end_step(step, token); return true;
-        }
-    } while (status >= 0);
-    result = value_of(step);
-    return true;
 }
 
 // Division and remainder. Kept: only division by zero is told; both stop the steps from going on.
@@ -327,6 +292,75 @@ std::int64_t apply_pending(const Step &step, std::int64_t right) {
     }
 }
 
+// True when an operand comes next and is the whole nested step.
+bool right_side_is_operand() {
+    return next_checked != checked_end && is_operand(next_checked->token) &&
+           !term_goes_on(next_checked->end);
+}
+
+// Reads tokens into a step. True when it is complete, with its value in result; false when it waits
+// for a nested step, the token for which is pending.
+bool run_step(Step &step, OperandRecord *operand, std::int64_t &result) {
+    do {
+        const ScannedToken *token = next_token();
+        switch (token->token) {
+        case TOK_NUMBER:
+        case TOK_NAME:
+            step.term = operand_value(token, operand);
+            if (!term_goes_on(token->end)) {
+                result = value_of(step);
+                return true;
+            }
+            break;
+        case TOK_PLUS: add_term(step); break;
+        case TOK_MINUS:
+            add_term(step);
+            step.multiplier = wrap_negate(step.multiplier);
+            break;
+        case TOK_MULTIPLY:
+            step.multiplier = wrap_multiply(step.multiplier, step.term);
+            step.term = 0;
+            break;
+        case TOK_DIVIDE:
+        case TOK_REMAINDER:
+        case TOK_EQ:
+        case TOK_NE:
+        case TOK_LE:
+        case TOK_GE:
+        case TOK_LOGICAL_AND:
+        case TOK_LOGICAL_OR:
+        case TOK_AND:
+        case TOK_OR:
+        case TOK_XOR:
+        case TOK_SHIFT_LEFT:
+        case TOK_SHIFT_RIGHT:
+        case TOK_LOGICAL_NOT:
+        case TOK_COMPLEMENT:
+            step.pending = token->token;
+            if (!right_side_is_operand()) {
+                return false;
+            }
+            result = apply_pending(step, operand_value(next_token(), operand));
+            return true;
+        case TOK_OPEN:
+            ++in_paren;
+            if (in_paren > step.depth) {
+                step.pending = token->token;
+                return false;
+            }
+            result = value_of(step);
+            return true;
+        case TOK_CLOSE:
+            --in_paren;
+            result = value_of(step);
+            return true;
+        default: result = end_step(step, token->token); return true;
+        }
+    } while (status >= 0);
+    result = value_of(step);
+    return true;
+}
+
 // Kept: the right side of an operator is evaluated at the depth of the operator.
 int nested_depth(const Step &waiting) {
     return waiting.pending == TOK_OPEN ? waiting.depth + 1 : waiting.depth;
@@ -339,51 +373,23 @@ bool wants_more(const Step &waiting) {
 
 // ---- The direct way: most expressions are a number or a name alone ----
 
-// True where an expression ends for sure.
-bool ends_expression(char ch) { return isblanc(ch) || ch == ','; }
-
-// The end of the number at the scan position if it stands alone, with its value; else none.
-const char *lone_number(std::int64_t &value) {
-    const bool is_hexadecimal = *Col_Ptr == '$';
-    const unsigned base = is_hexadecimal ? 16 : 10;
-    const char *digits = is_hexadecimal ? Col_Ptr + 1 : Col_Ptr;
-    const char *p = digits;
-    std::uint64_t number = 0;
-    for (; digit_value(*p) < base; ++p) {
-        number = number * base + digit_value(*p);
-    }
-    value = signed_32(static_cast<std::int64_t>(number));
-    return p != digits && ends_expression(*p) ? p : nullptr;
+// True for an operand behind which the expression ends for sure.
+bool stands_alone(const ScannedToken &scanned) {
+    return is_operand(scanned.token) && (isblanc(*scanned.end) || *scanned.end == ',');
 }
 
-// The end of the name at the scan position if it stands alone, else none.
-const char *lone_name() {
-    const std::size_t length = symbol_length(Col_Ptr);
-    const bool is_alone =
-        length != 0 && ends_expression(Col_Ptr[length]) && register_length(Col_Ptr) == 0;
-    return is_alone ? Col_Ptr + length : nullptr;
-}
-
-// Evaluates an operand that stands alone and moves to the character behind it, with the scanner in
-// the state that check and evaluation leave. False, without moving, for all other expressions.
-bool evaluate_lone_operand(OperandRecord *operand, std::int64_t &value) {
-    const char *end = lone_number(value);
-    const bool is_number = end != nullptr;
-    if (!is_number) {
-        end = lone_name();
-    }
-    if (end == nullptr) {
-        return false;
-    }
+// The value of an operand that stands alone. Moves to the character behind it and leaves the scanner
+// as check and evaluation leave it.
+std::int64_t lone_value(const ScannedToken &scanned, OperandRecord *operand) {
+    const char *begin = Col_Ptr;
     errorsp = nullptr;
     forwardref = 0;
     status = STATUS_OK;
-    if (!is_number) {
-        value = name_value({Col_Ptr, static_cast<std::size_t>(end - Col_Ptr)}, operand);
-    }
-    Col_Ptr = end;
-    ctoken = static_cast<unsigned char>(*end);
-    return true;
+    Col_Ptr = scanned.end;
+    ctoken = static_cast<unsigned char>(*scanned.end);
+    return scanned.token == TOK_NUMBER
+               ? scanned.number
+               : name_value({begin, static_cast<std::size_t>(scanned.end - begin)}, operand);
 }
 
 // Evaluates the checked expression, step by step up to its end.
@@ -399,17 +405,40 @@ std::int64_t evaluate(OperandRecord *operand) {
     return value;
 }
 
+// Takes over from the evaluation where no value is asked for: enters the names, in their order. The
+// expression has ended in a character.
+void enter_names(OperandRecord *operand) {
+    forwardref = 0;
+    for (const ScannedToken *token = first_checked; token != checked_end; ++token) {
+        if (token->token == TOK_NAME) {
+            (void)name_value(text_of(token), operand);
+        }
+    }
+    Col_Ptr = stop_position();
+}
+
+// The value of the checked expression, or 0 where it isn't needed. A "<" or ">" ends the check but
+// not the evaluation, so what follows is always gone through.
+std::int64_t checked_value(OperandRecord *operand, bool is_value_needed) {
+    const int last = checked_end[-1].token;
+    if (is_value_needed || last == TOK_END || !is_single_character(last)) {
+        return evaluate(operand);
+    }
+    enter_names(operand);
+    return 0;
+}
+
 void report_status() { vpError("%s, Position[%d]", status_text(status), offset); }
 
 void report_undefined() { vpError("Undefined symbol '%s'", errorsp->name); }
 
 // Runs the check at the scan position, which then is at the expression's start again. The column is
 // that of the start in the line.
-void check_expression(int column) {
+void check_expression(ScannedToken first, int column) {
     const char *start = Col_Ptr;
     errorsp = nullptr;
-    status = p00();
-    offset = column + static_cast<int>(checked_tokens[checked_count - 1].begin - start);
+    status = check_tokens(first);
+    offset = column + static_cast<int>(stop_position() - start);
     Col_Ptr = start;
 }
 
@@ -421,60 +450,44 @@ bool fails(int report) {
     if (status == STATUS_OK) {
         return false;
     }
-    const CheckedToken &last = checked_tokens[checked_count - 1];
-    return report != 0 || status != STATUS_ILLEGAL_CHARACTER || is_name_char(*last.begin);
+    return report != 0 || status != STATUS_ILLEGAL_CHARACTER || is_name_char(*stop_position());
 }
 
 } // namespace
 
-int p00() {
-    const char *start = Col_Ptr;
-    int depth = 0;
-    int result = kScanOn;
-    state = STATE_START;
-    checked_count = 0;
-    const CheckedToken *last = nullptr;
-    while (result == kScanOn) {
-        last = &check_token();
-        result = check_step(last->token, depth);
-    }
-    // An open parenthesis wins over whatever stopped the check.
-    if (depth > 0) {
-        result = STATUS_MISSING_PARENTHESIS;
-    }
-    Col_Ptr = result == STATUS_OK ? last->begin : start;
-    return result;
-}
+int p00() { return check_tokens(scan_token(Col_Ptr, kExpressionMode, ctoken)); }
 
 std::int64_t p0(std::int64_t accumulated, int /*node_kind*/, int depth, int /*mode*/,
                 OperandRecord *operand) {
-    steps[0] = {0, 1, accumulated, depth, 0};
-    std::size_t top = 0;
+    Step step = {0, 1, accumulated, depth, 0};
+    std::size_t waiting = 0;
     while (true) {
         std::int64_t result = 0;
-        if (!run_step(steps[top], operand, result)) {
-            const Step &waiting = steps[top];
-            steps[++top] = {0, 1, 0, nested_depth(waiting), 0};
+        if (!run_step(step, operand, result)) {
+            waiting_steps[waiting++] = step;
+            step = {0, 1, 0, nested_depth(step), 0};
             continue;
         }
         // Hand the value to the waiting steps, as far as it completes them.
-        while (top > 0 && !wants_more(steps[top - 1])) {
-            --top;
-            result = apply_pending(steps[top], result);
+        while (waiting > 0 && !wants_more(waiting_steps[waiting - 1])) {
+            result = apply_pending(waiting_steps[--waiting], result);
         }
-        if (top == 0) {
+        if (waiting == 0) {
             return result;
         }
-        steps[top] = {0, 1, result, nested_depth(steps[top - 1]), 0};
+        step = {0, 1, result, nested_depth(waiting_steps[waiting - 1]), 0};
     }
 }
 
 std::int64_t evalexp(const char *text, int check, int column) {
     const char *entry = Col_Ptr;
     Col_Ptr = text;
+    const ScannedToken first = scan_token(text, kExpressionMode, ctoken);
     std::int64_t value = 0;
-    if (!evaluate_lone_operand(nullptr, value)) {
-        check_expression(column);
+    if (stands_alone(first)) {
+        value = lone_value(first, nullptr);
+    } else {
+        check_expression(first, column);
         if (status != STATUS_OK) {
             report_status();
             return 0;
@@ -497,17 +510,20 @@ std::int64_t evalexp(const char *text, int check) {
     return evalexp(text, check, column_in_line(text));
 }
 
-int ppexpr(OperandRecord &operand, int report) {
+int ppexpr(OperandRecord &operand, int report, bool is_value_needed) {
     operand.symbol_size = -1;
-    if (!evaluate_lone_operand(&operand, operand.value)) {
-        check_expression(column_in_line(Col_Ptr));
+    const ScannedToken first = scan_token(Col_Ptr, kExpressionMode, ctoken);
+    if (stands_alone(first)) {
+        operand.value = lone_value(first, &operand);
+    } else {
+        check_expression(first, column_in_line(Col_Ptr));
         if (fails(report)) {
             if (report != 0) {
                 report_status();
             }
             return 1;
         }
-        operand.value = evaluate(&operand);
+        operand.value = checked_value(&operand, is_value_needed);
     }
     operand.forward_references = forwardref;
     operand.external_offset = 0;

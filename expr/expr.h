@@ -1,7 +1,6 @@
 // The expression evaluator.
 //
-// An expression is checked first and evaluated afterwards, from left to right and not by
-// precedence:
+// An expression is checked first and evaluated afterwards, from left to right and not by precedence:
 // "+" and "-" separate terms, "*" (and "/" or "%" right behind an operand) binds tighter, and every
 // other operator takes the next term alone and combines it with all that has been gathered.
 // Programs depend on the results, so the steps below are kept as they are. Values are 64-bit two's
@@ -54,8 +53,9 @@ std::int64_t evalexp(const char *text, int check, int column);
 std::int64_t evalexp(const char *text, int check);
 
 // Evaluates the expression at the scan position into the record and moves to the character that
-// ended it: 0; or 1 for a syntax error, which is reported with report set.
-int ppexpr(OperandRecord &operand, int report);
+// ended it: 0; or 1 for a syntax error, which is reported with report set. Where the value isn't
+// needed, the names are entered and the value may be 0.
+int ppexpr(OperandRecord &operand, int report, bool is_value_needed = true);
 
 // The syntax check of the expression at the scan position, which does not move on failure.
 int p00();

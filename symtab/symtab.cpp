@@ -21,9 +21,8 @@ std::size_t symcnt = 0;
 
 namespace {
 
-using SymbolBlock = std::array<Symbol, kSymbolsPerBlock>;
-
-std::vector<std::unique_ptr<SymbolBlock>> symlistptr;
+// A block has room for kSymbolsPerBlock records from the start, so that they never move.
+std::vector<std::vector<Symbol>> symlistptr;
 std::array<Symbol *, kSymbolChains> symtails{}; // last record of each chain
 
 // The index: an open-addressing table of records, a power of two large and at most half full.
@@ -40,8 +39,6 @@ char *name_piece_end = nullptr;
 std::string folded_name; // a name being looked up while case does not count
 
 constexpr int kOverflowStatus = 255;
-
-char fold(char ch) { return O_symbol_case_sensitive != 0 ? ch : to_upper(ch); }
 
 [[noreturn]] void end_on_overflow() {
     standard_output.put("(F1010) Symbol table overflow\nTerminated due to fatal error(s)");
@@ -71,11 +68,26 @@ std::size_t chain_of(std::string_view name) {
     return sum % kSymbolChains;
 }
 
-// Eight bytes of the name.
-std::uint64_t piece_at(const char *text) {
-    std::uint64_t piece = 0;
+// Bytes of the name as a number.
+template <typename Piece> std::uint64_t piece_at(const char *text) {
+    Piece piece = 0;
     std::memcpy(&piece, text, sizeof piece);
     return piece;
+}
+
+constexpr std::size_t kPiece = sizeof(std::uint64_t);
+
+// All of a text of at most eight bytes as a number: its first and last bytes, which may overlap.
+std::uint64_t whole_text(const char *text, std::size_t size) {
+    if (size >= sizeof(std::uint32_t)) {
+        return piece_at<std::uint32_t>(text) << 32U |
+               piece_at<std::uint32_t>(text + size - sizeof(std::uint32_t));
+    }
+    if (size == 0) {
+        return 0;
+    }
+    return piece_at<std::uint8_t>(text) << 16U | piece_at<std::uint8_t>(text + size / 2) << 8U |
+           piece_at<std::uint8_t>(text + size - 1);
 }
 
 std::uint64_t mix(std::uint64_t hash, std::uint64_t piece) {
@@ -86,45 +98,59 @@ std::uint64_t mix(std::uint64_t hash, std::uint64_t piece) {
 
 // Takes eight bytes of the name at a time, the last eight overlapping those before them.
 std::uint32_t index_hash(std::string_view name) {
-    constexpr std::size_t kPiece = sizeof(std::uint64_t);
     std::uint64_t hash = name.size();
     const char *text = name.data();
-    const char *end = text + name.size();
-    if (name.size() < kPiece) {
-        std::uint64_t piece = 0;
-        for (; text != end; ++text) {
-            piece = piece << 8U | static_cast<unsigned char>(*text);
+    if (name.size() <= kPiece) {
+        return static_cast<std::uint32_t>(mix(hash, whole_text(text, name.size())));
+    }
+    const char *last = text + name.size() - kPiece;
+    for (; text < last; text += kPiece) {
+        hash = mix(hash, piece_at<std::uint64_t>(text));
+    }
+    return static_cast<std::uint32_t>(mix(hash, piece_at<std::uint64_t>(last)));
+}
+
+// The same for comparing: names are too short for a call to pay.
+bool same_text(const char *a, const char *b, std::size_t size) {
+    if (size <= kPiece) {
+        return whole_text(a, size) == whole_text(b, size);
+    }
+    const std::size_t last = size - kPiece;
+    for (std::size_t i = 0; i < last; i += kPiece) {
+        if (piece_at<std::uint64_t>(a + i) != piece_at<std::uint64_t>(b + i)) {
+            return false;
         }
-        return static_cast<std::uint32_t>(mix(hash, piece));
     }
-    for (; end - text > static_cast<std::ptrdiff_t>(kPiece); text += kPiece) {
-        hash = mix(hash, piece_at(text));
+    return piece_at<std::uint64_t>(a + last) == piece_at<std::uint64_t>(b + last);
+}
+
+// A name as it is stored, and its place in the index.
+struct Key {
+    std::string_view name;
+    std::uint32_t hash;
+};
+
+Key key_of(std::string_view name) {
+    if (O_symbol_case_sensitive == 0) {
+        folded_name.assign(name);
+        std::transform(folded_name.begin(), folded_name.end(), folded_name.begin(), to_upper);
+        name = folded_name;
     }
-    return static_cast<std::uint32_t>(mix(hash, piece_at(end - kPiece)));
+    return {name, index_hash(name)};
 }
 
 // The record whose stored name is exactly this one, or none.
-Symbol *find_stored(std::string_view name) {
+Symbol *find(const Key &key) {
     const std::size_t mask = symbol_index.size() - 1;
-    const std::uint32_t hash = index_hash(name);
-    std::size_t slot = hash & mask;
+    std::size_t slot = key.hash & mask;
     while (const Symbol *symbol = symbol_index[slot]) {
-        if (symbol->name_hash == hash && symbol->name_view() == name) {
+        if (symbol->name_hash == key.hash && symbol->name_length == key.name.size() &&
+            same_text(symbol->name, key.name.data(), key.name.size())) {
             break;
         }
         slot = (slot + 1) & mask;
     }
     return symbol_index[slot];
-}
-
-// The record of a name as written, or none.
-Symbol *find(std::string_view name) {
-    if (O_symbol_case_sensitive != 0) {
-        return find_stored(name);
-    }
-    folded_name.assign(name);
-    std::transform(folded_name.begin(), folded_name.end(), folded_name.begin(), to_upper);
-    return find_stored(folded_name);
 }
 
 // Enters a record under its stored spelling, which folds to itself unless it was stored before case
@@ -157,7 +183,7 @@ void add_block() {
         end_on_overflow();
     }
     try {
-        symlistptr.push_back(std::make_unique<SymbolBlock>());
+        symlistptr.emplace_back().reserve(kSymbolsPerBlock);
     } catch (const std::bad_alloc &) {
         end_on_overflow();
     }
@@ -169,10 +195,11 @@ Symbol *next_record() {
     if (symcnt == kSymbolsPerBlock) {
         add_block();
     }
-    return &(*symlistptr.back())[symcnt++];
+    ++symcnt;
+    return &symlistptr.back().emplace_back();
 }
 
-// Stores a name, NUL-terminated, in upper case where case does not count.
+// Stores a name, NUL-terminated.
 const char *store_name(std::string_view name) {
     const std::size_t size = name.size() + 1;
     if (size > name_piece_left) {
@@ -182,7 +209,7 @@ const char *store_name(std::string_view name) {
         name_piece_left = piece_size;
     }
     char *stored = name_piece_end - name_piece_left;
-    *std::transform(name.begin(), name.end(), stored, fold) = '\0';
+    *std::copy(name.begin(), name.end(), stored) = '\0';
     name_piece_left -= size;
     return stored;
 }
@@ -204,12 +231,12 @@ Segment *segment_of_new(std::uint32_t flags) {
     return (flags & SYM_UNDEFINED) != 0 ? LookupSegment("abs", 1) : current_seg;
 }
 
-Symbol *create(std::string_view name, std::int32_t value, std::int32_t line, std::uint32_t flags,
+Symbol *create(const Key &key, std::int32_t value, std::int32_t line, std::uint32_t flags,
                std::int32_t count) {
     Symbol *symbol = next_record();
-    symbol->name = store_name(name);
-    symbol->name_length = static_cast<std::uint32_t>(name.size());
-    symbol->name_hash = index_hash(symbol->name_view());
+    symbol->name = store_name(key.name);
+    symbol->name_length = static_cast<std::uint32_t>(key.name.size());
+    symbol->name_hash = key.hash;
     symbol->definition_line = line;
     symbol->value = value;
     symbol->segment = segment_of_new(flags);
@@ -266,19 +293,20 @@ void init_as_symbol_table() {
 
 Symbol *putsym(std::string_view name, std::int32_t value, std::int32_t line, std::uint32_t flags,
                int /*kind*/, const char * /*file*/, std::int32_t count) {
-    const std::string_view stored = up_to_blank(name);
-    if (find(stored) != nullptr) {
+    const Key key = key_of(up_to_blank(name));
+    if (find(key) != nullptr) {
         Error("(F1024)");
         return nullptr;
     }
-    return create(stored, value, line, flags, count);
+    return create(key, value, line, flags, count);
 }
 
-Symbol *getsym(std::string_view name) { return find(leading_run(name)); }
+Symbol *getsym(std::string_view name) { return find(key_of(leading_run(name))); }
 
 Symbol *lookup(std::string_view name) {
-    Symbol *symbol = find(name);
-    return symbol != nullptr ? symbol : create(name, 0, 0, SYM_UNDEFINED, 0);
+    const Key key = key_of(name);
+    Symbol *symbol = find(key);
+    return symbol != nullptr ? symbol : create(key, 0, 0, SYM_UNDEFINED, 0);
 }
 
 Symbol *refsym(std::string_view name) {

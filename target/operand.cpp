@@ -1,5 +1,6 @@
 #include "target/operand.h"
 
+#include "as/asOptions.h"
 #include "as/asSource.h"
 #include "expr/expr.h"
 #include "target/optab.h"
@@ -70,14 +71,16 @@ void ClearOp(OperandRecord &operand) {
 }
 
 int Parse_Operand(OperandRecord &operand) {
+    // Before the final pass the mode alone counts.
+    const bool is_value_needed = Pass != 1;
     ClearOp(operand);
     commadel = 0;
     if (lookahead('#') != 0) {
-        if (ppexpr(operand, 1) != 0) {
+        if (ppexpr(operand, 1, is_value_needed) != 0) {
             return 1;
         }
         operand.mode = ADR_IMM;
-    } else if (ppexpr(operand, 0) == 0) {
+    } else if (ppexpr(operand, 0, is_value_needed) == 0) {
         operand.mode = mode_after_expression();
     } else if (lookahead(',') != 0) {
         operand.mode = auto_step_mode();

@@ -170,15 +170,14 @@ std::size_t letter_index(char ch) {
     return upper >= 'A' && upper < 'Z' ? static_cast<std::size_t>(upper - 'A') : kLetters;
 }
 
-// True when the word of that length behind the first letter is the tail, in either case.
-bool matches(const char *tail, const char *word, std::size_t length) {
+// The word of that length as the key of a row: letters of either case are equal, and no other
+// character becomes a lower-case letter by the bit that is set.
+std::uint32_t key_of(const char *word, std::size_t length) {
+    std::uint32_t key = 0;
     for (std::size_t i = 0; i < length; ++i) {
-        // The tail is of lower-case letters, so this is equality in either case.
-        if ((word[i] | 0x20) != tail[i]) {
-            return false;
-        }
+        key |= (static_cast<unsigned char>(word[i]) | 0x20U) << 8 * i;
     }
-    return tail[length] == '\0';
+    return key;
 }
 
 } // namespace
@@ -202,8 +201,12 @@ int ZIRPA_getmnem(MnemonicRecord *record) {
         return 0;
     }
     const auto length = static_cast<std::size_t>(skipnonblanc(Col_Ptr) - Col_Ptr);
-    for (const InstructionEntry *entry = optab[letter]; entry->tail != nullptr; ++entry) {
-        if (matches(entry->tail, Col_Ptr, length)) {
+    if (length > kTailLimit) {
+        return 0;
+    }
+    const std::uint32_t key = key_of(Col_Ptr, length);
+    for (const InstructionEntry *entry = optab[letter]; entry->key != 0; ++entry) {
+        if (entry->key == key) {
             record->opcode = static_cast<std::uint16_t>(entry->opcode);
             record->mode_mask = entry->mode_mask;
             record->coder = static_cast<std::uint16_t>(entry->coder);

@@ -36,12 +36,24 @@ static_assert(kByteOperandModes == 0x836);
 // Coder number of the current mnemonic while there is no instruction.
 inline constexpr std::uint16_t kNoCoder = 65535;
 
+// Longest mnemonic without its first letter, in characters.
+inline constexpr std::size_t kTailLimit = 4;
+
 // A row of the table.
 struct InstructionEntry {
+    constexpr InstructionEntry(const char *row_tail, std::uint32_t row_opcode,
+                               std::uint64_t row_mode_mask, std::uint32_t row_coder)
+        : tail(row_tail), opcode(row_opcode), mode_mask(row_mode_mask), coder(row_coder) {
+        for (std::size_t i = 0; row_tail != nullptr && row_tail[i] != '\0'; ++i) {
+            key |= static_cast<std::uint32_t>(row_tail[i]) << 8 * i;
+        }
+    }
+
     const char *tail;        // mnemonic without its first letter, lower case; none ends a table
     std::uint32_t opcode;    // base opcode, low 8 bits used
     std::uint64_t mode_mask; // accepted operand forms
     std::uint32_t coder;     // 0 to 7
+    std::uint32_t key = 0;   // the tail as a number, its first character lowest; 0 ends a table
 };
 
 // What a lookup found; TFR and EXG store the opcode they chose here.

@@ -12,90 +12,86 @@ namespace {
 
 constexpr bool starts_symbol(char ch) { return has_class(ch, kClassLetter | kClassUnderscore); }
 
-// Records a token as the previous one and steps past its characters.
-int take(int token, int length) {
-    Col_Ptr += length;
-    ctoken = token;
-    return token;
-}
+// The token of a number of characters at p.
+ScannedToken token_at(const char *p, int token, int length) { return {token, 0, p + length}; }
 
-// A register name at the scan position: its token, or 0. Kept: a symbol of that name can't be used
-// in an expression.
-int register_token() {
-    const std::size_t length = register_length(Col_Ptr);
-    if (length == 0) {
-        return 0;
-    }
-    const char letter = to_upper(*Col_Ptr);
-    if (length == 2) {
-        return take(letter == 'S' ? TOK_SP : TOK_CC, 2);
-    }
-    return take(letter == 'A' ? TOK_A : letter == 'X' ? TOK_X : TOK_Y, 1);
-}
+// The character at p as a token of its own.
+ScannedToken character(const char *p) { return token_at(p, static_cast<unsigned char>(*p), 1); }
 
 // One of two tokens, by whether the second character is next.
-int either(char second, int two_characters, int one_character) {
-    return Col_Ptr[1] == second ? take(two_characters, 2) : take(one_character, 1);
-}
-
-// An operator at the scan position: its token, or 0.
-int operator_token() {
-    switch (Col_Ptr[0]) {
-    case '=': return Col_Ptr[1] == '=' ? take(TOK_EQ, 2) : 0;
-    case '!': return either('=', TOK_NE, TOK_LOGICAL_NOT);
-    case '<': return Col_Ptr[1] == '<' ? take(TOK_SHIFT_LEFT, 2) : either('=', TOK_LE, TOK_LESS);
-    case '>':
-        return Col_Ptr[1] == '>' ? take(TOK_SHIFT_RIGHT, 2) : either('=', TOK_GE, TOK_GREATER);
-    case '|': return either('|', TOK_LOGICAL_OR, TOK_OR);
-    case '&': return either('&', TOK_LOGICAL_AND, TOK_AND);
-    case '(': return take(TOK_OPEN, 1);
-    case ')': return take(TOK_CLOSE, 1);
-    case '*': return take(TOK_MULTIPLY, 1);
-    case '+': return take(TOK_PLUS, 1);
-    case '-': return take(TOK_MINUS, 1);
-    case '/': return take(TOK_DIVIDE, 1);
-    case '^': return take(TOK_XOR, 1);
-    case '~': return take(TOK_COMPLEMENT, 1);
-    default: return 0;
-    }
+ScannedToken either(const char *p, char second, int two_characters, int one_character) {
+    return p[1] == second ? token_at(p, two_characters, 2) : token_at(p, one_character, 1);
 }
 
 // Reads digits up to a delimiter. A faulty digit is taken too and reported.
-int number_token(unsigned base, const char *fault) {
+ScannedToken number(const char *digits, unsigned base, const char *fault) {
+    const char *p = digits;
     std::uint64_t value = 0;
-    do {
-        const unsigned digit = digit_value(*Col_Ptr);
-        ++Col_Ptr;
-        if (digit >= base) {
-            Error(fault);
-            return TOK_END;
-        }
+    for (unsigned digit = digit_value(*p); digit < base; digit = digit_value(*++p)) {
         value = value * base + digit;
-    } while (!is_expression_delimiter(*Col_Ptr));
-    yyval = static_cast<std::int32_t>(static_cast<std::uint32_t>(value));
-    ctoken = TOK_NUMBER;
-    return TOK_NUMBER;
+    }
+    if (p == digits || !is_expression_delimiter(*p)) {
+        Error(fault);
+        return token_at(p, TOK_END, 1);
+    }
+    return {TOK_NUMBER, static_cast<std::int32_t>(static_cast<std::uint32_t>(value)), p};
 }
 
-// The character at the scan position as a token of its own.
-int character() { return take(static_cast<unsigned char>(*Col_Ptr), 1); }
-
-// A register or a name, or where neither stands, the letter itself.
-int word_token() {
-    if (const int token = register_token(); token != 0) {
-        return token;
+// A register, a name, or where neither stands, the letter itself. Kept: a symbol with the name of a
+// register can't be used in an expression.
+ScannedToken word(const char *p) {
+    if (const std::size_t length = register_length(p); length != 0) {
+        const char letter = to_upper(*p);
+        if (length == 2) {
+            return token_at(p, letter == 'S' ? TOK_SP : TOK_CC, 2);
+        }
+        return token_at(p, letter == 'A' ? TOK_A : letter == 'X' ? TOK_X : TOK_Y, 1);
     }
-    if (valid_sym() != 0) {
-        ctoken = TOK_NAME;
-        return TOK_NAME;
-    }
-    return character();
+    const std::size_t length = symbol_length(p);
+    return length != 0 ? ScannedToken{TOK_NAME, 0, p + length} : character(p);
 }
 
-int character_token() {
-    const auto code = static_cast<unsigned char>(Col_Ptr[1]);
-    yyval = code < 128 ? code : code - 256;
-    return take(TOK_NUMBER, 3);
+ScannedToken quoted_character(const char *p) {
+    if (p[1] == '\0' || p[2] != '\'') {
+        return character(p);
+    }
+    const auto code = static_cast<unsigned char>(p[1]);
+    return {TOK_NUMBER, code < 128 ? code : code - 256, p + 3};
+}
+
+// A token that is neither a word nor a decimal number.
+ScannedToken mark(const char *p, int previous) {
+    switch (*p) {
+    case '%':
+        return is_operand_ending(previous) ? token_at(p, TOK_REMAINDER, 1)
+                                           : number(p + 1, 2, "Illegal binary digit");
+    case '$': return number(p + 1, 16, "Illegal hexadecimal digit");
+    case '\'': return quoted_character(p);
+    default: return character(p);
+    }
+}
+
+// The same where operators are tokens of their own.
+ScannedToken mark_or_operator(const char *p, int previous) {
+    switch (*p) {
+    case '=': return p[1] == '=' ? token_at(p, TOK_EQ, 2) : character(p);
+    case '!': return either(p, '=', TOK_NE, TOK_LOGICAL_NOT);
+    case '<':
+        return p[1] == '<' ? token_at(p, TOK_SHIFT_LEFT, 2) : either(p, '=', TOK_LE, TOK_LESS);
+    case '>':
+        return p[1] == '>' ? token_at(p, TOK_SHIFT_RIGHT, 2) : either(p, '=', TOK_GE, TOK_GREATER);
+    case '|': return either(p, '|', TOK_LOGICAL_OR, TOK_OR);
+    case '&': return either(p, '&', TOK_LOGICAL_AND, TOK_AND);
+    case '(': return token_at(p, TOK_OPEN, 1);
+    case ')': return token_at(p, TOK_CLOSE, 1);
+    case '*': return token_at(p, TOK_MULTIPLY, 1);
+    case '+': return token_at(p, TOK_PLUS, 1);
+    case '-': return token_at(p, TOK_MINUS, 1);
+    case '/': return token_at(p, TOK_DIVIDE, 1);
+    case '^': return token_at(p, TOK_XOR, 1);
+    case '~': return token_at(p, TOK_COMPLEMENT, 1);
+    default: return mark(p, previous);
+    }
 }
 
 } // namespace
@@ -138,38 +134,33 @@ int valid_sym() {
     return 1;
 }
 
-int gettoken(int mode) {
-    yytext = {};
-    yyval = 0;
-    const char ch = *Col_Ptr;
-    if (is_digit(ch)) {
-        return number_token(10, "Illegal decimal digit");
+ScannedToken scan_token(const char *p, int mode, int previous) {
+    const char ch = *p;
+    if (starts_symbol(ch)) {
+        return word(p);
     }
-    if (has_class(ch, kClassLetter | kClassUnderscore)) {
-        return word_token();
+    if (is_digit(ch)) {
+        return number(p, 10, "Illegal decimal digit");
     }
     if (mode == kExpressionMode) {
-        if (const int token = operator_token(); token != 0) {
-            return token;
-        }
-    } else if (ch == '*') {
-        return take(is_operand_ending(ctoken) ? TOK_MULTIPLY : TOK_LC, 1);
+        return mark_or_operator(p, previous);
     }
-    if (ch == '%') {
-        if (is_operand_ending(ctoken)) {
-            return take(TOK_REMAINDER, 1);
-        }
-        ++Col_Ptr;
-        return number_token(2, "Illegal binary digit");
+    if (ch == '*') {
+        return token_at(p, is_operand_ending(previous) ? TOK_MULTIPLY : TOK_LC, 1);
     }
-    if (ch == '\'' && Col_Ptr[1] != '\0' && Col_Ptr[2] == '\'') {
-        return character_token();
-    }
-    if (ch == '$') {
-        ++Col_Ptr;
-        return number_token(16, "Illegal hexadecimal digit");
-    }
-    return character();
+    return mark(p, previous);
+}
+
+int gettoken(int mode) {
+    const char *begin = Col_Ptr;
+    const ScannedToken scanned = scan_token(begin, mode, ctoken);
+    yytext = scanned.token == TOK_NAME
+                 ? std::string_view(begin, static_cast<std::size_t>(scanned.end - begin))
+                 : std::string_view();
+    yyval = scanned.number;
+    ctoken = previous_token(ctoken, begin, scanned.token);
+    Col_Ptr = scanned.end;
+    return scanned.token;
 }
 
 int lookahead(char ch) {

@@ -60,13 +60,27 @@ extern int ctoken; // the previous token, which tells "%" and "*" apart; reset a
 // then letters, digits, "$", "." and "_"; a byte of 128 or more right behind makes it no name.
 std::size_t symbol_length(const char *p);
 
-// The length of the register name at p (A, X, Y: 1; SP, CC: 2), which ends where no letter, digit
-// or
+// The length of the register name at p (A, X, Y: 1; SP, CC: 2), which ends where no letter, digit or
 // "_" follows; 0 if there is none.
 std::size_t register_length(const char *p);
 
 // Reads a name into yytext and returns 1, or returns 0 without moving.
 int valid_sym();
+
+// A token as it stands in the text.
+struct ScannedToken {
+    int token;
+    std::int32_t number; // low 32 bits of the value of a TOK_NUMBER, else 0
+    const char *end;     // behind its last character
+};
+
+// The token at p, where the token before it was previous. Moves nothing; reports faulty digits.
+ScannedToken scan_token(const char *p, int mode, int previous);
+
+// What counts as the previous token behind the one at begin: a faulty digit leaves it unchanged.
+inline int previous_token(int previous, const char *begin, int token) {
+    return token == TOK_END && *begin != '\0' ? previous : token;
+}
 
 // Reads the next token and returns its code.
 int gettoken(int mode);

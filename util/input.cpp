@@ -13,7 +13,7 @@ namespace {
 constexpr std::size_t kFirstCapacity = 65536;
 
 void grow(FileText &text, std::size_t capacity) {
-    auto larger = std::make_unique_for_overwrite<char[]>(capacity);
+    auto larger = std::make_unique_for_overwrite<char[]>(capacity + kFileGuard);
     if (text.size > 0) {
         std::memcpy(larger.get(), text.data.get(), text.size);
     }
@@ -31,6 +31,7 @@ bool read_all(int descriptor, std::size_t capacity, FileText &text) {
         if (count > 0) {
             text.size += static_cast<std::size_t>(count);
         } else if (count == 0) {
+            std::memset(&text.data[text.size], 0, kFileGuard);
             return true;
         } else if (errno != EINTR) {
             return false;

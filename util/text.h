@@ -8,8 +8,10 @@
 #pragma once
 
 #include <array>
+#include <bit>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string>
 
 // Character classes, one bit each.
@@ -112,6 +114,23 @@ inline const char *skipblanc(const char *p) {
         while (*p != '\0' && isblanc(*p)) {
             ++p;
         }
+    }
+    return p;
+}
+
+// The first character that is no blank or tab. Blanks are counted eight at a time, so eight bytes must
+// be readable from the text's end on, one of which is no blank.
+inline const char *skip_blanks_and_tabs(const char *p) {
+    static_assert(std::endian::native == std::endian::little);
+    constexpr std::uint64_t kEightBlanks = 0x2020202020202020U;
+    std::uint64_t others = 0;
+    do {
+        std::memcpy(&others, p, sizeof others);
+        others ^= kEightBlanks;
+        p += std::countr_zero(others) / 8;
+    } while (others == 0);
+    while (*p == ' ' || *p == '\t') {
+        ++p;
     }
     return p;
 }
