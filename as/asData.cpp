@@ -74,8 +74,8 @@ bool string_character() {
 int do_define_data() {
     define_directive_label();
     std::int32_t count = 0;
+    ClearOp(opnd1);
     while (true) {
-        ClearOp(opnd1);
         if (ppexpr(opnd1, 1, Pass2 != 0) != 0 || do_reloc_cmd(opnd1, REL_CMD_OFF_8, LC) != 0) {
             return kFailed;
         }

@@ -45,11 +45,15 @@ void put_array_value(std::uint32_t value) {
     }
 }
 
+void start_next_record() {
+    putout1();
+    outrecinit(record_type, LC);
+}
+
 // Adds a byte to the record and to the C array and advances the location counter.
 void emit_byte(std::uint32_t value) {
     if (outrec.count == kRecordCapacity) {
-        putout1();
-        outrecinit(record_type, LC);
+        start_next_record();
     }
     outrec.bytes[outrec.count++] = static_cast<std::uint8_t>(value);
     ++LC;

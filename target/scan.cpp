@@ -24,7 +24,7 @@ ScannedToken either(const char *p, char second, int two_characters, int one_char
 }
 
 // Reads digits up to a delimiter. A faulty digit is taken too and reported.
-ScannedToken number(const char *digits, unsigned base, const char *fault) {
+template <unsigned base> ScannedToken number(const char *digits, const char *fault) {
     const char *p = digits;
     std::uint64_t value = 0;
     for (unsigned digit = digit_value(*p); digit < base; digit = digit_value(*++p)) {
@@ -59,13 +59,12 @@ ScannedToken quoted_character(const char *p) {
     return {TOK_NUMBER, code < 128 ? code : code - 256, p + 3};
 }
 
-// A token that is neither a word nor a decimal number.
+// A token that is neither a word nor a decimal or hexadecimal number.
 ScannedToken mark(const char *p, int previous) {
     switch (*p) {
     case '%':
         return is_operand_ending(previous) ? token_at(p, TOK_REMAINDER, 1)
-                                           : number(p + 1, 2, "Illegal binary digit");
-    case '$': return number(p + 1, 16, "Illegal hexadecimal digit");
+                                           : number<2>(p + 1, "Illegal binary digit");
     case '\'': return quoted_character(p);
     default: return character(p);
     }
@@ -140,7 +139,10 @@ ScannedToken scan_token(const char *p, int mode, int previous) {
         return word(p);
     }
     if (is_digit(ch)) {
-        return number(p, 10, "Illegal decimal digit");
+        return number<10>(p, "Illegal decimal digit");
+    }
+    if (ch == '$') {
+        return number<16>(p + 1, "Illegal hexadecimal digit");
     }
     if (mode == kExpressionMode) {
         return mark_or_operator(p, previous);

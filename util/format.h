@@ -3,7 +3,9 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <cstdint>
+#include <cstring>
 #include <string_view>
 
 inline constexpr std::string_view kHexDigits = "0123456789ABCDEF";
@@ -11,10 +13,26 @@ inline constexpr std::string_view kHexDigits = "0123456789ABCDEF";
 // Room for any 64-bit number, its sign included.
 using NumberText = std::array<char, 20>;
 
-// Writes the low 8 bits as two upper-case hexadecimal digits; returns the position behind them.
+consteval std::array<char, 512> make_hex_bytes() {
+    std::array<char, 512> digits{};
+    for (unsigned value = 0; value < 256; ++value) {
+        digits[std::size_t{2} * value] = kHexDigits[value >> 4U];
+        digits[std::size_t{2} * value + 1] = kHexDigits[value & 0xFU];
+    }
+    return digits;
+}
+
+// The two digits of each byte, one behind the other.
+inline constexpr std::array<char, 512> kHexBytes = make_hex_bytes();
+
+// The low 8 bits as two upper-case hexadecimal digits.
+constexpr std::string_view hex_byte_text(unsigned value) {
+    return {&kHexBytes[std::size_t{2} * (value & 0xFFU)], 2};
+}
+
+// Writes those digits; returns the position behind them.
 inline char *hex_byte(char *text, unsigned value) {
-    text[0] = kHexDigits[value >> 4U & 0xFU];
-    text[1] = kHexDigits[value & 0xFU];
+    std::memcpy(text, hex_byte_text(value).data(), 2);
     return text + 2;
 }
 

@@ -55,10 +55,7 @@ class OutputFile {
     void put(std::initializer_list<std::string_view> texts);
 
     // Two upper-case hexadecimal digits.
-    void put_hex_byte(unsigned value) {
-        put(kHexDigits[value >> 4U & 0xFU]);
-        put(kHexDigits[value & 0xFU]);
-    }
+    void put_hex_byte(unsigned value) { put(hex_byte_text(value)); }
 
     // Upper-case hexadecimal, at least min_digits digits (1 to 16), zero-padded.
     void put_hex(std::uint64_t value, unsigned min_digits);
