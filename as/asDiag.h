@@ -21,25 +21,26 @@ extern int phase_error;         // a phase error waits to be reported; reset at 
 extern int Phase_Error_Written; // the pass's one phase error has been reported; reset likewise
 
 // ---- Functions ----
+// Reports are rare, so the code that leads to them is kept out of the way.
 
 // Reports an error in the final pass, if it is the first of its line, and ends work on the line.
-void Error(const char *text);
+[[gnu::cold]] void Error(const char *text);
 
 // As Error, with values inserted, and reported even if the line has had an error.
-__attribute__((format(printf, 1, 2))) void vpError(const char *format, ...);
+[[gnu::cold, gnu::format(printf, 1, 2)]] void vpError(const char *format, ...);
 
 // Reports an error and returns -1, the result of what has failed.
-int fail(const char *text);
+[[gnu::cold]] int fail(const char *text);
 
 // Reports a warning in the final pass with -w.
-void Warning(const char *text);
-__attribute__((format(printf, 1, 2))) void vpWarning(const char *format, ...);
+[[gnu::cold]] void Warning(const char *text);
+[[gnu::cold, gnu::format(printf, 1, 2)]] void vpWarning(const char *format, ...);
 
 // As Warning, for a place given by the caller.
 void ExtendedWarning(const char *text, const char *file_name, int line);
 
 // Reports in any pass and ends the run with status 1; files are left as they are.
-[[noreturn]] __attribute__((format(printf, 1, 2))) void vpFatal(const char *format, ...);
+[[noreturn, gnu::cold, gnu::format(printf, 1, 2)]] void vpFatal(const char *format, ...);
 
 // Ends work on the current line.
 inline void SkipLine() { Line_Done = 1; }

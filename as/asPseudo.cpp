@@ -277,8 +277,8 @@ Symbol *equate(std::string_view name, int set) {
 
 } // namespace
 
-// Most words are instructions: the directives' initials, length and letters, all three in one number,
-// rule them out at once.
+// Most words are instructions: the directives' initials, length and letters, all three in one
+// number, rule them out at once.
 std::uint32_t GetPseudoToken(const char *word) {
     if ((kInitials & initial_bit(word[0])) == 0) {
         return DIR_NONE;

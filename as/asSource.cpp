@@ -219,13 +219,18 @@ std::string start_directory(const char *invocation) {
 } // namespace
 
 void LineBuffer::assign(const char *text, std::size_t size) {
-    assign_without_nul(text, size);
+    const std::size_t taken = std::min(size, kLineReadLimit);
+    std::memcpy(text_.data(), text, taken);
+    terminate(taken);
     terminate(std::strlen(text_.data()));
 }
 
 void LineBuffer::assign_without_nul(const char *text, std::size_t size) {
     const std::size_t taken = std::min(size, kLineReadLimit);
-    std::memcpy(text_.data(), text, taken);
+    // In whole pieces, for which there is room behind the file's text and the line's.
+    for (std::size_t i = 0; i < taken; i += kGuard) {
+        std::memcpy(&text_[i], &text[i], kGuard);
+    }
     terminate(taken);
 }
 

@@ -38,7 +38,7 @@ class LineBuffer {
     // Takes at most kLineReadLimit bytes; a NUL among them ends the text.
     void assign(const char *text, std::size_t size);
 
-    // The same for bytes of which none is a NUL.
+    // The same for bytes of a file, of which none is a NUL.
     void assign_without_nul(const char *text, std::size_t size);
 
     // Cuts the last two characters and ends the line in a line feed instead.
@@ -49,7 +49,7 @@ class LineBuffer {
     std::string_view view() const { return {text_.data(), length_}; }
 
   private:
-    static constexpr std::size_t kGuard = 16;
+    static constexpr std::size_t kGuard = kFileGuard;
 
     void terminate(std::size_t length) {
         length_ = length;

@@ -28,7 +28,7 @@ namespace {
 constexpr std::size_t kTokenLimit = kLineReadLimit + 2;
 
 std::array<ScannedToken, 1 + kTokenLimit> checked_tokens;
-const ScannedToken *const first_checked = &checked_tokens[1];
+ScannedToken *const first_checked = &checked_tokens[1];
 const ScannedToken *checked_end = first_checked;
 const ScannedToken *next_checked = first_checked;
 
@@ -102,10 +102,9 @@ enum class Role : std::uint8_t { kEnd, kOperand, kBinary, kPrefix, kOpen, kClose
 
 consteval std::array<Role, TOK_SP + 1> make_roles() {
     std::array<Role, TOK_SP + 1> roles{}; // characters end the expression
-    for (const Token token :
-         {TOK_EQ, TOK_NE, TOK_LE, TOK_GE, TOK_LOGICAL_OR, TOK_LOGICAL_AND, TOK_XOR, TOK_PLUS,
-          TOK_MULTIPLY, TOK_DIVIDE, TOK_SHIFT_LEFT, TOK_SHIFT_RIGHT, TOK_AND, TOK_OR,
-          TOK_REMAINDER}) {
+    for (const Token token : {TOK_EQ, TOK_NE, TOK_LE, TOK_GE, TOK_LOGICAL_OR, TOK_LOGICAL_AND,
+                              TOK_XOR, TOK_PLUS, TOK_MULTIPLY, TOK_DIVIDE, TOK_SHIFT_LEFT,
+                              TOK_SHIFT_RIGHT, TOK_AND, TOK_OR, TOK_REMAINDER}) {
         roles[token] = Role::kBinary;
     }
     for (const Token token : {TOK_LOGICAL_NOT, TOK_COMPLEMENT, TOK_MINUS}) {
@@ -151,24 +150,34 @@ int check_step(int token, int &state_so_far, int &depth) {
     }
 }
 
+// Scans the first token of the expression at the scan position.
+const ScannedToken &check_first_token() {
+    checked_tokens[0].end = Col_Ptr;
+    scan_token(Col_Ptr, kExpressionMode, ctoken, *first_checked);
+    return *first_checked;
+}
+
 // Checks the expression at the scan position, the first token of which has been scanned.
-int check_tokens(ScannedToken scanned) {
+int check_tokens() {
     int depth = 0;
     int previous = ctoken;
     int state_so_far = STATE_START;
-    ScannedToken *checked = checked_tokens.data();
-    checked->end = Col_Ptr;
-    *++checked = scanned;
-    int result = check_step(scanned.token, state_so_far, depth);
-    while (result == kScanOn) {
-        previous = scanned.token;
-        scanned = scan_token(scanned.end, kExpressionMode, previous);
-        *++checked = scanned;
-        result = check_step(scanned.token, state_so_far, depth);
+    ScannedToken *checked = first_checked;
+    int token = checked->token;
+    int result = kScanOn;
+    while (true) {
+        result = check_step(token, state_so_far, depth);
+        if (result != kScanOn) {
+            break;
+        }
+        previous = token;
+        const char *begin = checked->end;
+        ++checked;
+        token = scan_token(begin, kExpressionMode, previous, *checked);
     }
     state = state_so_far;
     checked_end = checked + 1;
-    ctoken = previous_token(previous, begin_of(checked), scanned.token);
+    ctoken = previous_token(previous, begin_of(checked), token);
     // An open parenthesis wins over whatever stopped the check.
     if (depth > 0) {
         result = STATUS_MISSING_PARENTHESIS;
@@ -378,18 +387,15 @@ bool stands_alone(const ScannedToken &scanned) {
     return is_operand(scanned.token) && (isblanc(*scanned.end) || *scanned.end == ',');
 }
 
-// The value of an operand that stands alone. Moves to the character behind it and leaves the scanner
-// as check and evaluation leave it.
+// The value of an operand that stands alone. Moves to the character behind it and leaves the
+// scanner as check and evaluation leave it.
 std::int64_t lone_value(const ScannedToken &scanned, OperandRecord *operand) {
-    const char *begin = Col_Ptr;
     errorsp = nullptr;
     forwardref = 0;
     status = STATUS_OK;
     Col_Ptr = scanned.end;
     ctoken = static_cast<unsigned char>(*scanned.end);
-    return scanned.token == TOK_NUMBER
-               ? scanned.number
-               : name_value({begin, static_cast<std::size_t>(scanned.end - begin)}, operand);
+    return operand_value(&scanned, operand);
 }
 
 // Evaluates the checked expression, step by step up to its end.
@@ -434,10 +440,10 @@ void report_undefined() { vpError("Undefined symbol '%s'", errorsp->name); }
 
 // Runs the check at the scan position, which then is at the expression's start again. The column is
 // that of the start in the line.
-void check_expression(ScannedToken first, int column) {
+void check_expression(int column) {
     const char *start = Col_Ptr;
     errorsp = nullptr;
-    status = check_tokens(first);
+    status = check_tokens();
     offset = column + static_cast<int>(stop_position() - start);
     Col_Ptr = start;
 }
@@ -455,7 +461,10 @@ bool fails(int report) {
 
 } // namespace
 
-int p00() { return check_tokens(scan_token(Col_Ptr, kExpressionMode, ctoken)); }
+int p00() {
+    check_first_token();
+    return check_tokens();
+}
 
 std::int64_t p0(std::int64_t accumulated, int /*node_kind*/, int depth, int /*mode*/,
                 OperandRecord *operand) {
@@ -482,12 +491,12 @@ std::int64_t p0(std::int64_t accumulated, int /*node_kind*/, int depth, int /*mo
 std::int64_t evalexp(const char *text, int check, int column) {
     const char *entry = Col_Ptr;
     Col_Ptr = text;
-    const ScannedToken first = scan_token(text, kExpressionMode, ctoken);
+    const ScannedToken &first = check_first_token();
     std::int64_t value = 0;
     if (stands_alone(first)) {
         value = lone_value(first, nullptr);
     } else {
-        check_expression(first, column);
+        check_expression(column);
         if (status != STATUS_OK) {
             report_status();
             return 0;
@@ -512,11 +521,11 @@ std::int64_t evalexp(const char *text, int check) {
 
 int ppexpr(OperandRecord &operand, int report, bool is_value_needed) {
     operand.symbol_size = -1;
-    const ScannedToken first = scan_token(Col_Ptr, kExpressionMode, ctoken);
+    const ScannedToken &first = check_first_token();
     if (stands_alone(first)) {
         operand.value = lone_value(first, &operand);
     } else {
-        check_expression(first, column_in_line(Col_Ptr));
+        check_expression(column_in_line(Col_Ptr));
         if (fails(report)) {
             if (report != 0) {
                 report_status();

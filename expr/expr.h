@@ -1,6 +1,7 @@
 // The expression evaluator.
 //
-// An expression is checked first and evaluated afterwards, from left to right and not by precedence:
+// An expression is checked first and evaluated afterwards, from left to right and not by
+// precedence:
 // "+" and "-" separate terms, "*" (and "/" or "%" right behind an operand) binds tighter, and every
 // other operator takes the next term alone and combines it with all that has been gathered.
 // Programs depend on the results, so the steps below are kept as they are. Values are 64-bit two's

@@ -25,9 +25,11 @@ namespace {
 std::vector<std::vector<Symbol>> symlistptr;
 std::array<Symbol *, kSymbolChains> symtails{}; // last record of each chain
 
-// The index: an open-addressing table of records, a power of two large and at most half full.
-constexpr std::size_t kFirstIndexSize = 1024;
+// The index: an open-addressing table of records, a power of two large and at most half full. A
+// record's place is given by the upper bits of its hash, which depend on all of the name.
+constexpr unsigned kFirstIndexBits = 10;
 std::vector<Symbol *> symbol_index;
+unsigned index_shift = 0; // from a hash to a place
 std::size_t indexed_symbols = 0;
 
 // Names are stored one behind the other in large pieces.
@@ -96,18 +98,20 @@ std::uint64_t mix(std::uint64_t hash, std::uint64_t piece) {
     return hash ^ hash >> 32U;
 }
 
+std::uint32_t upper_half(std::uint64_t hash) { return static_cast<std::uint32_t>(hash >> 32U); }
+
 // Takes eight bytes of the name at a time, the last eight overlapping those before them.
 std::uint32_t index_hash(std::string_view name) {
     std::uint64_t hash = name.size();
     const char *text = name.data();
     if (name.size() <= kPiece) {
-        return static_cast<std::uint32_t>(mix(hash, whole_text(text, name.size())));
+        return upper_half(mix(hash, whole_text(text, name.size())));
     }
     const char *last = text + name.size() - kPiece;
     for (; text < last; text += kPiece) {
         hash = mix(hash, piece_at<std::uint64_t>(text));
     }
-    return static_cast<std::uint32_t>(mix(hash, piece_at<std::uint64_t>(last)));
+    return upper_half(mix(hash, piece_at<std::uint64_t>(last)));
 }
 
 // The same for comparing: names are too short for a call to pay.
@@ -142,7 +146,7 @@ Key key_of(std::string_view name) {
 // The record whose stored name is exactly this one, or none.
 Symbol *find(const Key &key) {
     const std::size_t mask = symbol_index.size() - 1;
-    std::size_t slot = key.hash & mask;
+    std::size_t slot = key.hash >> index_shift;
     while (const Symbol *symbol = symbol_index[slot]) {
         if (symbol->name_hash == key.hash && symbol->name_length == key.name.size() &&
             same_text(symbol->name, key.name.data(), key.name.size())) {
@@ -157,7 +161,7 @@ Symbol *find(const Key &key) {
 // ceased to count; such a name is not found any more.
 void insert_into_index(Symbol *symbol) {
     const std::size_t mask = symbol_index.size() - 1;
-    std::size_t slot = symbol->name_hash & mask;
+    std::size_t slot = symbol->name_hash >> index_shift;
     while (symbol_index[slot] != nullptr) {
         slot = (slot + 1) & mask;
     }
@@ -169,6 +173,7 @@ void add_to_index(Symbol *symbol) {
     if (indexed_symbols * 2 > symbol_index.size()) {
         std::vector<Symbol *> old(symbol_index.size() * 2, nullptr);
         old.swap(symbol_index);
+        --index_shift;
         for (Symbol *entry : old) {
             if (entry != nullptr) {
                 insert_into_index(entry);
@@ -287,7 +292,8 @@ void define_before_final_pass(Symbol &symbol, std::int64_t value) {
 
 void init_as_symbol_table() {
     closesym();
-    symbol_index.assign(kFirstIndexSize, nullptr);
+    symbol_index.assign(std::size_t{1} << kFirstIndexBits, nullptr);
+    index_shift = 32 - kFirstIndexBits;
     add_block();
 }
 

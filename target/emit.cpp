@@ -125,7 +125,7 @@ void emit_zeros(std::uint64_t count) {
         return;
     }
     for (; count > 0; --count) {
-        code_i = 0;
+        drop_listed_bytes();
         ebyte(0);
     }
 }

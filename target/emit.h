@@ -66,8 +66,14 @@ void end_array();
 
 void emit_new_run();
 
+// Forgets the bytes of the line. Those behind code_i are always 0.
+inline void drop_listed_bytes() {
+    for (; code_i > 0; --code_i) {
+        Code[code_i - 1] = 0;
+    }
+}
+
 inline void emit_new_line() {
-    Code.fill(0);
-    code_i = 0;
+    drop_listed_bytes();
     Byte_Extension = 1;
 }

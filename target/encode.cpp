@@ -172,7 +172,7 @@ int CodeLine() {
     }
     const int result = kCoders[mp->coder]();
     if (result == kFault) {
-        code_i = 0;
+        drop_listed_bytes();
     }
     SkipLine();
     if (Pass2 != 0 && O_symdebug != 0) {

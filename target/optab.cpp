@@ -3,6 +3,9 @@
 #include "as/asSource.h"
 #include "util/text.h"
 
+#include <bit>
+#include <cstring>
+
 namespace {
 
 // Sets of operand forms.
@@ -170,14 +173,14 @@ std::size_t letter_index(char ch) {
     return upper >= 'A' && upper < 'Z' ? static_cast<std::size_t>(upper - 'A') : kLetters;
 }
 
-// The word of that length as the key of a row: letters of either case are equal, and no other
-// character becomes a lower-case letter by the bit that is set.
+// The word of that length, at most kTailLimit, as the key of a row: letters of either case are
+// equal, and no other character becomes a lower-case letter by the bit that is set.
 std::uint32_t key_of(const char *word, std::size_t length) {
-    std::uint32_t key = 0;
-    for (std::size_t i = 0; i < length; ++i) {
-        key |= (static_cast<unsigned char>(word[i]) | 0x20U) << 8 * i;
-    }
-    return key;
+    static_assert(std::endian::native == std::endian::little && kTailLimit == 4);
+    std::uint32_t letters = 0;
+    std::memcpy(&letters, word, sizeof letters);
+    const std::uint64_t mask = (std::uint64_t{1} << 8 * length) - 1;
+    return (letters | 0x20202020U) & static_cast<std::uint32_t>(mask);
 }
 
 } // namespace

@@ -4,6 +4,8 @@
 // is told by its code: a character stands for itself, the rest is numbered below.
 #pragma once
 
+#include "util/text.h"
+
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -56,13 +58,40 @@ extern int ctoken; // the previous token, which tells "%" and "*" apart; reset a
 
 // ---- Functions ----
 
+constexpr bool starts_symbol(char ch) { return has_class(ch, kClassLetter | kClassUnderscore); }
+
 // The length of the name at p, at most kNameLimit; 0 if there is none. A letter or "_" comes first,
 // then letters, digits, "$", "." and "_"; a byte of 128 or more right behind makes it no name.
-std::size_t symbol_length(const char *p);
+inline std::size_t symbol_length(const char *p) {
+    if (!starts_symbol(*p)) {
+        return 0;
+    }
+    const char *end = p + 1;
+    while (is_symbol_char(*end)) {
+        ++end;
+    }
+    const auto length = static_cast<std::size_t>(end - p);
+    // Kept: a longer name is cut without a message, and its rest is the next token.
+    if (length >= kNameLimit) {
+        return kNameLimit;
+    }
+    return static_cast<unsigned char>(*end) >= 128 ? 0 : length;
+}
 
-// The length of the register name at p (A, X, Y: 1; SP, CC: 2), which ends where no letter, digit or
+// The length of the register name at p (A, X, Y: 1; SP, CC: 2), which ends where no letter, digit
+// or
 // "_" follows; 0 if there is none.
-std::size_t register_length(const char *p);
+inline std::size_t register_length(const char *p) {
+    if (!has_class(*p, kClassRegister)) {
+        return 0;
+    }
+    const char first = to_upper(*p);
+    if (first == 'S' || first == 'C') {
+        const bool is_pair = to_upper(p[1]) == (first == 'S' ? 'P' : 'C');
+        return is_pair && !is_name_char(p[2]) ? 2 : 0;
+    }
+    return is_name_char(p[1]) ? 0 : 1;
+}
 
 // Reads a name into yytext and returns 1, or returns 0 without moving.
 int valid_sym();
@@ -70,12 +99,13 @@ int valid_sym();
 // A token as it stands in the text.
 struct ScannedToken {
     int token;
-    std::int32_t number; // low 32 bits of the value of a TOK_NUMBER, else 0
+    std::int32_t number; // low 32 bits of the value of a TOK_NUMBER
     const char *end;     // behind its last character
 };
 
-// The token at p, where the token before it was previous. Moves nothing; reports faulty digits.
-ScannedToken scan_token(const char *p, int mode, int previous);
+// Stores the token at p, where the token before it was previous, and returns its code. The number
+// is stored for a TOK_NUMBER only. Moves nothing; reports faulty digits.
+int scan_token(const char *p, int mode, int previous, ScannedToken &scanned);
 
 // What counts as the previous token behind the one at begin: a faulty digit leaves it unchanged.
 inline int previous_token(int previous, const char *begin, int token) {

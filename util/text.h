@@ -118,8 +118,8 @@ inline const char *skipblanc(const char *p) {
     return p;
 }
 
-// The first character that is no blank or tab. Blanks are counted eight at a time, so eight bytes must
-// be readable from the text's end on, one of which is no blank.
+// The first character that is no blank or tab. Blanks are counted eight at a time, so eight bytes
+// must be readable from the text's end on, one of which is no blank.
 inline const char *skip_blanks_and_tabs(const char *p) {
     static_assert(std::endian::native == std::endian::little);
     constexpr std::uint64_t kEightBlanks = 0x2020202020202020U;

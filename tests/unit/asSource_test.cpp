@@ -669,6 +669,7 @@ TEST_F(Source, EveryLineBeginsWithoutForwardReferences) {
 TEST_F(Source, EveryLineBeginsWithItsBytesCleared) {
     open_source_file("main", "one\n");
     Code.fill(0xEE);
+    code_i = Code.size();
     ASSERT_EQ(as_read_line(), 1);
     EXPECT_TRUE(std::all_of(Code.begin(), Code.end(), [](std::uint8_t byte) { return byte == 0; }));
 }
