@@ -199,7 +199,9 @@ int Skip_Delimiter() {
 }
 
 const char *SkipSpace() {
-    Col_Ptr = skip_blanks_and_tabs(Col_Ptr);
+    if (isblanc(*Col_Ptr)) {
+        Col_Ptr = skip_blanks_and_tabs(Col_Ptr);
+    }
     if (is_line_text_end(*Col_Ptr)) {
         Line_Done = 1;
         return nullptr;

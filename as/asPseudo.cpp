@@ -78,21 +78,24 @@ std::uint32_t find_directive(const DirectiveEntry *table, const char *word) {
     return DIR_NONE;
 }
 
+// Characters of each word of pseudo_zirpa.
+constexpr int kDirectiveLength = 3;
+
 // The directive number of the word at the scan position, which moves behind the word and the blanks
 // that follow (line ends included); or 0.
 std::uint32_t directive_at_scan_position() {
     const std::uint32_t token = GetPseudoToken(Col_Ptr);
     if (token != DIR_NONE) {
-        Col_Ptr = skipblanc(skipnonblanc(Col_Ptr));
+        Col_Ptr = skipblanc(Col_Ptr + kDirectiveLength);
     }
     return token;
 }
 
-// A word of three letters of either case as a number. Lower-case letters hold the bit that is set
+// Such a word, in either case, as a number. Lower-case letters hold the bit that is set
 // here, and no other character becomes one by it but the upper-case letter.
 constexpr std::uint32_t packed_word(const char *word) {
     std::uint32_t packed = 0;
-    for (int i = 0; i < 3; ++i) {
+    for (int i = 0; i < kDirectiveLength; ++i) {
         packed = packed << 8U | static_cast<unsigned char>(word[i]) | 0x20U;
     }
     return packed;

@@ -171,10 +171,8 @@ void enter_file(const std::string &name, const FileText *text) {
 std::size_t piece_size(const FileEntry &file) {
     const std::size_t left = std::min(file.text->size - file.position, kLineReadLimit);
     const char *start = &file.text->data[file.position];
-    const void *line_feed = std::memchr(start, '\n', left);
-    return line_feed == nullptr
-               ? left
-               : static_cast<std::size_t>(static_cast<const char *>(line_feed) - start) + 1;
+    const auto *line_feed = static_cast<const char *>(std::memchr(start, '\n', left));
+    return line_feed == nullptr ? left : static_cast<std::size_t>(line_feed + 1 - start);
 }
 
 void count_line() {

@@ -384,7 +384,7 @@ bool wants_more(const Step &waiting) {
 
 // True for an operand behind which the expression ends for sure.
 bool stands_alone(const ScannedToken &scanned) {
-    return is_operand(scanned.token) && (isblanc(*scanned.end) || *scanned.end == ',');
+    return is_operand(scanned.token) && has_class(*scanned.end, kClassOperandEnd);
 }
 
 // The value of an operand that stands alone. Moves to the character behind it and leaves the
@@ -459,6 +459,20 @@ bool fails(int report) {
     return report != 0 || status != STATUS_ILLEGAL_CHARACTER || is_name_char(*stop_position());
 }
 
+// Checks the expression, the first token of which has been scanned, and evaluates it. False when it
+// is faulty. Kept apart, so that the direct way stays short.
+[[gnu::noinline]] bool evaluate_checked(OperandRecord &operand, int report, bool is_value_needed) {
+    check_expression(column_in_line(Col_Ptr));
+    if (fails(report)) {
+        if (report != 0) {
+            report_status();
+        }
+        return false;
+    }
+    operand.value = checked_value(&operand, is_value_needed);
+    return true;
+}
+
 } // namespace
 
 int p00() {
@@ -524,20 +538,12 @@ int ppexpr(OperandRecord &operand, int report, bool is_value_needed) {
     const ScannedToken &first = check_first_token();
     if (stands_alone(first)) {
         operand.value = lone_value(first, &operand);
-    } else {
-        check_expression(column_in_line(Col_Ptr));
-        if (fails(report)) {
-            if (report != 0) {
-                report_status();
-            }
-            return 1;
-        }
-        operand.value = checked_value(&operand, is_value_needed);
+    } else if (!evaluate_checked(operand, report, is_value_needed)) {
+        return 1;
     }
     operand.forward_references = forwardref;
-    operand.external_offset = 0;
     operand.term_count = 1;
-    if (Pass2 != 0 && errorsp != nullptr && errorsp->has(SYM_UNDEFINED)) {
+    if (errorsp != nullptr && Pass2 != 0 && errorsp->has(SYM_UNDEFINED)) {
         report_undefined();
     }
     return 0;

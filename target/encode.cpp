@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <array>
+#include <bit>
 #include <cstdint>
 
 int isinstruction = 0;
@@ -22,7 +23,7 @@ constexpr int kFault = -1;
 // What a mode adds to the base opcode.
 struct ModeOpcode {
     std::uint64_t mode;
-    std::uint32_t bits;
+    std::uint8_t bits;
 };
 
 constexpr std::array<ModeOpcode, 15> kLoadStoreModes = {{
@@ -95,23 +96,33 @@ constexpr std::array<RegisterPair, 8> kExchangePairs = {{
     {TOK_SP, TOK_Y, 0xCF},
 }};
 
-template <typename Modes> std::uint32_t mode_bits(const Modes &modes, std::uint64_t mode) {
-    const auto *entry = std::find_if(modes.begin(), modes.end(),
-                                     [mode](const ModeOpcode &row) { return row.mode == mode; });
-    return entry == modes.end() ? 0 : entry->bits;
+// What each mode adds, by the number of its bit; 0 for modes without a row.
+using ModeBits = std::array<std::uint8_t, std::bit_width(std::uint64_t{ADR_Y_PREDEC})>;
+
+template <std::size_t count> consteval ModeBits by_mode(const std::array<ModeOpcode, count> &rows) {
+    ModeBits bits{};
+    for (const ModeOpcode &row : rows) {
+        bits[static_cast<std::size_t>(std::countr_zero(row.mode))] = row.bits;
+    }
+    return bits;
 }
+
+constexpr ModeBits kLoadStoreBits = by_mode(kLoadStoreModes);
+constexpr ModeBits kMemoryBits = by_mode(kMemoryModes);
+constexpr ModeBits kByteBits = by_mode(kByteModes);
+constexpr ModeBits kLeaBits = by_mode(kLeaModes);
 
 bool mode_is_allowed() { return (opnd1.mode & mp->mode_mask) != 0; }
 
 // The common encoder: opcode byte, then the operand byte of the forms that carry one.
-template <typename Modes> int code_operand(const Modes &modes) {
+int code_operand(const ModeBits &bits) {
     if (Parse_Operand(opnd1) != 0) {
         return fail("Syntax Error");
     }
     if (!mode_is_allowed()) {
         return fail("Illegal Addressing Mode");
     }
-    ebyte(mp->opcode | mode_bits(modes, opnd1.mode));
+    ebyte(mp->opcode | bits[static_cast<std::size_t>(std::countr_zero(opnd1.mode))]);
     return (opnd1.mode & kByteOperandModes) != 0 ? do_reloc_cmd(opnd1, REL_CMD_OFF_8, LC) : 0;
 }
 
@@ -139,7 +150,7 @@ int coder0() {
     return 1;
 }
 
-int coder1() { return code_operand(kLoadStoreModes); }
+int coder1() { return code_operand(kLoadStoreBits); }
 
 // Kept: the branches word their faults differently from all other instructions.
 int coder2() {
@@ -154,15 +165,15 @@ int coder2() {
     return do_reloc_cmd(opnd1, REL_CMD_PC_8, LC);
 }
 
-int coder3() { return code_operand(kMemoryModes); }
+int coder3() { return code_operand(kMemoryBits); }
 
-int coder4() { return code_operand(kByteModes); }
+int coder4() { return code_operand(kByteBits); }
 
 int coder5() { return code_register_pair(kTransferPairs); }
 
 int coder6() { return code_register_pair(kExchangePairs); }
 
-int coder7() { return code_operand(kLeaModes); }
+int coder7() { return code_operand(kLeaBits); }
 
 int CodeLine() {
     static constexpr std::array<int (*)(), 8> kCoders = {coder0, coder1, coder2, coder3,

@@ -23,6 +23,7 @@ enum CharClass : std::uint8_t {
     kClassSymbolMark = 0x10, // "$" and ".", allowed inside symbols
     kClassDelimiter = 0x20,  // ends a number: blanks and the operator and bracket characters
     kClassRegister = 0x40,   // A, C, S, X and Y in either case, with which a register name begins
+    kClassOperandEnd = 0x80, // blanks and ",", behind which no expression goes on
 };
 
 consteval std::array<std::uint8_t, 256> make_char_classes() {
@@ -30,7 +31,7 @@ consteval std::array<std::uint8_t, 256> make_char_classes() {
     for (unsigned code = 0; code < 256; ++code) {
         unsigned bits = 0;
         if (code <= 32 || code >= 128) {
-            bits |= kClassBlank | kClassDelimiter;
+            bits |= kClassBlank | kClassDelimiter | kClassOperandEnd;
         }
         if ((code >= 'A' && code <= 'Z') || (code >= 'a' && code <= 'z')) {
             bits |= kClassLetter;
@@ -41,6 +42,7 @@ consteval std::array<std::uint8_t, 256> make_char_classes() {
         classes[code] = static_cast<std::uint8_t>(bits);
     }
     classes['_'] |= kClassUnderscore;
+    classes[','] |= kClassOperandEnd;
     classes['$'] |= kClassSymbolMark;
     classes['.'] |= kClassSymbolMark;
     for (const char mark : {'!', '%', '&', '(', ')', '*', '+', ',', '-', '.', '/', ':',
