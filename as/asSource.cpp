@@ -345,8 +345,13 @@ void skip_unlabelled_lines() {
     }
     FileEntry &file = *file_being_read;
     const char *start = &file.text->data[file.position];
-    while (*start == ' ' && has_class(*skip_blanks_and_tabs(start), kClassLetter)) {
+    while (*start == ' ') {
         const std::size_t size = piece_size(file);
+        // The line feed ends the blanks; a piece without one may be followed by blanks without end.
+        const bool is_whole_line = start[size - 1] == '\n';
+        if (!is_whole_line || !has_class(*skip_blanks_and_tabs(start), kClassLetter)) {
+            return;
+        }
         count_line();
         file.position += size;
         start += size;

@@ -7,6 +7,7 @@
 #include "as/asSource.h"
 #include "expr/expr.h"
 #include "target/reloc.h"
+#include "util/buffer.h"
 #include "util/text.h"
 
 #include <algorithm>
@@ -33,7 +34,7 @@ unsigned index_shift = 0; // from a hash to a place
 std::size_t indexed_symbols = 0;
 
 // Names are stored one behind the other in large pieces.
-constexpr std::size_t kNamePieceSize = 16384;
+constexpr std::size_t kNamePieceSize = buffer_size(16384);
 std::vector<std::unique_ptr<char[]>> name_pieces;
 std::size_t name_piece_left = 0;
 char *name_piece_end = nullptr;

@@ -1,5 +1,7 @@
 #include "util/input.h"
 
+#include "util/buffer.h"
+
 #include <cerrno>
 #include <cstring>
 
@@ -10,7 +12,7 @@
 namespace {
 
 // Room for a source that does not tell its size, such as a pipe; doubled as needed.
-constexpr std::size_t kFirstCapacity = 65536;
+constexpr std::size_t kFirstCapacity = buffer_size(65536);
 
 void grow(FileText &text, std::size_t capacity) {
     auto larger = std::make_unique_for_overwrite<char[]>(capacity + kFileGuard);

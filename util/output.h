@@ -5,6 +5,7 @@
 // failed write is remembered and reported once by the owner at the end of the run.
 #pragma once
 
+#include "util/buffer.h"
 #include "util/format.h"
 
 #include <array>
@@ -14,12 +15,8 @@
 #include <initializer_list>
 #include <string_view>
 
-// Bytes gathered before a write. Its size cannot be observed in any output.
-#ifndef HXZIRPA_OUTPUT_BUFFER_SIZE
-inline constexpr std::size_t kOutputBufferSize = 65536;
-#else
-inline constexpr std::size_t kOutputBufferSize = HXZIRPA_OUTPUT_BUFFER_SIZE;
-#endif
+// Bytes gathered before a write.
+inline constexpr std::size_t kOutputBufferSize = buffer_size(65536);
 
 class OutputFile {
   public:

@@ -3,17 +3,11 @@
 import pathlib
 import re
 
+import program_words
 import pytest
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-MODULES = ("as", "target", "expr", "symtab", "util")
 GOLDEN = ROOT / "tests" / "golden"
-
-ERROR_CALL = re.compile(r'\b(?:Error|vpError|fail|open_conditional)\(\s*"((?:[^"\\]|\\.)*)"')
-WARNING_CALL = re.compile(r'\b(?:Warning|vpWarning)\(\s*"((?:[^"\\]|\\.)*)"')
-# Texts that reach a reporter through a function of another name.
-NUMBER_CALL = re.compile(r'\bnumber_token\(\d+,\s*"((?:[^"\\]|\\.)*)"')
-STATUS_TEXT = re.compile(r'(?:case STATUS_\w+|default):\s*return "((?:[^"\\]|\\.)*)"')
 
 # What no source line can bring about; the unit tests do.
 ONLY_IN_UNIT_TESTS = {
@@ -48,18 +42,9 @@ NEVER_SEEN = {
 }
 
 
-def sources():
-    return "\n".join(
-        path.read_text() for module in MODULES for path in sorted((ROOT / module).glob("*.cpp"))
-    )
-
-
-def messages(*patterns):
-    """The format texts that the patterns find and that a source can bring about."""
-    text = sources()
-    found = {message for pattern in patterns for message in pattern.findall(text)}
-    found = {message.replace('\\"', '"') for message in found}
-    return sorted(found - ONLY_IN_UNIT_TESTS - NEVER_SEEN - {"%s, Position[%d]"})
+LEFT_OUT = ONLY_IN_UNIT_TESTS | NEVER_SEEN
+ERRORS = sorted(program_words.errors() - LEFT_OUT)
+WARNINGS = sorted(program_words.warnings() - LEFT_OUT)
 
 
 def expected_text(suffix):
@@ -69,18 +54,13 @@ def expected_text(suffix):
 
 
 def pattern_of(message):
-    """A regular expression for the texts of a format."""
-    pieces = re.split(r"%[0-9.]*[a-zA-Z]", message)
-    return ".*?".join(re.escape(piece) for piece in pieces)
-
-
-ERRORS = messages(ERROR_CALL, NUMBER_CALL, STATUS_TEXT)
-WARNINGS = messages(WARNING_CALL)
+    return program_words.pattern_of(message, value=".*?")
 
 
 def test_messages_are_found_in_the_sources():
     assert len(ERRORS) > 35
     assert len(WARNINGS) > 8
+    assert not program_words.unknown_arguments()
 
 
 @pytest.mark.parametrize("message", ERRORS)

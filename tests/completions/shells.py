@@ -1,0 +1,65 @@
+"""What each shell offers for the beginning of a command line."""
+
+import os
+import pathlib
+import shutil
+import subprocess
+
+HERE = pathlib.Path(__file__).resolve().parent
+COMPLETIONS = HERE.parents[1] / "completions"
+# The shells show a joined value with the option ahead of it or without.
+JOINED_OPTIONS = ("-D", "-I", "-C")
+
+COMMANDS = {
+    "bash": ["bash", "--norc", HERE / "capture.bash", COMPLETIONS / "HXzirpa"],
+    "zsh": ["zsh", "-f", HERE / "capture.zsh", COMPLETIONS],
+    "fish": ["fish", "--no-config", HERE / "capture.fish", COMPLETIONS / "HXzirpa.fish"],
+}
+# Debian's packages, and a file of each.
+NEEDED = {
+    "bash": ("bash-completion", "/usr/share/bash-completion/bash_completion"),
+    "zsh": ("zsh", shutil.which("zsh") or "/usr/bin/zsh"),
+    "fish": ("fish", shutil.which("fish") or "/usr/bin/fish"),
+}
+
+
+def plain(offer, line):
+    """An offer without what the shells show differently: the option ahead of it, a final slash."""
+    word = line.rpartition(" ")[2]
+    if word.startswith(JOINED_OPTIONS) and len(word) > 2:
+        offer = offer.removeprefix(word[:2])
+    return offer.rstrip("/")
+
+
+def offers(shell, lines, directory, home):
+    """A dictionary of the lines: the set of the words that the shell offers for each.
+
+    The shell works in the directory, with a home directory of its own that holds no settings.
+    """
+    package, file = NEEDED[shell]
+    assert os.path.exists(file), f"the Debian package {package} is needed"
+    environment = {
+        "PATH": os.environ["PATH"],
+        "HOME": str(home),
+        "TERM": "dumb",
+        "LC_ALL": "C.UTF-8",
+        "CAPTURED": str(home / "captured"),
+    }
+    process = subprocess.run(
+        [*COMMANDS[shell], *lines],
+        cwd=directory,
+        env=environment,
+        stdin=subprocess.DEVNULL,
+        capture_output=True,
+        text=True,
+        timeout=60,
+    )
+    assert process.returncode == 0, process.stderr
+    assert process.stderr == ""
+    *blocks, rest = process.stdout.split("end of offers\n")
+    assert rest == ""
+    assert len(blocks) == len(lines), process.stdout
+    return {
+        line: {plain(offer, line) for offer in block.splitlines()}
+        for line, block in zip(lines, blocks)
+    }

@@ -1,0 +1,112 @@
+"""Every shell offers what the program takes at that place, and nothing else."""
+
+import pytest
+from program_options import (
+    accepted_options,
+    is_accepted_word,
+    takes_value,
+    usage_options,
+    usage_words,
+)
+from shells import COMMANDS, offers
+
+# One line of each kind; a shell is started once for all of them.
+LINES = [
+    "HXzirpa ",
+    "HXzirpa -",
+    "HXzirpa -S",
+    "HXzirpa -C ",
+    "HXzirpa -Cnop",
+    "HXzirpa -D ",
+    "HXzirpa -d ",
+    "HXzirpa -d li",
+    "HXzirpa -I ",
+    "HXzirpa -Il",
+    "HXzirpa -o ",
+    "HXzirpa -L -D SHORT -",
+    "HXzirpa -L -DSHORT ",
+    "HXzirpa -D -L -",
+    "HXzirpa library/",
+    "HXzirpa main.szirpa -",
+    "HXzirpa main.szirpa ",
+]
+
+
+@pytest.fixture(scope="module")
+def program(request):
+    return request.config.getoption("--program")
+
+
+@pytest.fixture(scope="module", params=COMMANDS)
+def offered(request, tmp_path_factory):
+    """What a shell offers for each of the lines."""
+    directory = tmp_path_factory.mktemp("directory")
+    (directory / "library").mkdir()
+    for name in ("main.szirpa", "library/part.szirpa", "main.s19", "notes.txt"):
+        (directory / name).touch()
+    return offers(request.param, LINES, directory, tmp_path_factory.mktemp("home"))
+
+
+def test_all_options_of_the_program_are_offered(offered, program):
+    assert offered["HXzirpa -"] == accepted_options(program)
+
+
+def test_all_options_of_the_usage_text_are_offered(offered, program):
+    options = usage_options(program)
+    assert len(options) == 11
+    assert options <= offered["HXzirpa -"]
+
+
+def test_longer_options_are_offered(offered):
+    assert offered["HXzirpa -S"] == {"-S", "-S1", "-S2", "-S3"}
+
+
+def test_options_go_on_behind_a_value(offered):
+    assert offered["HXzirpa -L -D SHORT -"] >= {"-A", "-D"}
+    assert offered["HXzirpa -D -L -"] >= {"-A", "-D"}
+
+
+def test_compatibility_options_are_those_that_the_program_takes(offered, program):
+    words = offered["HXzirpa -C "]
+    # One is in the usage text and is not taken, another is taken and not in the text.
+    assert words == {word for word in words if is_accepted_word(program, word)}
+    assert words == {word for word in usage_words(program) if is_accepted_word(program, word)} | {
+        "nonative"
+    }
+    assert offered["HXzirpa -Cnop"] == {"nopure"}
+
+
+def test_directories_are_offered_for_directories(offered):
+    for line in ("HXzirpa -d ", "HXzirpa -d li", "HXzirpa -I ", "HXzirpa -Il"):
+        assert offered[line] == {"library"}, line
+
+
+def test_any_file_is_offered_for_the_records(offered):
+    assert offered["HXzirpa -o "] == {"library", "main.szirpa", "main.s19", "notes.txt"}
+
+
+def test_no_file_is_offered_for_a_symbol(offered):
+    assert offered["HXzirpa -D "] == set()
+
+
+def test_sources_are_offered(offered):
+    assert offered["HXzirpa "] == {"library", "main.szirpa"}
+    assert offered["HXzirpa -L -DSHORT "] == {"library", "main.szirpa"}
+
+
+def test_sources_in_directories_are_offered(offered):
+    (source,) = offered["HXzirpa library/"]
+    assert source.rpartition("/")[2] == "part.szirpa"
+
+
+def test_nothing_is_offered_behind_the_source(offered):
+    assert offered["HXzirpa main.szirpa -"] == set()
+    assert offered["HXzirpa main.szirpa "] == set()
+
+
+def test_the_program_tells_its_options(program):
+    """Guards the way in which the options are found out."""
+    assert {"-L", "-A", "-S2", "-o", "-D"} <= accepted_options(program)
+    assert "-x" not in accepted_options(program)
+    assert takes_value(program, "-o") and not takes_value(program, "-L")
+    assert "notrad" in usage_words(program) and not is_accepted_word(program, "notrad")

@@ -1,0 +1,104 @@
+"""The editors' files agree with the program, with each other and with what they promise."""
+
+import json
+import re
+import shutil
+import subprocess
+import sys
+
+from reading import CONDITIONAL, is_plain
+from sources import EDITORS, ROOT, all_sources, lines_of
+
+EXTENSION = EDITORS / "vscode"
+WRITTEN = ["vscode/syntaxes/szirpa.tmLanguage.json", "vim/syntax/szirpa.vim"]
+
+PLACEHOLDER = re.compile(r"\$\{\w+:((?:\\.|[^\\}])*)\}|\$0|\\(.)")
+
+
+def read_json(name):
+    return json.loads((EXTENSION / name).read_text())
+
+
+def test_grammars_are_those_written_from_the_tables(request, tmp_path):
+    table = subprocess.run(
+        [request.config.option.table_program], stdout=subprocess.PIPE, check=True
+    ).stdout
+    copy = shutil.copytree(EDITORS, tmp_path / "editors")
+    writer = [sys.executable, ROOT / "tools" / "write_grammar.py", copy]
+    subprocess.run(writer, input=table, check=True)
+    for name in WRITTEN:
+        assert (copy / name).read_text() == (EDITORS / name).read_text(), (
+            f"{name} is out of date: instruction_table | tools/write_grammar.py editors"
+        )
+
+
+def test_package_has_the_version_of_the_program():
+    project = re.search(r"project\(HXzirpa VERSION (\S+)", (ROOT / "CMakeLists.txt").read_text())
+    assert read_json("package.json")["version"] == f"{project[1]}.0"
+
+
+def test_packages_of_the_tools_are_exact_and_name_no_registry():
+    package = read_json("package.json")
+    lock = read_json("package-lock.json")["packages"]
+    for name, version in package["devDependencies"].items():
+        assert lock[f"node_modules/{name}"]["version"] == version
+    assert package["version"] == lock[""]["version"]
+    for name, entry in lock.items():
+        assert "resolved" not in entry, name
+        assert not name or entry["integrity"]
+
+
+def test_conditionals_are_folded():
+    markers = read_json("language-configuration.json")["folding"]["markers"]
+    words = {"start": {"#IF", "IFDEF", "IFNDEF"}, "end": {"ENDIF"}}
+    for path in all_sources():
+        for text in filter(is_plain, lines_of(path)):
+            found = CONDITIONAL.match(text)
+            for side, pattern in markers.items():
+                is_marker = found is not None and found[2].upper() in words[side]
+                assert bool(re.match(pattern, text)) == is_marker, f"{path.name}: {text}"
+
+
+def expanded(body):
+    """A snippet as it stands when it has been inserted, with its defaults."""
+    text = body if isinstance(body, str) else "\n".join(body)
+
+    def inserted(match):
+        default, escaped = match.groups()
+        return escaped or PLACEHOLDER.sub(inserted, default or "")
+
+    return PLACEHOLDER.sub(inserted, text)
+
+
+def assembled(program, directory, source):
+    (directory / "a.szirpa").write_text(source)
+    process = subprocess.run(
+        [program, "-w", "a.szirpa"], cwd=directory, stdout=subprocess.PIPE, text=True, check=False
+    )
+    return process.stdout
+
+
+def test_snippets_are_assembled_as_they_stand(request, tmp_path):
+    rows = read_json("snippets/szirpa.json")
+    snippets = {name: expanded(row["body"]) for name, row in rows.items()}
+    program = request.config.option.program
+    whole = snippets.pop("Program")
+    assert assembled(program, tmp_path, f"{whole}\n") == "No errors.\n"
+    parts = "".join(f"{text}\n" for text in snippets.values())
+    assert assembled(program, tmp_path, f" ORG $10\n{parts}") == "No errors.\n"
+
+
+def test_readme_names_all_snippets():
+    readme = (EXTENSION / "README.md").read_text()
+    for name in ("szirpa.json", "tasks.json"):
+        for row in read_json(f"snippets/{name}").values():
+            assert f"`{row['prefix']}`" in readme
+
+
+def test_readme_shows_the_task_that_the_snippet_writes():
+    readme = (EXTENSION / "README.md").read_text()
+    shown = json.loads(re.search(r"```json\n(.*?)```", readme, re.DOTALL)[1])
+    (snippet,) = read_json("snippets/tasks.json").values()
+    assert shown["tasks"] == [json.loads(expanded(snippet["body"]))]
+    matchers = read_json("package.json")["contributes"]["problemMatchers"]
+    assert shown["tasks"][0]["problemMatcher"] in [f"${matcher['name']}" for matcher in matchers]

@@ -1,0 +1,19 @@
+"""The man pages are clean mdoc."""
+
+import pytest
+from man_page import mandoc, page
+
+# The pages refer to each other, and mandoc looks for installed pages.
+EACH_OTHER = {1: "Xr HXzirpa 5", 5: "Xr HXzirpa 1"}
+
+
+@pytest.mark.parametrize("section", EACH_OTHER)
+def test_mandoc_has_nothing_to_say(section):
+    output = mandoc("-T", "lint", str(page(section))).stdout
+    expected = f"STYLE: referenced manual not found: {EACH_OTHER[section]}"
+    assert [line for line in output.splitlines() if expected not in line] == []
+
+
+@pytest.mark.parametrize("section", EACH_OTHER)
+def test_lines_are_short(section):
+    assert all(len(line) <= 80 for line in page(section).read_text(encoding="ascii").splitlines())

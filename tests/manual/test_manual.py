@@ -1,0 +1,142 @@
+"""The manual: what it shows is what the program does, and it leaves nothing out."""
+
+import csv
+import pathlib
+import re
+import subprocess
+
+import pytest
+
+import program_words
+import shown
+import write_instructions
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+DOCS = ROOT / "docs"
+MANUAL = DOCS / "manual.md"
+PAGES = DOCS / "instructions.md"
+
+CODE_SPAN = re.compile(r"`([^`\n]+)`")
+HEADING = re.compile(r"^#+ (.*)$", re.MULTILINE)
+LINK = re.compile(r"\]\(([^)\s]*)\)")
+FENCED = re.compile(r"^```.*?^```$", re.MULTILINE | re.DOTALL)
+
+
+def section(text, title):
+    """What stands below a heading, up to the next of the same level."""
+    return text.partition(f"\n## {title}\n")[2].partition("\n## ")[0]
+
+
+def prose(path):
+    return FENCED.sub("", path.read_text())
+
+
+def code_spans(text):
+    # A bar within a table is written with a backslash, which is no part of the code.
+    return {span.replace("\\|", "|") for span in CODE_SPAN.findall(text)}
+
+
+MESSAGES = code_spans(section(prose(MANUAL), "Messages"))
+
+
+# ---- What is shown ----
+
+
+def test_what_is_shown_is_what_happens(request, tmp_path):
+    reader = shown.Reader(request.config.getoption("--program"), tmp_path / "zirpa")
+    shown.Play("manual.md", MANUAL.read_text(), reader).play()
+
+
+# ---- Nothing is left out ----
+
+
+@pytest.mark.parametrize("message", program_words.messages())
+def test_message_is_explained(message):
+    pattern = re.compile(program_words.pattern_of(message))
+    assert any(pattern.fullmatch(span) for span in MESSAGES), message
+
+
+def test_every_message_explained_is_one_of_the_program():
+    patterns = [re.compile(program_words.pattern_of(text)) for text in program_words.messages()]
+    rows = re.findall(r"^\| `([^`]+)`", section(prose(MANUAL), "Messages"), re.MULTILINE)
+    assert len(rows) > 50
+    for row in rows:
+        assert any(pattern.fullmatch(row) for pattern in patterns), row
+
+
+@pytest.mark.parametrize("option", program_words.options())
+def test_option_is_explained(option):
+    cells = re.findall(r"^\| (`-.*?) \|", section(prose(MANUAL), "Options"), re.MULTILINE)
+    words = [span for cell in cells for span in CODE_SPAN.findall(cell)]
+    assert any(word == option or word.startswith(option + " ") for word in words)
+
+
+@pytest.mark.parametrize("word", program_words.directives())
+def test_directive_is_explained(word):
+    rows = re.findall(r"^\| `([^`]+)` \|", section(prose(MANUAL), "The language"), re.MULTILINE)
+    assert any(word in row.split() for row in rows), word
+
+
+# ---- The instruction pages ----
+
+
+def table_of(request):
+    tool = request.config.getoption("--instruction-table")
+    assert tool and pathlib.Path(tool).is_file(), (
+        "build the target instruction_table and name it with --instruction-table"
+    )
+    return subprocess.run([tool], capture_output=True, text=True, check=True, timeout=60).stdout
+
+
+def test_instruction_pages_are_those_of_the_program(request):
+    instructions = write_instructions.read_rows(table_of(request).splitlines())
+    assert PAGES.read_text() == write_instructions.page(instructions), (
+        "write them anew: instruction_table | tools/write_instructions.py >docs/instructions.md"
+    )
+
+
+def cells_of(line):
+    return [cell.strip().strip("`") for cell in line.strip().strip("|").split("|")]
+
+
+def pairs_in_pages():
+    """Every mnemonic with its bytes, read back from the tables with a row for each mnemonic."""
+    text = PAGES.read_text().partition("\n## With an operand\n")[2].partition("\n## Two names")[0]
+    pairs = set()
+    for line in text.splitlines():
+        name, *shown_bytes = cells_of(line) if line.startswith("| `") else [""]
+        pairs |= {(name.split()[0], cell) for cell in shown_bytes if cell and name}
+    return pairs
+
+
+def test_instruction_pages_leave_nothing_out(request):
+    lengths = {"1": "", "2": " n"}
+    reader = csv.DictReader(table_of(request).splitlines(), delimiter="\t")
+    expected = {(row["mnemonic"], row["opcode"] + lengths[row["length"]]) for row in reader}
+    assert len(expected) > 240
+    assert pairs_in_pages() == expected
+
+
+# ---- Links ----
+
+
+def anchors(path):
+    titles = HEADING.findall(prose(path))
+    return {re.sub(r"[^\w -]", "", title.lower()).replace(" ", "-") for title in titles}
+
+
+@pytest.mark.parametrize("path", [ROOT / "README.md", MANUAL, PAGES], ids=lambda path: path.name)
+def test_links_lead_somewhere(path):
+    for link in LINK.findall(prose(path)):
+        name, _, anchor = link.partition("#")
+        if "://" in link:
+            continue
+        target = path.parent / name if name else path
+        assert target.exists(), link
+        assert not anchor or anchor in anchors(target), link
+
+
+def test_contents_name_every_chapter():
+    contents = prose(MANUAL).partition("\n## ")[0]
+    titles = re.findall(r"^#{2,3} (.*)$", prose(MANUAL), re.MULTILINE)
+    assert [title for title in titles if f"- [{title}](#" not in contents] == []

@@ -1,0 +1,71 @@
+"""The build directory that the tests install and package from, and the tools they need."""
+
+import pathlib
+import re
+import shutil
+import subprocess
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+
+
+def need(command, package):
+    assert shutil.which(command), f"{command} is missing: the Debian package {package} is needed"
+
+
+def build_directory(request):
+    """The directory of the program under test."""
+    directory = pathlib.Path(request.config.getoption("--program")).parent
+    assert (directory / "CPackConfig.cmake").is_file(), f"{directory} is no build directory"
+    return directory
+
+
+def run(*command, **options):
+    """Runs a command that must succeed; returns what it has printed."""
+    process = subprocess.run(
+        command,
+        text=True,
+        stdout=subprocess.PIPE,
+        stderr=subprocess.STDOUT,
+        stdin=subprocess.DEVNULL,
+        umask=0o022,
+        timeout=300,
+        **options,
+    )
+    assert process.returncode == 0, f"{command}\n{process.stdout}"
+    return process.stdout
+
+
+def project_version():
+    text = (ROOT / "CMakeLists.txt").read_text()
+    return re.search(r"^project\(HXzirpa VERSION ([0-9.]+)", text, re.MULTILINE)[1]
+
+
+def below(directory, *patterns):
+    """The files below a directory of the source tree that match, relative to it."""
+    paths = (path for pattern in patterns for path in directory.rglob(pattern))
+    return {str(path.relative_to(directory)) for path in paths}
+
+
+def expected_files():
+    """All files of an installation, relative to its prefix."""
+    documents = ("README", "manual", "instructions", "quirks", "cmake")
+    examples = below(ROOT / "examples", "*.szirpa", "*.c", "CMakeLists.txt")
+    assert len(examples) >= 8
+    vim = below(ROOT / "editors" / "vim", "*.vim")
+    parts = {path.partition("/")[0] for path in vim}
+    assert parts == {"compiler", "ftdetect", "ftplugin", "syntax"}
+    module = ("HXzirpaProgram.cmake", "HXzirpaConfig.cmake", "HXzirpaConfigVersion.cmake")
+    return {
+        "bin/HXzirpa",
+        "share/man/man1/HXzirpa.1.gz",
+        "share/man/man5/HXzirpa.5.gz",
+        "share/bash-completion/completions/HXzirpa",
+        "share/zsh/vendor-completions/_HXzirpa",
+        "share/fish/vendor_completions.d/HXzirpa.fish",
+        *(f"share/cmake/HXzirpa/{name}" for name in module),
+        *(f"share/doc/hxzirpa/{name}.md" for name in documents),
+        "share/doc/hxzirpa/changelog.gz",
+        "share/doc/hxzirpa/copyright",
+        *(f"share/doc/hxzirpa/examples/{name}" for name in examples),
+        *(f"share/vim/vimfiles/{name}" for name in vim),
+    }
