@@ -30,6 +30,7 @@ NOT_RUN = {
     "sudo": "changes the system",
     "apt": "changes the system",
     "apt-get": "changes the system",
+    "code": "needs an editor with a window",
     "git": "needs the network",
     "cmake": "builds the project itself; the tests of the CMake module and the package do that",
 }

@@ -11,4 +11,4 @@ def test_what_is_shown_is_what_happens(request, tmp_path):
     reader = shown.Reader(request.config.getoption("--program"), tmp_path / "zirpa")
     for source in sorted((ROOT / "examples").glob("*.szirpa")):
         reader.write(source.name, source.read_text())
-    shown.Play("README.md", (ROOT / "README.md").read_text(), reader, ["sum.szirpa"]).play()
+    shown.Play("README.md", (ROOT / "README.md").read_text(), reader).play()
