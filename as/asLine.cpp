@@ -78,7 +78,6 @@ bool debugger_line(int pass) {
 void label_field(const char *field) {
     if (isblanc(*Line_Ptr)) {
         Col_Ptr = field;
-        Line_Done = is_line_text_end(*field) ? 1 : Line_Done;
     } else if (IsLabel() != 0) {
         label = 1;
     } else {

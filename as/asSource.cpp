@@ -168,7 +168,7 @@ void enter_file(const std::string &name, const FileText *text) {
 }
 
 // The size of the next piece of a file: up to a line feed, kLineReadLimit bytes or the end.
-std::size_t piece_size(const FileEntry &file) {
+inline std::size_t piece_size(const FileEntry &file) {
     const std::size_t left = std::min(file.text->size - file.position, kLineReadLimit);
     const char *start = &file.text->data[file.position];
     const auto *line_feed = static_cast<const char *>(std::memchr(start, '\n', left));

@@ -28,7 +28,7 @@ std::array<Symbol *, kSymbolChains> symtails{}; // last record of each chain
 
 // The index: an open-addressing table of records, a power of two large and at most half full. A
 // record's place is given by the upper bits of its hash, which depend on all of the name.
-constexpr unsigned kFirstIndexBits = 10;
+constexpr unsigned kFirstIndexBits = 8;
 std::vector<Symbol *> symbol_index;
 unsigned index_shift = 0; // from a hash to a place
 std::size_t indexed_symbols = 0;
@@ -292,7 +292,9 @@ void define_before_final_pass(Symbol &symbol, std::int64_t value) {
 } // namespace
 
 void init_as_symbol_table() {
-    closesym();
+    if (!symlistptr.empty()) {
+        closesym();
+    }
     symbol_index.assign(std::size_t{1} << kFirstIndexBits, nullptr);
     index_shift = 32 - kFirstIndexBits;
     add_block();
@@ -368,12 +370,12 @@ void symwrite(OutputFile &stream) {
 void symdebugwrite(std::string & /*stream*/) {}
 
 void prep_undefine() {
-    for (Symbol *head : symheads) {
-        for (Symbol *symbol = head; symbol != nullptr; symbol = symbol->next) {
+    for (std::vector<Symbol> &block : symlistptr) {
+        for (Symbol &symbol : block) {
             // Kept: the flags of a debug-information name hold this bit too, so it is reset as
             // well.
-            if (symbol->has(SYM_CONDITIONAL)) {
-                symbol->flags = SYM_CONDITIONAL | SYM_UNDEFINED;
+            if (symbol.has(SYM_CONDITIONAL)) {
+                symbol.flags = SYM_CONDITIONAL | SYM_UNDEFINED;
             }
         }
     }

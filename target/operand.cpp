@@ -7,6 +7,8 @@
 #include "target/scan.h"
 #include "util/text.h"
 
+#include <algorithm>
+
 OperandRecord opnd1;
 OperandRecord opnd2;
 int commadel = 0;
@@ -15,6 +17,10 @@ namespace {
 
 bool is_register(int token) {
     return token == TOK_A || token == TOK_CC || token == TOK_X || token == TOK_Y || token == TOK_SP;
+}
+
+std::size_t remembered_symbols(const OperandRecord &operand) {
+    return std::min(static_cast<std::size_t>(operand.symbol_count), kOperandSymbolLimit);
 }
 
 // The one of two modes that an index register stands for, or 0 for any other token.
@@ -64,8 +70,8 @@ std::uint64_t accumulator_mode() {
 
 void ClearOp(OperandRecord &operand) {
     // The list is long and mostly empty.
-    if (operand.symbol_count != 0) {
-        operand.symbols.fill(nullptr);
+    for (std::size_t i = remembered_symbols(operand); i > 0; --i) {
+        operand.symbols[i - 1] = nullptr;
     }
     static_cast<OperandResult &>(operand) = {};
 }

@@ -74,8 +74,13 @@ void OutputFile::put_decimal(std::int64_t value, unsigned width) {
     put(digits);
 }
 
+// A file that was never used is left as it is: writing to it would cost a page of memory.
+
 void OutputFile::flush() {
-    if (is_open() && used_ > 0 && !failed_) {
+    if (used_ == 0) {
+        return;
+    }
+    if (is_open() && !failed_) {
         failed_ = !write_fully(descriptor_, buffer_.data(), used_);
     }
     used_ = 0;
@@ -83,7 +88,10 @@ void OutputFile::flush() {
 
 void OutputFile::close() {
     flush();
-    if (is_open() && owned_ && ::close(descriptor_) != 0) {
+    if (!is_open()) {
+        return;
+    }
+    if (owned_ && ::close(descriptor_) != 0) {
         failed_ = true;
     }
     descriptor_ = -1;

@@ -1,4 +1,4 @@
-"""The CMake text shown in docs/cmake.md works as it stands."""
+"""The CMake text shown in docs/cmake.md and in the README works as it stands."""
 
 import re
 
@@ -6,7 +6,8 @@ import pytest
 from cmake_project import MODULE, TOP
 
 TEXT = (TOP / "docs" / "cmake.md").read_text()
-SHOWN = re.findall(r"^```cmake\n(.*?)^```$", TEXT, re.MULTILINE | re.DOTALL)
+README = (TOP / "README.md").read_text()
+SHOWN = re.findall(r"^```cmake\n(.*?)^```$", README + TEXT, re.MULTILINE | re.DOTALL)
 USAGE = re.compile(r"add_hxzirpa_program\(name SOURCE.*?\)", re.DOTALL)
 C_PROGRAM = "int main(void) { return 0; }\n"
 
