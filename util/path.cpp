@@ -132,8 +132,11 @@ std::string PathCanonicalizeA(std::string_view path) {
                 ++i;
             }
         } else {
-            built += path[i];
-            ++i;
+            // The rest of the component, its separator included.
+            const std::size_t separator = path.find('\\', i);
+            const std::size_t end = separator == std::string_view::npos ? path.size() : separator + 1;
+            built += path.substr(i, end - i);
+            i = end;
         }
     }
     const bool bare_drive = built.size() == 2 && is_ascii_letter(built[0]) && built[1] == ':';
