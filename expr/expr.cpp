@@ -10,6 +10,7 @@
 #include "util/wrap.h"
 
 #include <array>
+#include <initializer_list>
 
 int state = 0;
 int status = 0;
@@ -100,27 +101,29 @@ constexpr int kScanOn = 1; // no status yet
 // What the check makes of a token.
 enum class Role : std::uint8_t { kEnd, kOperand, kBinary, kPrefix, kOpen, kClose, kRegister };
 
-consteval std::array<Role, TOK_SP + 1> make_roles() {
-    std::array<Role, TOK_SP + 1> roles{}; // characters end the expression
-    for (const Token token : {TOK_EQ, TOK_NE, TOK_LE, TOK_GE, TOK_LOGICAL_OR, TOK_LOGICAL_AND,
-                              TOK_XOR, TOK_PLUS, TOK_MULTIPLY, TOK_DIVIDE, TOK_SHIFT_LEFT,
-                              TOK_SHIFT_RIGHT, TOK_AND, TOK_OR, TOK_REMAINDER}) {
-        roles[token] = Role::kBinary;
+using Roles = std::array<Role, TOK_SP + 1>;
+
+consteval void set_role(Roles &roles, Role role, std::initializer_list<Token> tokens) {
+    for (const Token token : tokens) {
+        roles[static_cast<std::size_t>(token)] = role;
     }
-    for (const Token token : {TOK_LOGICAL_NOT, TOK_COMPLEMENT, TOK_MINUS}) {
-        roles[token] = Role::kPrefix;
-    }
-    for (const Token token : {TOK_A, TOK_CC, TOK_X, TOK_Y, TOK_SP}) {
-        roles[token] = Role::kRegister;
-    }
-    roles[TOK_NUMBER] = Role::kOperand;
-    roles[TOK_NAME] = Role::kOperand;
-    roles[TOK_OPEN] = Role::kOpen;
-    roles[TOK_CLOSE] = Role::kClose;
+}
+
+consteval Roles make_roles() {
+    Roles roles{}; // characters end the expression
+    set_role(roles, Role::kOperand, {TOK_NUMBER, TOK_NAME});
+    set_role(roles, Role::kBinary,
+             {TOK_EQ, TOK_NE, TOK_LE, TOK_GE, TOK_LOGICAL_OR, TOK_LOGICAL_AND, TOK_XOR, TOK_PLUS,
+              TOK_MULTIPLY, TOK_DIVIDE, TOK_SHIFT_LEFT, TOK_SHIFT_RIGHT, TOK_AND, TOK_OR,
+              TOK_REMAINDER});
+    set_role(roles, Role::kPrefix, {TOK_LOGICAL_NOT, TOK_COMPLEMENT, TOK_MINUS});
+    set_role(roles, Role::kOpen, {TOK_OPEN});
+    set_role(roles, Role::kClose, {TOK_CLOSE});
+    set_role(roles, Role::kRegister, {TOK_A, TOK_CC, TOK_X, TOK_Y, TOK_SP});
     return roles;
 }
 
-constexpr std::array<Role, TOK_SP + 1> kRoles = make_roles();
+constexpr Roles kRoles = make_roles();
 
 // Takes one token into the state. Returns kScanOn or the status with which the check stops.
 int check_step(int token, int &state_so_far, int &depth) {

@@ -105,12 +105,15 @@ void makePathAbsoluteUX(std::string &dst, const char *path) {
 void winfilename(std::string &dst, std::string &src) {
     std::replace(src.begin(), src.end(), '\\', '/');
     dst.clear();
-    for (std::size_t i = 0; i < src.size(); ++i) {
-        dst += src[i] == '/' ? '\\' : src[i];
-        if (src[i] == '/' && i + 1 < src.size() && src[i + 1] == '/') {
-            ++i;
-        }
+    std::string_view rest = src;
+    std::size_t slash = rest.find('/');
+    while (slash != std::string_view::npos) {
+        dst += rest.substr(0, slash);
+        dst += '\\';
+        rest.remove_prefix(slash + (rest.substr(slash, 2) == "//" ? 2 : 1));
+        slash = rest.find('/');
     }
+    dst += rest;
 }
 
 std::string PathCanonicalizeA(std::string_view path) {
@@ -134,7 +137,8 @@ std::string PathCanonicalizeA(std::string_view path) {
         } else {
             // The rest of the component, its separator included.
             const std::size_t separator = path.find('\\', i);
-            const std::size_t end = separator == std::string_view::npos ? path.size() : separator + 1;
+            const std::size_t end =
+                separator == std::string_view::npos ? path.size() : separator + 1;
             built += path.substr(i, end - i);
             i = end;
         }
