@@ -235,10 +235,9 @@ TEST_F(OperandParser, ClearingZeroesEveryField) {
     operand.symbol_size = -1;
     operand.external_offset = 3;
     operand.term_count = 1;
-    operand.symbol_count = 1;
+    operand.symbol_count = static_cast<std::int32_t>(kOperandSymbolLimit) + 1;
     operand.first_symbol = &symbol;
-    operand.symbols[0] = &symbol;
-    operand.symbols[kOperandSymbolLimit - 1] = &symbol;
+    operand.symbols.fill(&symbol);
     ClearOp(operand);
     EXPECT_EQ(operand.mode, 0U);
     EXPECT_EQ(operand.value, 0);
