@@ -209,7 +209,7 @@ void make_defined(Symbol &symbol) {
     symbol.definition_line = realline;
     if (*words.second != '\0' && IsCommentChar(*words.second) == 0) {
         symbol.value = signed_32(evaluate(words.second));
-        symbol.segment = LookupSegment("abs", 1);
+        symbol.segment = absolute_segment();
     }
 }
 

@@ -11,6 +11,8 @@ std::uint32_t dotLC = 0;
 
 namespace {
 
+Segment *known_absolute_segment = nullptr;
+
 // The list of a type; none when the header is of another type.
 ListHeader *list_of_type(std::uint32_t type) { return lists.type == type ? &lists : nullptr; }
 
@@ -77,7 +79,17 @@ Segment *LookupSegment(const char *name, int create) {
     return item->data.get();
 }
 
-void InitSegmentList() { InitList(); }
+Segment *absolute_segment() {
+    if (known_absolute_segment == nullptr) {
+        known_absolute_segment = LookupSegment("abs", 1);
+    }
+    return known_absolute_segment;
+}
+
+void InitSegmentList() {
+    InitList();
+    known_absolute_segment = nullptr;
+}
 
 void InitSegmentListPass2() {
     EnumSegmentList();

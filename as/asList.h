@@ -46,6 +46,9 @@ extern std::uint32_t dotLC; // address at which the current statement began
 // none or empty. None if there is no such segment.
 Segment *LookupSegment(const char *name, int create);
 
+// The segment of constants and of names without a place, "abs"; made by the first call.
+Segment *absolute_segment();
+
 // Sets the cursor to the first item of the list of that type (the segment list) and returns it.
 ListItem *EnumListType(std::uint32_t type);
 ListItem *EnumSegmentList();

@@ -233,7 +233,7 @@ Symbol *create_constant(std::string_view name, std::int32_t value, int set) {
                             SYM_DEFINED | SYM_ABSOLUTE | (set != 0 ? SYM_REDEFINABLE : 0U),
                             kNameKind, nullptr, kNoData);
     if (symbol != nullptr) {
-        symbol->segment = LookupSegment("abs", 1);
+        symbol->segment = absolute_segment();
     }
     return symbol;
 }

@@ -234,7 +234,7 @@ Segment *segment_of_new(std::uint32_t flags) {
     if ((flags & SYM_EXTERNAL) != 0) {
         return nullptr;
     }
-    return (flags & SYM_UNDEFINED) != 0 ? LookupSegment("abs", 1) : current_seg;
+    return (flags & SYM_UNDEFINED) != 0 ? absolute_segment() : current_seg;
 }
 
 Symbol *create(const Key &key, std::int32_t value, std::int32_t line, std::uint32_t flags,

@@ -52,7 +52,7 @@ void remove_component(std::string &built, std::size_t root) {
 } // namespace
 
 std::string getMyDirectory() {
-    std::array<char, kDirectoryCapacity> buffer{};
+    std::array<char, kDirectoryCapacity> buffer;
     return getcwd(buffer.data(), buffer.size()) == nullptr ? std::string() : buffer.data();
 }
 

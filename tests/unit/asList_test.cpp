@@ -14,6 +14,20 @@ TEST_F(SegmentList, CreatesASegmentOnceAndFindsItAfterwards) {
     EXPECT_EQ(LookupSegment("abs", 0), created);
 }
 
+TEST_F(SegmentList, TheAbsoluteSegmentIsMadeOnceInEachList) {
+    LookupSegment("code", 1);
+    EXPECT_EQ(LookupSegment("abs", 0), nullptr);
+    const Segment *made = absolute_segment();
+    ASSERT_NE(made, nullptr);
+    EXPECT_EQ(made->name, "abs");
+    EXPECT_EQ(LookupSegment("abs", 0), made);
+    EXPECT_EQ(absolute_segment(), made);
+    InitSegmentList();
+    EXPECT_EQ(LookupSegment("abs", 0), nullptr);
+    EXPECT_EQ(absolute_segment(), LookupSegment("abs", 0));
+    EXPECT_NE(absolute_segment(), nullptr);
+}
+
 TEST_F(SegmentList, BeginsASegmentAtZeroWithNoOutput) {
     Segment *created = LookupSegment("abs", 1);
     ASSERT_NE(created, nullptr);
