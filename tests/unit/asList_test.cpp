@@ -24,8 +24,9 @@ TEST_F(SegmentList, TheAbsoluteSegmentIsMadeOnceInEachList) {
     EXPECT_EQ(absolute_segment(), made);
     InitSegmentList();
     EXPECT_EQ(LookupSegment("abs", 0), nullptr);
-    EXPECT_EQ(absolute_segment(), LookupSegment("abs", 0));
-    EXPECT_NE(absolute_segment(), nullptr);
+    made = absolute_segment();
+    ASSERT_NE(made, nullptr);
+    EXPECT_EQ(LookupSegment("abs", 0), made);
 }
 
 TEST_F(SegmentList, BeginsASegmentAtZeroWithNoOutput) {
