@@ -18,7 +18,7 @@ using Value32 = std::optional<std::uint32_t>;
 using Value64 = std::optional<std::uint64_t>;
 using SignedValue = std::optional<std::int64_t>;
 
-// Each helper gives the value, or nothing after checking that a failure is -1 and stores nothing.
+// Each of these gives the value, or nothing after checking that a failure is -1 and stores nothing.
 Value32 based(const std::string &text, int base) {
     std::uint32_t value = kUntouched32;
     const int result = base_to_number(text.c_str(), value, base);
