@@ -3,6 +3,7 @@ the injections, in which calls fail."""
 
 import collections
 import dataclasses
+import fcntl
 import functools
 import os
 import pathlib
@@ -59,6 +60,17 @@ def read_report(path):
     return [tuple(line.split(" ", 1)) for line in lines]
 
 
+def standard_input(content):
+    """A pipe that holds all of the content, so that each run takes it in the same pieces."""
+    if content is None:
+        return open(os.devnull, "rb")
+    reader, writer = os.pipe()
+    fcntl.fcntl(writer, fcntl.F_SETPIPE_SZ, max(len(content), 1))
+    os.write(writer, content)
+    os.close(writer)
+    return open(reader, "rb")
+
+
 def perform(program, scenario, injection, place, old_outputs=(), arguments=None):
     """One run, in a new directory below place, which does not outlive it."""
     home = pathlib.Path(tempfile.mkdtemp(dir=place))
@@ -72,16 +84,16 @@ def perform(program, scenario, injection, place, old_outputs=(), arguments=None)
         "HXZIRPA_FAULT_CALL": str(injection.call),
         "HXZIRPA_FAULT_REPORT": str(report),
     }
-    given = scenario.standard_input
-    process = subprocess.run(
-        [program, *(scenario.arguments if arguments is None else arguments)],
-        cwd=directory,
-        env={**os.environ, **SANITIZERS, **settings},
-        capture_output=True,
-        timeout=TIME_LIMIT_SECONDS,
-        check=False,
-        **({"stdin": subprocess.DEVNULL} if given is None else {"input": given}),
-    )
+    with standard_input(scenario.standard_input) as given:
+        process = subprocess.run(
+            [program, *(scenario.arguments if arguments is None else arguments)],
+            cwd=directory,
+            env={**os.environ, **SANITIZERS, **settings},
+            stdin=given,
+            capture_output=True,
+            timeout=TIME_LIMIT_SECONDS,
+            check=False,
+        )
     run = Run(
         os.fsencode(directory),
         process.returncode,
