@@ -3,6 +3,7 @@
 #include "as/asCond.h"
 #include "as/asDebug.h"
 #include "as/asDiag.h"
+#include "as/asEqu.h"
 #include "as/asList.h"
 #include "as/asOptions.h"
 #include "as/asPseudo.h"

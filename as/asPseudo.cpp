@@ -2,6 +2,7 @@
 
 #include "as/asData.h"
 #include "as/asDiag.h"
+#include "as/asEqu.h"
 #include "as/asLine.h"
 #include "as/asList.h"
 #include "as/asListing.h"
@@ -206,78 +207,6 @@ int do_set_direct_page() {
     return kCarriedOut;
 }
 
-// ---- EQU ----
-
-void store_operand(Symbol &symbol) { symbol.value = signed_32(evalexp(Col_Ptr, 0)); }
-
-void make_absolute(Symbol &symbol, int set) {
-    symbol.flags &= ~SYM_UNDEFINED;
-    symbol.flags |= SYM_DEFINED | SYM_ABSOLUTE | (set != 0 ? SYM_REDEFINABLE : 0U);
-}
-
-// A symbol that exists, before the final pass.
-void equate_existing(Symbol &symbol, int set) {
-    if (symbol.has(SYM_UNDEFINED)) {
-        make_absolute(symbol, set);
-        store_operand(symbol);
-    } else if (set == 0 || !symbol.has(SYM_REDEFINABLE)) {
-        // Every EQU is met again in pass 1, so the mark alone makes no duplicate.
-        symbol.flags |= SYM_MULTIPLE;
-    } else {
-        store_operand(symbol);
-    }
-}
-
-Symbol *create_constant(std::string_view name, std::int32_t value, int set) {
-    Symbol *symbol = putsym(name, value, realline,
-                            SYM_DEFINED | SYM_ABSOLUTE | (set != 0 ? SYM_REDEFINABLE : 0U),
-                            kNameKind, nullptr, kNoData);
-    if (symbol != nullptr) {
-        symbol->segment = absolute_segment();
-    }
-    return symbol;
-}
-
-// The checks of the final pass. The operand is compared with the value from before this line.
-void check_constant(Symbol &symbol, std::int32_t value_before) {
-    symbol.file = current_file_index();
-    if (symbol.has(SYM_MULTIPLE) && symbol.definition_line != realline) {
-        vpError("symbol '%s' previously defined at line %d", symbol.name, symbol.definition_line);
-        if (!isblanc(*Col_Ptr) && value_before != evalexp(Col_Ptr, 1)) {
-            vpError("symbol '%s' redefined at line %d", symbol.name, realline);
-        }
-    }
-    if (symbol.has(SYM_FORWARD)) {
-        vpWarning("symbol '%s' is forward referenced from line %d", symbol.name,
-                  symbol.first_reference_line);
-    }
-}
-
-// Gives the label its value. None when pass 0 has created it and nothing is left to be done.
-Symbol *equate(std::string_view name, int set) {
-    Symbol *symbol = getsym(name);
-    if (symbol == nullptr) {
-        if (Pass == 0 && set == 0) {
-            (void)create_constant(name, signed_32(evalexp(Col_Ptr, 0)), set);
-            return nullptr;
-        }
-        symbol = create_constant(name, 0, set);
-        store_operand(*symbol);
-        return symbol;
-    }
-    if (symbol->definition_line == 0) {
-        symbol->definition_line = realline;
-    }
-    if (Pass2 == 0) {
-        equate_existing(*symbol, set);
-        return symbol;
-    }
-    const std::int32_t value_before = symbol->value;
-    store_operand(*symbol);
-    check_constant(*symbol, value_before);
-    return symbol;
-}
-
 } // namespace
 
 // Most words are instructions: the directives' initials, length and letters, all three in one
@@ -361,23 +290,6 @@ int find_conditional_word(const char *&position) {
         return find_conditional(macro_native, skipblanc(p + 1), position);
     }
     return 0;
-}
-
-int DoEqu(int set) {
-    if (label == 0) {
-        return fail("No label for \"equ\"");
-    }
-    const Symbol *symbol = equate(label_name(), set);
-    if (symbol == nullptr) {
-        return kCarriedOut;
-    }
-    const std::uint32_t value = low_32(symbol->value);
-    list_byte(value >> 8U);
-    list_byte(value);
-    pending_listLC = 0;
-    IsEqu = 1;
-    IsEquDirective = 1;
-    return kCarriedOut;
 }
 
 int DoOrg() {

@@ -81,9 +81,6 @@ inline int is_conditional_macro_directive(const char *&position) {
     return only_pure && *position != '#' ? 0 : find_conditional_word(position);
 }
 
-// EQU; with set, the redefinable form. 2, or -1 after an error.
-int DoEqu(int set);
-
 // ORG. 2, or -1 after an error.
 int DoOrg();
 

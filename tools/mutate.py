@@ -58,6 +58,7 @@ TOPICS = {
     "asData": ["data"],
     "asDebug": ["debug"],
     "asDiag": ["diagnostics"],
+    "asEqu": ["directives", "symbols"],
     "asFiles": ["command_line", "records"],
     "asLine": ["line", "directives"],
     "asList": ["directives", "listing"],

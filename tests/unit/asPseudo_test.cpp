@@ -1,5 +1,5 @@
 // Directives: their tables, the recognisers, the dispatcher with the numbers that no word has, and
-// EQU, ORG and END.
+// ORG and END.
 #include "as/asDiag.h"
 #include "as/asLine.h"
 #include "as/asList.h"
@@ -60,14 +60,6 @@ class Directives : public RunTest {
 
     // Column of the scan position.
     static long column() { return Col_Ptr - Line.begin(); }
-
-    // EQU with a label, or without one if the name is empty.
-    static int equ(const std::string &name, const std::string &operand, int set) {
-        begin_line(name + " EQU " + operand + "\n");
-        label = IsLabel();
-        Col_Ptr += 5;
-        return DoEqu(set);
-    }
 
     static int org(const std::string &operand, const std::string &name = "") {
         begin_line(name + " ORG " + operand + "\n");
@@ -458,169 +450,6 @@ TEST_F(Directives, NewPassForgetsTheDirectPage) {
     directive(53, "7\n");
     pseudo_new_pass();
     EXPECT_EQ(MC6809_anticipated_dp, 0U);
-}
-
-// ---- EQU
-// --------------------------------------------------------------------------------------------
-
-TEST_F(Directives, EquNeedsALabel) {
-    begin_reports();
-    EXPECT_EQ(equ("", "5", 0), -1);
-    EXPECT_EQ(take_output(), error("No label for \"equ\""));
-    EXPECT_EQ(equ("", "5", 1), -1);
-    EXPECT_EQ(take_output(), error("No label for \"equ\""));
-}
-
-TEST_F(Directives, EquDefinesAnAbsoluteConstant) {
-    Pass = 0;
-    set_line_number(7);
-    EXPECT_EQ(equ("X", "$12345", 0), 2);
-    const Symbol *symbol = getsym("X");
-    ASSERT_NE(symbol, nullptr);
-    EXPECT_EQ(symbol->value, 0x12345);
-    EXPECT_EQ(symbol->flags, SYM_DEFINED | SYM_ABSOLUTE);
-    EXPECT_EQ(symbol->definition_line, 7);
-    EXPECT_EQ(symbol->element_count, -1);
-    ASSERT_NE(symbol->segment, nullptr);
-    EXPECT_EQ(symbol->segment->name, "abs");
-}
-
-TEST_F(Directives, EquListsTheLow16BitsBehindPassZero) {
-    Pass = 0;
-    equ("X", "$12345", 0);
-    EXPECT_EQ(code_i, 0U);
-    Pass = 1;
-    begin_line("");
-    EXPECT_EQ(equ("X", "$12345", 0), 2);
-    ASSERT_EQ(code_i, 2U);
-    EXPECT_EQ(Code[0], 0x23);
-    EXPECT_EQ(Code[1], 0x45);
-    EXPECT_EQ(pending_listLC, 0);
-    EXPECT_EQ(IsEqu, 1);
-    EXPECT_EQ(IsEquDirective, 1);
-}
-
-// Kept: every EQU of pass 0 bears the mark from pass 1 on; real duplicates differ in their line.
-TEST_F(Directives, EquMetAgainIsMarkedAndKeepsItsValueBeforeTheFinalPass) {
-    Pass = 0;
-    set_line_number(3);
-    equ("X", "5", 0);
-    Pass = 1;
-    set_line_number(4);
-    EXPECT_EQ(equ("X", "6", 0), 2);
-    EXPECT_EQ(getsym("X")->value, 5);
-    EXPECT_TRUE(getsym("X")->has(SYM_MULTIPLE));
-    EXPECT_EQ(getsym("X")->definition_line, 3);
-}
-
-TEST_F(Directives, EquOfAPlaceholderDefinesIt) {
-    set_line_number(3);
-    lookup("X");
-    set_line_number(9);
-    EXPECT_EQ(equ("X", "5", 0), 2);
-    EXPECT_EQ(getsym("X")->flags, SYM_DEFINED | SYM_ABSOLUTE);
-    EXPECT_EQ(getsym("X")->value, 5);
-    EXPECT_EQ(getsym("X")->definition_line, 9);
-}
-
-TEST_F(Directives, RedefinableSymbolIsCreatedAndSetAgainAndAgain) {
-    EXPECT_EQ(equ("N", "5", 1), 2);
-    ASSERT_NE(getsym("N"), nullptr);
-    EXPECT_EQ(getsym("N")->value, 5);
-    EXPECT_TRUE(getsym("N")->has(SYM_REDEFINABLE));
-    ASSERT_NE(getsym("N")->segment, nullptr);
-    EXPECT_EQ(getsym("N")->segment->name, "abs");
-    EXPECT_EQ(equ("N", "N+1", 1), 2);
-    EXPECT_EQ(getsym("N")->value, 6);
-    EXPECT_FALSE(getsym("N")->has(SYM_MULTIPLE));
-    EXPECT_EQ(code_i, 2U);
-    EXPECT_EQ(Code[1], 6);
-    EXPECT_EQ(IsEqu, 1);
-    EXPECT_EQ(IsEquDirective, 1);
-}
-
-TEST_F(Directives, RedefinableSymbolIsCreatedInPassZeroWithItsListedBytes) {
-    Pass = 0;
-    EXPECT_EQ(equ("X", "5", 1), 2);
-    EXPECT_EQ(getsym("X")->value, 5);
-    EXPECT_TRUE(getsym("X")->has(SYM_REDEFINABLE));
-    EXPECT_EQ(code_i, 2U);
-}
-
-TEST_F(Directives, PlaceholderBecomesRedefinable) {
-    lookup("X");
-    EXPECT_EQ(equ("X", "5", 1), 2);
-    EXPECT_EQ(getsym("X")->flags, SYM_DEFINED | SYM_ABSOLUTE | SYM_REDEFINABLE);
-    EXPECT_EQ(getsym("X")->value, 5);
-}
-
-TEST_F(Directives, EquOfARedefinableSymbolIsAnotherDefinition) {
-    equ("X", "5", 1);
-    EXPECT_EQ(equ("X", "6", 0), 2);
-    EXPECT_TRUE(getsym("X")->has(SYM_MULTIPLE));
-    EXPECT_EQ(getsym("X")->value, 5);
-}
-
-TEST_F(Directives, RedefinableFormOfAConstantIsAnotherDefinition) {
-    equ("X", "5", 0);
-    EXPECT_EQ(equ("X", "6", 1), 2);
-    EXPECT_TRUE(getsym("X")->has(SYM_MULTIPLE));
-    EXPECT_EQ(getsym("X")->value, 5);
-}
-
-TEST_F(Directives, RedefinableSymbolChangesInTheFinalPassWithoutAReport) {
-    set_line_number(1);
-    equ("X", "5", 1);
-    set_line_number(2);
-    equ("X", "6", 1);
-    begin_reports();
-    EXPECT_EQ(equ("X", "5", 1), 2);
-    EXPECT_EQ(getsym("X")->value, 5);
-    set_line_number(2);
-    EXPECT_EQ(equ("X", "6", 1), 2);
-    EXPECT_EQ(getsym("X")->value, 6);
-    EXPECT_EQ(take_output(), "");
-}
-
-TEST_F(Directives, EquOnAnotherLineIsReportedInTheFinalPass) {
-    Pass = 0;
-    set_line_number(1);
-    equ("X", "5", 0);
-    Pass = 1;
-    equ("X", "5", 0);
-    set_line_number(3);
-    equ("X", "6", 0);
-    begin_reports();
-    EXPECT_EQ(equ("X", "5", 0), 2);
-    EXPECT_EQ(take_output(), "");
-    set_line_number(3);
-    EXPECT_EQ(equ("X", "6", 0), 2);
-    EXPECT_EQ(take_output(), error("symbol 'X' previously defined at line 1") +
-                                 error("symbol 'X' redefined at line 3"));
-    EXPECT_EQ(getsym("X")->value, 6);
-}
-
-TEST_F(Directives, EquOfTheSameValueOnAnotherLineIsOneError) {
-    Pass = 0;
-    set_line_number(1);
-    equ("X", "5", 0);
-    Pass = 1;
-    equ("X", "5", 0);
-    begin_reports();
-    set_line_number(3);
-    EXPECT_EQ(equ("X", "2+3", 0), 2);
-    EXPECT_EQ(take_output(), error("symbol 'X' previously defined at line 1"));
-}
-
-TEST_F(Directives, EquOfASymbolUsedBeforeDrawsAWarning) {
-    set_line_number(2);
-    refsym("X");
-    set_line_number(5);
-    equ("X", "5", 0);
-    begin_reports();
-    set_line_number(5);
-    EXPECT_EQ(equ("X", "5", 0), 2);
-    EXPECT_EQ(take_output(), warning("symbol 'X' is forward referenced from line 2"));
 }
 
 // ---- ORG
