@@ -18,7 +18,6 @@
 #include "util/wrap.h"
 
 #include <array>
-#include <cstring>
 #include <iterator>
 
 // clang-format off

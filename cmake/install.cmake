@@ -39,9 +39,12 @@ install_compressed(${CMAKE_SOURCE_DIR}/packaging/changelog changelog
                    ${CMAKE_INSTALL_DOCDIR} doc)
 add_custom_target(compressed_files ALL DEPENDS ${compressed_files})
 
-install(FILES README.md docs/manual.md docs/instructions.md docs/quirks.md docs/cmake.md
-              packaging/copyright
+# As in the source tree, so that the links between the documents lead somewhere.
+install(FILES README.md CONTRIBUTING.md packaging/copyright
         DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
+install(DIRECTORY docs editors DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc
+        FILES_MATCHING PATTERN "*.md" PATTERN vim EXCLUDE PATTERN snippets EXCLUDE
+        PATTERN syntaxes EXCLUDE)
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT doc
         FILES_MATCHING PATTERN "*.szirpa" PATTERN "*.c" PATTERN CMakeLists.txt)
 
@@ -96,6 +99,7 @@ set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 set(CPACK_DEBIAN_PACKAGE_SECTION devel)
+set(CPACK_DEBIAN_PACKAGE_SUGGESTS "bash-completion, binutils, cmake")
 set(CPACK_DEBIAN_PACKAGE_PRIORITY optional)
 set(CPACK_DEBIAN_PACKAGE_CONTROL_STRICT_PERMISSION ON)
 if(NOT HXZIRPA_STATIC)

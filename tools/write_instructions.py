@@ -18,6 +18,9 @@ hexadecimal. This page is written from the program's own table by `tools/write_i
 
 An opcode alone is an instruction of one byte; an opcode followed by *n*, as in `F0 n`, is one of
 two, and *n* stands for its operand byte. Mnemonics may be written in either case.
+
+HXzirpa(5) says in a word what each instruction does (`man -l man/HXzirpa.5` before an installation).
+What it does to the condition codes is told by the documents of the processor, not of its assembler.
 """
 
 OPERANDS = """\

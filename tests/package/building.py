@@ -48,7 +48,10 @@ def below(directory, *patterns):
 
 def expected_files():
     """All files of an installation, relative to its prefix."""
-    documents = ("README", "manual", "instructions", "quirks", "cmake")
+    documents = {"README.md", "CONTRIBUTING.md"} | {
+        f"{name}/{path}" for name in ("docs", "editors") for path in below(ROOT / name, "*.md")
+    }
+    assert len(documents) >= 10
     examples = below(ROOT / "examples", "*.szirpa", "*.c", "CMakeLists.txt")
     assert len(examples) >= 8
     vim = below(ROOT / "editors" / "vim", "*.vim")
@@ -63,7 +66,7 @@ def expected_files():
         "share/zsh/vendor-completions/_HXzirpa",
         "share/fish/vendor_completions.d/HXzirpa.fish",
         *(f"share/cmake/HXzirpa/{name}" for name in module),
-        *(f"share/doc/hxzirpa/{name}.md" for name in documents),
+        *(f"share/doc/hxzirpa/{name}" for name in documents),
         "share/doc/hxzirpa/changelog.gz",
         "share/doc/hxzirpa/copyright",
         *(f"share/doc/hxzirpa/examples/{name}" for name in examples),
