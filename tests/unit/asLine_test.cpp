@@ -1,4 +1,5 @@
-// The line assembler: its small functions, the fields of a line, and the label that data belongs to.
+// The line assembler: its small functions, the fields of a line, and the label that data belongs
+// to.
 #include "as/asDiag.h"
 #include "as/asLine.h"
 #include "as/asList.h"
