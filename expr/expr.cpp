@@ -180,6 +180,7 @@ int check_tokens() {
     }
     state = state_so_far;
     checked_end = checked + 1;
+    next_checked = checked_end; // the evaluation goes back to the first
     ctoken = previous_token(previous, begin_of(checked), token);
     // An open parenthesis wins over whatever stopped the check.
     if (depth > 0) {

@@ -222,6 +222,12 @@ TEST_F(TokenScanner, OperandModeReadsOperatorsAsPlainCharacters) {
     }
 }
 
+TEST_F(TokenScanner, TheEndOfTheLineIsATokenLikeAnyOther) {
+    ctoken = TOK_NUMBER;
+    EXPECT_EQ(token(""), 0);
+    EXPECT_EQ(ctoken, 0);
+}
+
 TEST_F(TokenScanner, OtherCharactersStandForThemselves) {
     for (const int mode : {kExpressionMode, kOperandMode}) {
         for (const char ch : std::string(" \t\n#,.:;?@[\\]`{}\"")) {
