@@ -223,8 +223,9 @@ TEST_F(TokenScanner, OperandModeReadsOperatorsAsPlainCharacters) {
 }
 
 TEST_F(TokenScanner, TheEndOfTheLineIsATokenLikeAnyOther) {
+    begin_line("");
     ctoken = TOK_NUMBER;
-    EXPECT_EQ(token(""), 0);
+    EXPECT_EQ(gettoken(kExpressionMode), 0);
     EXPECT_EQ(ctoken, 0);
 }
 
