@@ -78,7 +78,7 @@ void ClearOp(OperandRecord &operand) {
 
 int Parse_Operand(OperandRecord &operand) {
     // Before the final pass the mode alone counts.
-    const bool is_value_needed = Pass != 1;
+    const bool is_value_needed = Pass2 != 0;
     ClearOp(operand);
     commadel = 0;
     if (lookahead('#') != 0) {

@@ -15,37 +15,18 @@
 
 namespace {
 
-class Conditionals : public RunTest {
+class Conditionals : public ReportTest {
   protected:
     void SetUp() override {
-        RunTest::SetUp();
-        open_source_file("prog.szirpa", "");
+        ReportTest::SetUp();
         putsym("YES", 0, 1, SYM_DEFINED, 0, nullptr, 0);
         set_line_number(1);
-    }
-
-    static void begin_reports() {
-        enter_final_pass();
-        set_line_number(1);
-    }
-
-    static void set_line_number(int number) {
-        Line_no = number;
-        realline = number;
     }
 
     // Carries out a conditional word with the rest of its line.
     static int word(DirectiveToken token, const std::string &rest = "\n") {
         begin_line(rest);
         return DoCond(static_cast<int>(token));
-    }
-
-    std::string error(const std::string &text) const { return report("Error", text); }
-    std::string warning(const std::string &text) const { return report("Warning", text); }
-
-    std::string report(const std::string &kind, const std::string &text) const {
-        return directory + "/prog.szirpa (" + std::to_string(Line_no) + ") " + kind + ": " + text +
-               "\n";
     }
 };
 

@@ -11,37 +11,14 @@
 
 namespace {
 
-class Equate : public RunTest {
+class Equate : public ReportTest {
   protected:
-    void SetUp() override {
-        RunTest::SetUp();
-        open_source_file("prog.szirpa", "");
-    }
-
-    static void begin_reports() {
-        enter_final_pass();
-        set_line_number(1);
-    }
-
-    static void set_line_number(int number) {
-        Line_no = number;
-        realline = number;
-    }
-
     // EQU with a label, or without one if the name is empty.
     static int equ(const std::string &name, const std::string &operand, int set) {
         begin_line(name + " EQU " + operand + "\n");
         label = IsLabel();
         Col_Ptr += 5;
         return DoEqu(set);
-    }
-
-    std::string error(const std::string &text) const { return report("Error", text); }
-    std::string warning(const std::string &text) const { return report("Warning", text); }
-
-    std::string report(const std::string &kind, const std::string &text) const {
-        return directory + "/prog.szirpa (" + std::to_string(Line_no) + ") " + kind + ": " + text +
-               "\n";
     }
 };
 

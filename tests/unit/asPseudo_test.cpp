@@ -29,23 +29,8 @@ Words rows(const DirectiveEntry *table) {
     return words;
 }
 
-class Directives : public RunTest {
+class Directives : public ReportTest {
   protected:
-    void SetUp() override {
-        RunTest::SetUp();
-        open_source_file("prog.szirpa", "");
-    }
-
-    static void begin_reports() {
-        enter_final_pass();
-        set_line_number(1);
-    }
-
-    static void set_line_number(int number) {
-        Line_no = number;
-        realline = number;
-    }
-
     // Carries out a directive by its number on an operand.
     static int directive(std::uint32_t token, const std::string &operand) {
         begin_line(operand);
@@ -79,14 +64,6 @@ class Directives : public RunTest {
         const char *position = text.c_str();
         const auto token = static_cast<std::uint32_t>(is_conditional_macro_directive(position));
         return {token, position - text.c_str()};
-    }
-
-    std::string error(const std::string &text) const { return report("Error", text); }
-    std::string warning(const std::string &text) const { return report("Warning", text); }
-
-    std::string report(const std::string &kind, const std::string &text) const {
-        return directory + "/prog.szirpa (" + std::to_string(Line_no) + ") " + kind + ": " + text +
-               "\n";
     }
 };
 

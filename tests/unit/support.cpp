@@ -121,3 +121,27 @@ std::string RunTest::read_text(const std::string &name) {
 }
 
 bool RunTest::file_exists(const std::string &name) { return std::filesystem::exists(name); }
+
+void ReportTest::SetUp() {
+    RunTest::SetUp();
+    open_source_file("prog.szirpa", "");
+}
+
+void ReportTest::begin_reports() {
+    enter_final_pass();
+    set_line_number(1);
+}
+
+void ReportTest::set_line_number(int number) {
+    Line_no = number;
+    realline = number;
+}
+
+std::string ReportTest::error(const std::string &text) const { return report("Error", text); }
+
+std::string ReportTest::warning(const std::string &text) const { return report("Warning", text); }
+
+std::string ReportTest::report(const std::string &kind, const std::string &text) const {
+    return directory + "/prog.szirpa (" + std::to_string(Line_no) + ") " + kind + ": " + text +
+           "\n";
+}

@@ -59,3 +59,22 @@ class RunTest : public ::testing::Test {
     int output_ = -1;
     std::string directory_before_;
 };
+
+// A test in which the source "prog.szirpa", which is empty, is the current file, so that reports
+// name it and a line of the test's choice.
+class ReportTest : public RunTest {
+  protected:
+    void SetUp() override;
+
+    // Switches to the final pass, at line 1.
+    static void begin_reports();
+
+    static void set_line_number(int number);
+
+    // What is printed for a report on the current line.
+    std::string error(const std::string &text) const;
+    std::string warning(const std::string &text) const;
+
+  private:
+    std::string report(const std::string &kind, const std::string &text) const;
+};
