@@ -35,8 +35,8 @@ const ScannedToken *next_checked = first_checked;
 
 const char *begin_of(const ScannedToken *token) { return token[-1].end; }
 
-std::string_view text_of(const ScannedToken *token) {
-    return {begin_of(token), static_cast<std::size_t>(token->end - begin_of(token))};
+std::string_view text_between(const char *begin, const char *end) {
+    return {begin, static_cast<std::size_t>(end - begin)};
 }
 
 // Where the token begins with which the check stopped.
@@ -51,7 +51,7 @@ void rewind_tokens() {
     }
 }
 
-const ScannedToken *scan_fresh_token() {
+[[gnu::cold]] const ScannedToken *scan_fresh_token() {
     static std::array<ScannedToken, 2> fresh;
     fresh[0].end = Col_Ptr;
     fresh[1].token = gettoken(kExpressionMode);
@@ -62,7 +62,7 @@ const ScannedToken *scan_fresh_token() {
 
 // The next token of the evaluation: a checked one, or behind those a fresh one (the check ends at
 // "<" and ">", the evaluation does not).
-const ScannedToken *next_token() {
+inline const ScannedToken *next_token() {
     if (next_checked == checked_end) {
         return scan_fresh_token();
     }
@@ -153,35 +153,64 @@ int check_step(int token, int &state_so_far, int &depth) {
     }
 }
 
-// Scans the first token of the expression at the scan position.
-const ScannedToken &check_first_token() {
+// Scans the first token of the expression at the scan position, unless it is known.
+void take_first_token(const ScannedToken &first) {
     checked_tokens[0].end = Col_Ptr;
-    scan_token(Col_Ptr, kExpressionMode, ctoken, *first_checked);
-    return *first_checked;
+    *first_checked = first;
+    if (first.token == 0) {
+        scan_token(Col_Ptr, kExpressionMode, ctoken, *first_checked);
+    }
 }
 
-// Checks the expression at the scan position, the first token of which has been scanned.
+// True for an operator that may stand behind an operand.
+bool is_infix(int token) {
+    return kRoles[static_cast<std::size_t>(token)] == Role::kBinary || token == TOK_MINUS;
+}
+
+// Takes what most of an expression consists of behind the last token: operators behind operands,
+// plain operands elsewhere. Returns the last token then; what follows is left to the steps.
+ScannedToken *check_usual_tokens(ScannedToken *last, int &state_so_far) {
+    while (true) {
+        if (state_so_far == STATE_OPERAND_SEEN) {
+            const int operation = scan_operator(last->end, last[1]);
+            if (!is_infix(operation)) {
+                return last;
+            }
+            ++last;
+            last->token = operation;
+            state_so_far = STATE_OPERAND_EXPECTED;
+        }
+        const int operand = scan_plain_operand(last->end, last[1]);
+        if (operand == 0) {
+            return last;
+        }
+        ++last;
+        last->token = operand;
+        state_so_far = STATE_OPERAND_SEEN;
+    }
+}
+
+// Checks the expression at the scan position, the first token of which has been taken.
 int check_tokens() {
     int depth = 0;
     int previous = ctoken;
     int state_so_far = STATE_START;
     ScannedToken *checked = first_checked;
-    int token = checked->token;
     int result = kScanOn;
     while (true) {
-        result = check_step(token, state_so_far, depth);
+        result = check_step(checked->token, state_so_far, depth);
         if (result != kScanOn) {
             break;
         }
-        previous = token;
-        const char *begin = checked->end;
+        checked = check_usual_tokens(checked, state_so_far);
+        previous = checked->token;
         ++checked;
-        token = scan_token(begin, kExpressionMode, previous, *checked);
+        scan_token(begin_of(checked), kExpressionMode, previous, *checked);
     }
     state = state_so_far;
     checked_end = checked + 1;
     next_checked = checked_end; // the evaluation goes back to the first
-    ctoken = previous_token(previous, begin_of(checked), token);
+    ctoken = previous_token(previous, begin_of(checked), checked->token);
     // An open parenthesis wins over whatever stopped the check.
     if (depth > 0) {
         result = STATUS_MISSING_PARENTHESIS;
@@ -254,8 +283,9 @@ std::int64_t name_value(std::string_view name, OperandRecord *operand) {
     return symbol->value;
 }
 
-std::int64_t operand_value(const ScannedToken *token, OperandRecord *operand) {
-    return token->token == TOK_NUMBER ? token->number : name_value(text_of(token), operand);
+std::int64_t operand_value(const char *begin, const ScannedToken &scanned, OperandRecord *operand) {
+    return scanned.token == TOK_NUMBER ? scanned.number
+                                       : name_value(text_between(begin, scanned.end), operand);
 }
 
 // A token without a meaning of its own: a character ends the expression.
@@ -319,7 +349,7 @@ bool run_step(Step &step, OperandRecord *operand, std::int64_t &result) {
         switch (token->token) {
         case TOK_NUMBER:
         case TOK_NAME:
-            step.term = operand_value(token, operand);
+            step.term = operand_value(begin_of(token), *token, operand);
             if (!term_goes_on(token->end)) {
                 result = value_of(step);
                 return true;
@@ -353,7 +383,8 @@ bool run_step(Step &step, OperandRecord *operand, std::int64_t &result) {
             if (!right_side_is_operand()) {
                 return false;
             }
-            result = apply_pending(step, operand_value(next_token(), operand));
+            token = next_token();
+            result = apply_pending(step, operand_value(begin_of(token), *token, operand));
             return true;
         case TOK_OPEN:
             ++in_paren;
@@ -393,13 +424,13 @@ bool stands_alone(const ScannedToken &scanned) {
 
 // The value of an operand that stands alone. Moves to the character behind it and leaves the
 // scanner as check and evaluation leave it.
-std::int64_t lone_value(const ScannedToken &scanned, OperandRecord *operand) {
+std::int64_t lone_value(const char *begin, const ScannedToken &scanned, OperandRecord *operand) {
     errorsp = nullptr;
     forwardref = 0;
     status = STATUS_OK;
     Col_Ptr = scanned.end;
     ctoken = static_cast<unsigned char>(*scanned.end);
-    return operand_value(&scanned, operand);
+    return operand_value(begin, scanned, operand);
 }
 
 // Evaluates the checked expression, step by step up to its end.
@@ -421,7 +452,7 @@ void enter_names(OperandRecord *operand) {
     forwardref = 0;
     for (const ScannedToken *token = first_checked; token != checked_end; ++token) {
         if (token->token == TOK_NAME) {
-            (void)name_value(text_of(token), operand);
+            (void)name_value(text_between(begin_of(token), token->end), operand);
         }
     }
     Col_Ptr = stop_position();
@@ -463,24 +494,39 @@ bool fails(int report) {
     return report != 0 || status != STATUS_ILLEGAL_CHARACTER || is_name_char(*stop_position());
 }
 
-// Checks the expression, the first token of which has been scanned, and evaluates it. False when it
-// is faulty. Kept apart, so that the direct way stays short.
-[[gnu::noinline]] bool evaluate_checked(OperandRecord &operand, int report, bool is_value_needed) {
+int finish(OperandRecord &operand) {
+    operand.forward_references = forwardref;
+    operand.term_count = 1;
+    if (errorsp != nullptr && Pass2 != 0 && errorsp->has(SYM_UNDEFINED)) {
+        report_undefined();
+    }
+    return 0;
+}
+
+// Evaluates the expression that begins with that token, as ppexpr does. Kept apart, so that the
+// direct way stays short.
+[[gnu::noinline]] int evaluate_other(const ScannedToken &first, OperandRecord &operand, int report,
+                                     bool is_value_needed) {
+    take_first_token(first);
+    if (stands_alone(*first_checked)) {
+        operand.value = lone_value(Col_Ptr, *first_checked, &operand);
+        return finish(operand);
+    }
     check_expression(column_in_line(Col_Ptr));
     if (fails(report)) {
         if (report != 0) {
             report_status();
         }
-        return false;
+        return 1;
     }
     operand.value = checked_value(&operand, is_value_needed);
-    return true;
+    return finish(operand);
 }
 
 } // namespace
 
 int p00() {
-    check_first_token();
+    take_first_token({});
     return check_tokens();
 }
 
@@ -509,11 +555,13 @@ std::int64_t p0(std::int64_t accumulated, int /*node_kind*/, int depth, int /*mo
 std::int64_t evalexp(const char *text, int check, int column) {
     const char *entry = Col_Ptr;
     Col_Ptr = text;
-    const ScannedToken &first = check_first_token();
+    ScannedToken first;
+    first.token = scan_plain_operand(text, first);
     std::int64_t value = 0;
     if (stands_alone(first)) {
-        value = lone_value(first, nullptr);
+        value = lone_value(text, first, nullptr);
     } else {
+        take_first_token(first);
         check_expression(column);
         if (status != STATUS_OK) {
             report_status();
@@ -539,16 +587,12 @@ std::int64_t evalexp(const char *text, int check) {
 
 int ppexpr(OperandRecord &operand, int report, bool is_value_needed) {
     operand.symbol_size = -1;
-    const ScannedToken &first = check_first_token();
-    if (stands_alone(first)) {
-        operand.value = lone_value(first, &operand);
-    } else if (!evaluate_checked(operand, report, is_value_needed)) {
-        return 1;
+    const char *begin = Col_Ptr;
+    ScannedToken first;
+    first.token = scan_plain_operand(begin, first);
+    if (!stands_alone(first)) {
+        return evaluate_other(first, operand, report, is_value_needed);
     }
-    operand.forward_references = forwardref;
-    operand.term_count = 1;
-    if (errorsp != nullptr && Pass2 != 0 && errorsp->has(SYM_UNDEFINED)) {
-        report_undefined();
-    }
-    return 0;
+    operand.value = lone_value(begin, first, &operand);
+    return finish(operand);
 }

@@ -30,7 +30,7 @@ std::array<Symbol *, kSymbolChains> symtails{}; // last record of each chain
 // record's place is given by the upper bits of its hash, which depend on all of the name.
 constexpr unsigned kFirstIndexBits = 8;
 std::vector<Symbol *> symbol_index;
-unsigned index_shift = 0; // from a hash to a place
+unsigned index_shift = 0; // from a hash to a place, in bits
 std::size_t indexed_symbols = 0;
 
 // Names are stored one behind the other in large pieces.
@@ -81,7 +81,7 @@ template <typename Piece> std::uint64_t piece_at(const char *text) {
 constexpr std::size_t kPiece = sizeof(std::uint64_t);
 
 // All of a text of at most eight bytes as a number: its first and last bytes, which may overlap.
-std::uint64_t whole_text(const char *text, std::size_t size) {
+inline std::uint64_t whole_text(const char *text, std::size_t size) {
     if (size >= sizeof(std::uint32_t)) {
         return piece_at<std::uint32_t>(text) << 32U |
                piece_at<std::uint32_t>(text + size - sizeof(std::uint32_t));
@@ -93,33 +93,26 @@ std::uint64_t whole_text(const char *text, std::size_t size) {
            piece_at<std::uint8_t>(text + size - 1);
 }
 
-std::uint64_t mix(std::uint64_t hash, std::uint64_t piece) {
-    constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15U;
-    hash = (hash ^ piece) * kMultiplier;
-    return hash ^ hash >> 32U;
-}
+constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15U;
 
-std::uint32_t upper_half(std::uint64_t hash) { return static_cast<std::uint32_t>(hash >> 32U); }
-
-// Takes eight bytes of the name at a time, the last eight overlapping those before them.
-std::uint32_t index_hash(std::string_view name) {
+// Takes eight bytes of the name at a time, the last eight overlapping those before them. Each step
+// can be undone, so names of the same size of at most eight bytes have different hashes.
+inline std::uint64_t index_hash(std::string_view name) {
     std::uint64_t hash = name.size();
     const char *text = name.data();
     if (name.size() <= kPiece) {
-        return upper_half(mix(hash, whole_text(text, name.size())));
+        return (hash ^ whole_text(text, name.size())) * kMultiplier;
     }
     const char *last = text + name.size() - kPiece;
     for (; text < last; text += kPiece) {
-        hash = mix(hash, piece_at<std::uint64_t>(text));
+        hash = (hash ^ piece_at<std::uint64_t>(text)) * kMultiplier;
+        hash ^= hash >> 32U;
     }
-    return upper_half(mix(hash, piece_at<std::uint64_t>(last)));
+    return (hash ^ piece_at<std::uint64_t>(last)) * kMultiplier;
 }
 
-// The same for comparing: names are too short for a call to pay.
-bool same_text(const char *a, const char *b, std::size_t size) {
-    if (size <= kPiece) {
-        return whole_text(a, size) == whole_text(b, size);
-    }
+// Compares texts of more than eight bytes: they are too short for a call to pay.
+inline bool same_long_text(const char *a, const char *b, std::size_t size) {
     const std::size_t last = size - kPiece;
     for (std::size_t i = 0; i < last; i += kPiece) {
         if (piece_at<std::uint64_t>(a + i) != piece_at<std::uint64_t>(b + i)) {
@@ -132,30 +125,37 @@ bool same_text(const char *a, const char *b, std::size_t size) {
 // A name as it is stored, and its place in the index.
 struct Key {
     std::string_view name;
-    std::uint32_t hash;
+    std::uint64_t hash;
 };
 
-Key key_of(std::string_view name) {
+[[gnu::noinline]] std::string_view fold(std::string_view name) {
+    folded_name.assign(name);
+    std::transform(folded_name.begin(), folded_name.end(), folded_name.begin(), to_upper);
+    return folded_name;
+}
+
+inline Key key_of(std::string_view name) {
     if (O_symbol_case_sensitive == 0) {
-        folded_name.assign(name);
-        std::transform(folded_name.begin(), folded_name.end(), folded_name.begin(), to_upper);
-        name = folded_name;
+        name = fold(name);
     }
     return {name, index_hash(name)};
 }
 
+inline bool has_name(const Symbol &symbol, const Key &key) {
+    const std::size_t size = key.name.size();
+    return symbol.name_hash == key.hash && symbol.name_length == size &&
+           (size <= kPiece || same_long_text(symbol.name, key.name.data(), size));
+}
+
 // The record whose stored name is exactly this one, or none.
-Symbol *find(const Key &key) {
-    const std::size_t mask = symbol_index.size() - 1;
+inline Symbol *find(const Key &key) {
     std::size_t slot = key.hash >> index_shift;
-    while (const Symbol *symbol = symbol_index[slot]) {
-        if (symbol->name_hash == key.hash && symbol->name_length == key.name.size() &&
-            same_text(symbol->name, key.name.data(), key.name.size())) {
-            break;
-        }
-        slot = (slot + 1) & mask;
+    Symbol *symbol = symbol_index[slot];
+    while (symbol != nullptr && !has_name(*symbol, key)) {
+        slot = (slot + 1) & (symbol_index.size() - 1);
+        symbol = symbol_index[slot];
     }
-    return symbol_index[slot];
+    return symbol;
 }
 
 // Enters a record under its stored spelling, which folds to itself unless it was stored before case
@@ -296,7 +296,7 @@ void init_as_symbol_table() {
         closesym();
     }
     symbol_index.assign(std::size_t{1} << kFirstIndexBits, nullptr);
-    index_shift = 32 - kFirstIndexBits;
+    index_shift = 64 - kFirstIndexBits;
     add_block();
 }
 

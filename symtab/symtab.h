@@ -42,9 +42,9 @@ enum SymbolFlag : std::uint32_t {
 };
 
 struct Symbol {
-    const char *name = nullptr; // NUL-terminated, owned by the table; upper case with nocase
+    const char *name = nullptr;  // NUL-terminated, owned by the table; upper case with nocase
+    std::uint64_t name_hash = 0; // its place in the index
     std::uint32_t name_length = 0;
-    std::uint32_t name_hash = 0;      // its place in the index
     std::int32_t definition_line = 0; // realline of the definition; 1 for -D, 0 while undefined
     std::int32_t value = 0;
     std::int32_t first_reference_line = 0; // Line_no of the first use ahead of any definition

@@ -6,6 +6,7 @@
 
 #include "util/text.h"
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <string_view>
@@ -60,16 +61,33 @@ extern int ctoken; // the previous token, which tells "%" and "*" apart; reset a
 
 constexpr bool starts_symbol(char ch) { return has_class(ch, kClassLetter | kClassUnderscore); }
 
+// The first character that is none of a symbol's.
+inline const char *skip_symbol_chars(const char *p) {
+    // Four at a time: names are what most of a source consists of.
+    while (true) {
+        if (!is_symbol_char(p[0])) {
+            return p;
+        }
+        if (!is_symbol_char(p[1])) {
+            return p + 1;
+        }
+        if (!is_symbol_char(p[2])) {
+            return p + 2;
+        }
+        if (!is_symbol_char(p[3])) {
+            return p + 3;
+        }
+        p += 4;
+    }
+}
+
 // The length of the name at p, at most kNameLimit; 0 if there is none. A letter or "_" comes first,
 // then letters, digits, "$", "." and "_"; a byte of 128 or more right behind makes it no name.
 inline std::size_t symbol_length(const char *p) {
     if (!starts_symbol(*p)) {
         return 0;
     }
-    const char *end = p + 1;
-    while (is_symbol_char(*end)) {
-        ++end;
-    }
+    const char *end = skip_symbol_chars(p + 1);
     const auto length = static_cast<std::size_t>(end - p);
     // Kept: a longer name is cut without a message, and its rest is the next token.
     if (length >= kNameLimit) {
@@ -79,15 +97,15 @@ inline std::size_t symbol_length(const char *p) {
 }
 
 // The length of the register name at p (A, X, Y: 1; SP, CC: 2), which ends where no letter, digit
-// or
-// "_" follows; 0 if there is none.
+// or "_" follows; 0 if there is none.
 inline std::size_t register_length(const char *p) {
     if (!has_class(*p, kClassRegister)) {
         return 0;
     }
-    const char first = to_upper(*p);
-    if (first == 'S' || first == 'C') {
-        const bool is_pair = to_upper(p[1]) == (first == 'S' ? 'P' : 'C');
+    // No other character becomes one of these letters by the bit that makes them lower-case.
+    const int first = *p | 0x20;
+    if (first == 's' || first == 'c') {
+        const bool is_pair = (p[1] | 0x20) == (first == 's' ? 'p' : 'c');
         return is_pair && !is_name_char(p[2]) ? 2 : 0;
     }
     return is_name_char(p[1]) ? 0 : 1;
@@ -102,6 +120,90 @@ struct ScannedToken {
     std::int32_t number; // low 32 bits of the value of a TOK_NUMBER
     const char *end;     // behind its last character
 };
+
+// The tokens that an operator character begins in an expression: alone, or with one of two others
+// right behind it.
+struct Operator {
+    std::int16_t token = 0; // of the character alone; 0: no operator
+    std::int16_t second = kNoCharacter;
+    std::int16_t second_token = 0;
+    std::int16_t other = kNoCharacter;
+    std::int16_t other_token = 0;
+
+    static constexpr std::int16_t kNoCharacter = -1;
+};
+
+consteval std::array<Operator, 256> make_operators() {
+    std::array<Operator, 256> operators{};
+    operators['('] = {TOK_OPEN};
+    operators[')'] = {TOK_CLOSE};
+    operators['*'] = {TOK_MULTIPLY};
+    operators['+'] = {TOK_PLUS};
+    operators['-'] = {TOK_MINUS};
+    operators['/'] = {TOK_DIVIDE};
+    operators['%'] = {TOK_REMAINDER};
+    operators['^'] = {TOK_XOR};
+    operators['~'] = {TOK_COMPLEMENT};
+    operators['|'] = {TOK_OR, '|', TOK_LOGICAL_OR};
+    operators['&'] = {TOK_AND, '&', TOK_LOGICAL_AND};
+    operators['!'] = {TOK_LOGICAL_NOT, '=', TOK_NE};
+    operators['='] = {'=', '=', TOK_EQ};
+    operators['<'] = {TOK_LESS, '<', TOK_SHIFT_LEFT, '=', TOK_LE};
+    operators['>'] = {TOK_GREATER, '>', TOK_SHIFT_RIGHT, '=', TOK_GE};
+    return operators;
+}
+
+inline constexpr std::array<Operator, 256> kOperators = make_operators();
+
+// These store the end of the token at p, and its number if it has one, and return its code, or 0
+// where no such token stands.
+
+// An operator, "%" as the one of the remainder.
+inline int scan_operator(const char *p, ScannedToken &scanned) {
+    const Operator &row = kOperators[static_cast<unsigned char>(*p)];
+    const int next = static_cast<unsigned char>(p[1]);
+    scanned.end = p + 2;
+    if (next == row.second) {
+        return row.second_token;
+    }
+    if (next == row.other) {
+        return row.other_token;
+    }
+    scanned.end = p + 1;
+    return row.token;
+}
+
+// Digits up to a delimiter: true, or false where one is faulty, which is then taken too.
+template <unsigned base> inline bool scan_digits(const char *p, ScannedToken &scanned) {
+    std::uint64_t digit = digit_value(*p);
+    if (digit < base) {
+        std::uint64_t value = 0;
+        do {
+            value = value * base + digit;
+            digit = digit_value(*++p);
+        } while (digit < base);
+        if (is_expression_delimiter(*p)) {
+            scanned.number = static_cast<std::int32_t>(static_cast<std::uint32_t>(value));
+            scanned.end = p;
+            return true;
+        }
+    }
+    scanned.end = p + 1;
+    return false;
+}
+
+// A name, or a decimal or hexadecimal number without a faulty digit: what most operands are.
+[[gnu::always_inline]] inline int scan_plain_operand(const char *p, ScannedToken &scanned) {
+    if (starts_symbol(*p)) {
+        const std::size_t length = register_length(p) != 0 ? 0 : symbol_length(p);
+        scanned.end = p + length;
+        return length != 0 ? TOK_NAME : 0;
+    }
+    if (digit_value(*p) < 10) {
+        return scan_digits<10>(p, scanned) ? TOK_NUMBER : 0;
+    }
+    return *p == '$' && scan_digits<16>(p + 1, scanned) ? TOK_NUMBER : 0;
+}
 
 // Stores the token at p, where the token before it was previous, and returns its code. The number
 // is stored for a TOK_NUMBER only. Moves nothing; reports faulty digits.

@@ -453,12 +453,13 @@ TEST_F(SymbolTable, EmptyTableHasNoHeader) {
 }
 
 TEST_F(SymbolTable, NamesOfOneHashAreDifferentNames) {
-    // Found by trying names: short ones are hashed at once, longer ones in pieces, the last of
-    // which may be the same.
+    // Short names can share a hash if they differ in size. Long ones are hashed in pieces of eight,
+    // of which at least two next to each other must differ; these were computed.
     const std::vector<std::pair<std::string, std::string>> pairs = {
-        {"laapjjwd", "eohxjwux"},
-        {"slacxhpbe", "cunuykeng"},
-        {"kqyonlta_counter", "wwbyezwk_counter"}};
+        {"ab", "abc"},
+        {"interval_counter", "gncgwbxluuuQjzyd"},
+        {"interval_counter_of_port", "dwciqvalks573rjc_of_port"},
+        {"port_no_interval_counter", "port_no_sygwvnaogYMM$ab1"}};
     for (const auto &[name, other] : pairs) {
         Symbol *first = put(name, 1);
         EXPECT_EQ(getsym(other), nullptr) << other;
