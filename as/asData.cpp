@@ -20,7 +20,7 @@ namespace {
 constexpr int kFailed = -1;
 
 // In the final pass, adds data to what is registered for the last seen label, if there is one.
-void register_size(std::int32_t count, std::uint32_t element_size) {
+void register_size(std::int32_t count, std::uint16_t element_size) {
     if (Pass2 == 0 || last_seen_label.empty()) {
         return;
     }
@@ -32,7 +32,7 @@ void register_size(std::int32_t count, std::uint32_t element_size) {
     if (last_seen_label_offset == 0) {
         symbol->element_count = count;
         symbol->element_size = element_size;
-        last_seen_label_offset = static_cast<std::uint32_t>(count) * element_size;
+        last_seen_label_offset = static_cast<std::uint32_t>(count) * std::uint32_t{element_size};
     } else {
         symbol->element_count = signed_32(wrap_add(symbol->element_count, count));
     }
@@ -131,7 +131,7 @@ int do_reserve_memory(int unit) {
     if (bytes < 1 || bytes > reservation_limit) {
         return fail("Undetermined size for reservation of storage");
     }
-    register_size(signed_32(opnd1.value), static_cast<std::uint32_t>(unit));
+    register_size(signed_32(opnd1.value), static_cast<std::uint16_t>(unit));
     emit_zeros(static_cast<std::uint64_t>(bytes));
     return kFailed;
 }

@@ -4,11 +4,18 @@
 
 #include <unistd.h>
 
-OutputFile standard_output;
-OutputFile objectfile;
-OutputFile listfile;
-OutputFile algofile;
-OutputFile zirpafile;
+namespace {
+
+// Apart from the files, so that a file that isn't used costs no page of memory.
+std::array<OutputBuffer, 5> buffers;
+
+} // namespace
+
+OutputFile standard_output(buffers[0]);
+OutputFile objectfile(buffers[1]);
+OutputFile listfile(buffers[2]);
+OutputFile algofile(buffers[3]);
+OutputFile zirpafile(buffers[4]);
 std::string symdebfile;
 
 void (*end_run_hook)(int status) = nullptr;

@@ -208,19 +208,16 @@ int do_set_direct_page() {
 
 } // namespace
 
-// Most words are instructions: the directives' initials, length and letters, all three in one
-// number, rule them out at once.
+// Most words are instructions: the directives' initials rule most of them out at once. A text may
+// end behind any of its characters.
 std::uint32_t GetPseudoToken(const char *word) {
-    if ((kInitials & initial_bit(word[0])) == 0) {
-        return DIR_NONE;
-    }
-    if (isblanc(word[0]) || isblanc(word[1]) || isblanc(word[2]) || !isblanc(word[3])) {
+    if ((kInitials & initial_bit(word[0])) == 0 || isblanc(word[1])) {
         return DIR_NONE;
     }
     const std::uint32_t packed = packed_word(word);
     for (std::size_t i = 0; i < kPackedDirectives.size(); ++i) {
         if (kPackedDirectives[i] == packed) {
-            return pseudo_zirpa[i].token;
+            return isblanc(word[kDirectiveLength]) ? pseudo_zirpa[i].token : DIR_NONE;
         }
     }
     return DIR_NONE;

@@ -225,10 +225,13 @@ void LineBuffer::assign(const char *text, std::size_t size) {
 
 void LineBuffer::assign_without_nul(const char *text, std::size_t size) {
     const std::size_t taken = std::min(size, kLineReadLimit);
-    // In whole pieces, for which there is room behind the file's text and the line's.
-    for (std::size_t i = 0; i < taken; i += kGuard) {
-        std::memcpy(&text_[i], &text[i], kGuard);
-    }
+    // In whole pieces, for which there is room behind the file's text and the line's. Most lines
+    // are one.
+    std::size_t i = 0;
+    do {
+        std::memcpy(&text_[i], &text[i], kFileGuard);
+        i += kFileGuard;
+    } while (i < taken);
     terminate(taken);
 }
 

@@ -49,7 +49,7 @@ class LineBuffer {
     std::string_view view() const { return {text_.data(), length_}; }
 
   private:
-    static constexpr std::size_t kGuard = kFileGuard;
+    static constexpr std::size_t kGuard = 16; // NULs behind a line
 
     void terminate(std::size_t length) {
         length_ = length;
@@ -57,7 +57,7 @@ class LineBuffer {
     }
 
     std::size_t length_ = 0;
-    std::array<char, kLineReadLimit + kGuard> text_{};
+    std::array<char, kLineReadLimit + kFileGuard> text_{};
 };
 
 // A file opened in a pass.

@@ -26,15 +26,23 @@ namespace {
 std::vector<std::vector<Symbol>> symlistptr;
 std::array<Symbol *, kSymbolChains> symtails{}; // last record of each chain
 
+// A record in two bytes, so that the index stays small: its block's number and its own in the
+// block.
+using RecordNumber = std::uint16_t;
+constexpr RecordNumber kNoRecord = 0xFFFF;
+static_assert(kSymbolBlockLimit < 256 && kSymbolsPerBlock <= 256);
+
+Symbol *record(RecordNumber number) { return &symlistptr[number >> 8U][number & 0xFFU]; }
+
 // The index: an open-addressing table of records, a power of two large and at most half full. A
 // record's place is given by the upper bits of its hash, which depend on all of the name.
 constexpr unsigned kFirstIndexBits = 8;
-std::vector<Symbol *> symbol_index;
+std::vector<RecordNumber> symbol_index;
 unsigned index_shift = 0; // from a hash to a place, in bits
 std::size_t indexed_symbols = 0;
 
 // Names are stored one behind the other in large pieces.
-constexpr std::size_t kNamePieceSize = buffer_size(16384);
+constexpr std::size_t kNamePieceSize = buffer_size(4096);
 std::vector<std::unique_ptr<char[]>> name_pieces;
 std::size_t name_piece_left = 0;
 char *name_piece_end = nullptr;
@@ -147,41 +155,45 @@ inline bool has_name(const Symbol &symbol, const Key &key) {
            (size <= kPiece || same_long_text(symbol.name, key.name.data(), size));
 }
 
+std::size_t next_slot(std::size_t slot) { return (slot + 1) & (symbol_index.size() - 1); }
+
 // The record whose stored name is exactly this one, or none.
 inline Symbol *find(const Key &key) {
     std::size_t slot = key.hash >> index_shift;
-    Symbol *symbol = symbol_index[slot];
-    while (symbol != nullptr && !has_name(*symbol, key)) {
-        slot = (slot + 1) & (symbol_index.size() - 1);
-        symbol = symbol_index[slot];
+    while (symbol_index[slot] != kNoRecord) {
+        Symbol *symbol = record(symbol_index[slot]);
+        if (has_name(*symbol, key)) {
+            return symbol;
+        }
+        slot = next_slot(slot);
     }
-    return symbol;
+    return nullptr;
 }
 
 // Enters a record under its stored spelling, which folds to itself unless it was stored before case
 // ceased to count; such a name is not found any more.
-void insert_into_index(Symbol *symbol) {
-    const std::size_t mask = symbol_index.size() - 1;
-    std::size_t slot = symbol->name_hash >> index_shift;
-    while (symbol_index[slot] != nullptr) {
-        slot = (slot + 1) & mask;
+void insert_into_index(RecordNumber number) {
+    std::size_t slot = record(number)->name_hash >> index_shift;
+    while (symbol_index[slot] != kNoRecord) {
+        slot = next_slot(slot);
     }
-    symbol_index[slot] = symbol;
+    symbol_index[slot] = number;
 }
 
-void add_to_index(Symbol *symbol) {
+// Enters the record created last.
+void add_to_index() {
     ++indexed_symbols;
     if (indexed_symbols * 2 > symbol_index.size()) {
-        std::vector<Symbol *> old(symbol_index.size() * 2, nullptr);
+        std::vector<RecordNumber> old(symbol_index.size() * 2, kNoRecord);
         old.swap(symbol_index);
         --index_shift;
-        for (Symbol *entry : old) {
-            if (entry != nullptr) {
-                insert_into_index(entry);
+        for (const RecordNumber number : old) {
+            if (number != kNoRecord) {
+                insert_into_index(number);
             }
         }
     }
-    insert_into_index(symbol);
+    insert_into_index(static_cast<RecordNumber>((symlistcnt - 1) << 8U | (symcnt - 1)));
 }
 
 void add_block() {
@@ -249,9 +261,9 @@ Symbol *create(const Key &key, std::int32_t value, std::int32_t line, std::uint3
     symbol->flags = flags;
     symbol->element_count = count;
     symbol->file = current_file_index();
-    symbol->bit_size = (flags & SYM_ABSOLUTE) != 0 ? bitsize(value) : -1;
+    symbol->bit_size = static_cast<std::int16_t>((flags & SYM_ABSOLUTE) != 0 ? bitsize(value) : -1);
     append_to_chain(symbol);
-    add_to_index(symbol);
+    add_to_index();
     return symbol;
 }
 
@@ -292,10 +304,8 @@ void define_before_final_pass(Symbol &symbol, std::int64_t value) {
 } // namespace
 
 void init_as_symbol_table() {
-    if (!symlistptr.empty()) {
-        closesym();
-    }
-    symbol_index.assign(std::size_t{1} << kFirstIndexBits, nullptr);
+    closesym();
+    symbol_index.assign(std::size_t{1} << kFirstIndexBits, kNoRecord);
     index_shift = 64 - kFirstIndexBits;
     add_block();
 }

@@ -41,24 +41,26 @@ enum SymbolFlag : std::uint32_t {
     SYM_FORWARD = 0x2000, // referred to before its definition in passes 0 and 1
 };
 
-struct Symbol {
+// Fills a cache line, so that a look-up touches one.
+struct alignas(64) Symbol {
     const char *name = nullptr;  // NUL-terminated, owned by the table; upper case with nocase
     std::uint64_t name_hash = 0; // its place in the index
     std::uint32_t name_length = 0;
+    std::uint32_t flags = 0;
     std::int32_t definition_line = 0; // realline of the definition; 1 for -D, 0 while undefined
     std::int32_t value = 0;
     std::int32_t first_reference_line = 0; // Line_no of the first use ahead of any definition
-    Segment *segment = nullptr;
-    std::uint32_t flags = 0;
     std::int32_t element_count = 0; // data elements behind the label; -1 for names without data
-    std::uint32_t element_size = 0; // bytes of one element
     std::int32_t file = -1;         // index of the file entry it was created in, -1: none
-    std::int32_t bit_size = -1;     // signed width class of a constant's value, -1: none
-    Symbol *next = nullptr;         // next in the chain
+    std::uint16_t element_size = 0; // bytes of one element
+    std::int16_t bit_size = -1;     // signed width class of a constant's value, -1: none
+    Segment *segment = nullptr;
+    Symbol *next = nullptr; // next in the chain
 
     bool has(std::uint32_t bits) const { return (flags & bits) != 0; }
     std::string_view name_view() const { return {name, name_length}; }
 };
+static_assert(sizeof(Symbol) == 64);
 
 // ---- State owned here; emptied by init_as_symbol_table ----
 

@@ -7,7 +7,7 @@
 #include <sys/types.h>
 
 // NULs behind a file's text, so that it can be read a few characters ahead without a check.
-inline constexpr std::size_t kFileGuard = 16;
+inline constexpr std::size_t kFileGuard = 64;
 
 struct FileText {
     std::unique_ptr<char[]> data;

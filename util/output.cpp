@@ -48,7 +48,7 @@ void OutputFile::put_in_pieces(std::string_view text) {
             flush();
         }
         const std::size_t count = std::min(text.size(), kOutputBufferSize - used_);
-        std::memcpy(&buffer_[used_], text.data(), count);
+        std::memcpy(buffer_ + used_, text.data(), count);
         used_ += count;
         text.remove_prefix(count);
     }
@@ -81,7 +81,7 @@ void OutputFile::flush() {
         return;
     }
     if (is_open() && !failed_) {
-        failed_ = !write_fully(descriptor_, buffer_.data(), used_);
+        failed_ = !write_fully(descriptor_, buffer_, used_);
     }
     used_ = 0;
 }

@@ -18,9 +18,15 @@
 // Bytes gathered before a write.
 inline constexpr std::size_t kOutputBufferSize = buffer_size(65536);
 
+// The memory in which an output file gathers its bytes. A short output then touches one page only.
+struct alignas(4096) OutputBuffer {
+    std::array<char, kOutputBufferSize> bytes;
+};
+
 class OutputFile {
   public:
-    constexpr OutputFile() = default;
+    // The buffer must outlive the file.
+    explicit constexpr OutputFile(OutputBuffer &buffer) : buffer_(buffer.bytes.data()) {}
 
     // Creates or empties the file. Returns false when that fails; the object is closed then.
     bool create(const char *name);
@@ -43,7 +49,7 @@ class OutputFile {
 
     void put(std::string_view text) {
         if (text.size() <= kOutputBufferSize - used_) {
-            std::memcpy(&buffer_[used_], text.data(), text.size());
+            std::memcpy(buffer_ + used_, text.data(), text.size());
             used_ += text.size();
         } else {
             put_in_pieces(text);
@@ -76,7 +82,7 @@ class OutputFile {
     bool owned_ = false;
     bool failed_ = false;
     std::size_t used_ = 0;
-    std::array<char, kOutputBufferSize + 1> buffer_{}; // one more, so that its end can be addressed
+    char *buffer_; // kOutputBufferSize bytes
 };
 
 // Deletes a file that is about to be replaced or is not to be kept; one that cannot be deleted is

@@ -18,9 +18,11 @@ namespace {
 
 class OutputFileBuffer : public RunTest {
   protected:
+    OutputBuffer buffer_{};
+
     // What write puts into a file.
     template <typename Write> std::string written(Write write) {
-        const auto file = std::make_unique<OutputFile>();
+        const auto file = std::make_unique<OutputFile>(buffer_);
         EXPECT_TRUE(file->create("out"));
         write(*file);
         file->close();
@@ -30,7 +32,7 @@ class OutputFileBuffer : public RunTest {
 };
 
 TEST_F(OutputFileBuffer, CreatesAFile) {
-    const auto file = std::make_unique<OutputFile>();
+    const auto file = std::make_unique<OutputFile>(buffer_);
     EXPECT_FALSE(file->is_open());
     EXPECT_TRUE(file->create("out"));
     EXPECT_TRUE(file->is_open());
@@ -44,7 +46,7 @@ TEST_F(OutputFileBuffer, EmptiesAnExistingFile) {
 }
 
 TEST_F(OutputFileBuffer, IsClosedWhenItCannotBeCreated) {
-    const auto file = std::make_unique<OutputFile>();
+    const auto file = std::make_unique<OutputFile>(buffer_);
     EXPECT_FALSE(file->create("missing/out"));
     EXPECT_FALSE(file->is_open());
     EXPECT_FALSE(file->create("."));
@@ -124,7 +126,7 @@ TEST_F(OutputFileBuffer, KeepsEveryByteAroundTheBuffersSize) {
 }
 
 TEST_F(OutputFileBuffer, HandsItsBufferOverWhenFlushed) {
-    const auto file = std::make_unique<OutputFile>();
+    const auto file = std::make_unique<OutputFile>(buffer_);
     ASSERT_TRUE(file->create("out"));
     file->put("abc");
     file->flush();
@@ -136,7 +138,7 @@ TEST_F(OutputFileBuffer, HandsItsBufferOverWhenFlushed) {
 }
 
 TEST_F(OutputFileBuffer, StaysClosedWhenClosedAgain) {
-    const auto file = std::make_unique<OutputFile>();
+    const auto file = std::make_unique<OutputFile>(buffer_);
     ASSERT_TRUE(file->create("out"));
     file->close();
     file->close();
@@ -145,7 +147,7 @@ TEST_F(OutputFileBuffer, StaysClosedWhenClosedAgain) {
 }
 
 TEST_F(OutputFileBuffer, SwallowsEverythingWhileClosed) {
-    const auto file = std::make_unique<OutputFile>();
+    const auto file = std::make_unique<OutputFile>(buffer_);
     file->put("lost");
     file->put(std::string(2 * kOutputBufferSize, 'x'));
     file->put('x');
@@ -158,7 +160,7 @@ TEST_F(OutputFileBuffer, SwallowsEverythingWhileClosed) {
 }
 
 TEST_F(OutputFileBuffer, CanBeUsedForAnotherFile) {
-    const auto file = std::make_unique<OutputFile>();
+    const auto file = std::make_unique<OutputFile>(buffer_);
     ASSERT_TRUE(file->create("first"));
     file->put("1");
     file->close();
@@ -171,7 +173,7 @@ TEST_F(OutputFileBuffer, CanBeUsedForAnotherFile) {
 
 // A new descriptor is always the lowest one that is free.
 TEST_F(OutputFileBuffer, GivesItsDescriptorBackWhenClosed) {
-    const auto file = std::make_unique<OutputFile>();
+    const auto file = std::make_unique<OutputFile>(buffer_);
     const int before = ::dup(STDOUT_FILENO);
     ASSERT_GE(before, 0);
     ::close(before);
@@ -185,7 +187,7 @@ TEST_F(OutputFileBuffer, GivesItsDescriptorBackWhenClosed) {
 TEST_F(OutputFileBuffer, LeavesAnAttachedDescriptorOpen) {
     const int descriptor = ::open("out", O_CREAT | O_WRONLY | O_CLOEXEC, 0600);
     ASSERT_GE(descriptor, 0);
-    const auto file = std::make_unique<OutputFile>();
+    const auto file = std::make_unique<OutputFile>(buffer_);
     file->attach(descriptor);
     EXPECT_TRUE(file->is_open());
     file->put("abc");
@@ -197,7 +199,7 @@ TEST_F(OutputFileBuffer, LeavesAnAttachedDescriptorOpen) {
 }
 
 TEST_F(OutputFileBuffer, RemembersAFailedWrite) {
-    const auto file = std::make_unique<OutputFile>();
+    const auto file = std::make_unique<OutputFile>(buffer_);
     ASSERT_TRUE(file->create("/dev/full"));
     file->put("abc");
     EXPECT_FALSE(file->has_failed());
@@ -209,7 +211,7 @@ TEST_F(OutputFileBuffer, RemembersAFailedWrite) {
 }
 
 TEST_F(OutputFileBuffer, NoticesAWriteThatFailsOnClosing) {
-    const auto file = std::make_unique<OutputFile>();
+    const auto file = std::make_unique<OutputFile>(buffer_);
     ASSERT_TRUE(file->create("/dev/full"));
     file->put("abc");
     file->close();
@@ -217,7 +219,7 @@ TEST_F(OutputFileBuffer, NoticesAWriteThatFailsOnClosing) {
 }
 
 TEST_F(OutputFileBuffer, ForgetsAFailureWithTheNextFile) {
-    const auto file = std::make_unique<OutputFile>();
+    const auto file = std::make_unique<OutputFile>(buffer_);
     ASSERT_TRUE(file->create("/dev/full"));
     file->put("abc");
     file->close();

@@ -85,6 +85,40 @@ TEST(CharacterClass, HexadecimalDigitsHaveValuesInEitherCase) {
 
 // ---- Skips ----
 
+TEST(NonblanksAhead, EndAtTheFirstByteThatCountsAsABlank) {
+    for (int code = 0; code < 256; ++code) {
+        // Bytes on either side of the limits stand next to it.
+        for (const int neighbour : {0x21, 0x7F}) {
+            for (unsigned i = 0; i < 8; ++i) {
+                std::string text(8, byte(neighbour));
+                text[i] = byte(code);
+                const bool is_blank = code < 33 || code > 127;
+                EXPECT_EQ(nonblanks_ahead(eight_characters(text.data())), is_blank ? i : 8U)
+                    << code << ' ' << neighbour;
+            }
+        }
+    }
+}
+
+TEST(NonblanksAhead, TheFirstOfSeveralBlanksCounts) {
+    EXPECT_EQ(nonblanks_ahead(eight_characters("ab  cd e")), 2U);
+    EXPECT_EQ(nonblanks_ahead(eight_characters("abc\xFF\x80 \0")), 3U);
+    EXPECT_EQ(nonblanks_ahead(eight_characters("\0\0\0\0\0\0\0\0")), 0U);
+}
+
+TEST(SkipBlanksAndTabs, StopsAtEveryOtherByte) {
+    for (int code = 0; code < 256; ++code) {
+        for (std::size_t blanks = 0; blanks < 20; ++blanks) {
+            std::string text = std::string(blanks, ' ') + "\t ";
+            text += byte(code);
+            const std::size_t place = text.size() - 1;
+            text += "x       ";
+            const std::size_t expected = code == ' ' || code == '\t' ? place + 1 : place;
+            EXPECT_EQ(skip_blanks_and_tabs(text.data()), text.data() + expected) << code;
+        }
+    }
+}
+
 TEST(Skipblanc, SkipsControlCharactersBlanksAndBytesFrom128Up) {
     const char *text = " \t\n\r\x01\x80\xFFX";
     EXPECT_EQ(skipblanc(text), text + 7);
