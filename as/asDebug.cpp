@@ -189,10 +189,18 @@ void process_symbol() {
 
 } // namespace
 
+void reserve_debug_records(int lines) {
+    constexpr std::size_t kUsualFields = 24; // bytes behind the file's name
+    constexpr std::size_t kMostReserved = std::size_t{1} << 24U;
+    const std::size_t usual =
+        static_cast<std::size_t>(lines) * (current_file().size() + kUsualFields);
+    symdebfile.reserve(std::min(usual, kMostReserved));
+}
+
 void asm_write_sd_exec(int line, std::int32_t count, std::uint32_t address) {
     NumberText number;
     // Behind the file's name: line, count, segment and address, each with its mark.
-    std::array<char, 4 * NumberText().size() + kSegmentNameLimit> fields{};
+    std::array<char, 4 * NumberText().size() + kSegmentNameLimit> fields;
     char *end = put_field(fields.data(), ':', decimal_text(number, line));
     end = put_field(end, ':', decimal_text(number, count));
     end = put_field(end, ':', current_segment());

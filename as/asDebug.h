@@ -7,6 +7,10 @@
 
 #include <cstdint>
 
+// Makes room for the records of a source of that many lines, so that they need not be moved as they
+// grow in number.
+void reserve_debug_records(int lines);
+
 // Records that an instruction or statement stands at an address.
 void asm_write_sd_exec(int line, std::int32_t count, std::uint32_t address);
 

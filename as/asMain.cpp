@@ -2,6 +2,7 @@
 
 #include "as/asCommand.h"
 #include "as/asCond.h"
+#include "as/asDebug.h"
 #include "as/asDiag.h"
 #include "as/asFiles.h"
 #include "as/asLine.h"
@@ -86,8 +87,12 @@ void final_pass() {
     // Kept: the first record begins at the location counter that pass 1 has left.
     outrecinit(record_type, LC);
     write_headers();
+    const int lines = realline;
     source_rewind();
     push_source("");
+    if (O_symdebug != 0) {
+        reserve_debug_records(lines);
+    }
     reset_pass_state();
     source_new_counts();
     diag_new_counts();

@@ -170,9 +170,7 @@ void enter_file(const std::string &name, const FileText *text) {
 // The size of the next piece of a file: up to a line feed, kLineReadLimit bytes or the end.
 inline std::size_t piece_size(const FileEntry &file) {
     const std::size_t left = std::min(file.text->size - file.position, kLineReadLimit);
-    const char *start = &file.text->data[file.position];
-    const auto *line_feed = static_cast<const char *>(std::memchr(start, '\n', left));
-    return line_feed == nullptr ? left : static_cast<std::size_t>(line_feed + 1 - start);
+    return size_with_line_feed(&file.text->data[file.position], left);
 }
 
 void count_line() {

@@ -167,7 +167,7 @@ void putout() {
 }
 
 void putout1() {
-    std::array<char, kRecordTextCapacity> line{};
+    std::array<char, kRecordTextCapacity> line;
     const auto length = static_cast<unsigned>(outrec.count) + 1;
     unsigned sum = length;
     line[0] = 'S';

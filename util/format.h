@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <charconv>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
@@ -48,15 +49,5 @@ inline std::string_view hex_text(NumberText &text, std::uint64_t value, unsigned
 
 // Signed decimal.
 inline std::string_view decimal_text(NumberText &text, std::int64_t value) {
-    std::size_t first = text.size();
-    std::uint64_t rest =
-        value < 0 ? 0 - static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
-    do {
-        text[--first] = static_cast<char>('0' + rest % 10);
-        rest /= 10;
-    } while (rest != 0);
-    if (value < 0) {
-        text[--first] = '-';
-    }
-    return {&text[first], text.size() - first};
+    return {text.data(), std::to_chars(text.begin(), text.end(), value).ptr};
 }

@@ -1,10 +1,17 @@
 // Reading a whole file into memory, once, so that pipes serve as sources too.
 #pragma once
 
+#include <algorithm>
+#include <bit>
 #include <cstddef>
+#include <cstdint>
+#include <cstring>
 #include <memory>
 
 #include <sys/types.h>
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
 
 // NULs behind a file's text, so that it can be read a few characters ahead without a check.
 inline constexpr std::size_t kFileGuard = 64;
@@ -21,6 +28,31 @@ struct FileText {
 // Reads the file. Returns false when it cannot be opened or read (a directory, for one); errno then
 // tells why, as it does after can_open.
 bool read_file(const char *name, FileText &text);
+
+// The size of the piece that ends in the first line feed, or size if there is none in that many
+// bytes. kFileGuard bytes must be readable in any case.
+inline std::size_t size_with_line_feed(const char *text, std::size_t size) {
+#ifdef __SSE2__
+    // Most lines end in here, and unlike a search this takes no branch that depends on where.
+    const __m128i line_feeds = _mm_set1_epi8('\n');
+    const auto mask_of_part = [=](unsigned part) {
+        __m128i bytes;
+        std::memcpy(&bytes, text + sizeof bytes * part, sizeof bytes);
+        const int mask = _mm_movemask_epi8(_mm_cmpeq_epi8(bytes, line_feeds));
+        return static_cast<std::uint64_t>(mask) << sizeof bytes * part;
+    };
+    const std::uint64_t mask =
+        mask_of_part(0) | mask_of_part(1) | mask_of_part(2) | mask_of_part(3);
+    if (mask != 0) {
+        return std::min<std::size_t>(size, static_cast<unsigned>(std::countr_zero(mask)) + 1);
+    }
+    if (size <= kFileGuard) {
+        return size;
+    }
+#endif
+    const auto *line_feed = static_cast<const char *>(std::memchr(text, '\n', size));
+    return line_feed == nullptr ? size : static_cast<std::size_t>(line_feed + 1 - text);
+}
 
 // True when the file can be opened for reading.
 bool can_open(const char *name);

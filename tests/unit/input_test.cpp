@@ -97,4 +97,25 @@ TEST_F(FileReading, TellsWhetherAFileCanBeOpened) {
     EXPECT_FALSE(can_open("in/x"));
 }
 
+// A line feed behind the piece does not count, and neither does a byte that is one but for a bit.
+TEST(SizeWithLineFeed, IsThatOfThePieceUpToTheFirstLineFeed) {
+    constexpr std::size_t kMost = 200;
+    for (std::size_t size = 0; size <= kMost; ++size) {
+        for (std::size_t feed = 0; feed <= kMost; ++feed) {
+            std::string text(kMost + kFileGuard, '\x8A');
+            text[feed] = '\n';
+            text[feed + 3] = '\n';
+            EXPECT_EQ(size_with_line_feed(text.data(), size), std::min(size, feed + 1))
+                << size << ' ' << feed;
+        }
+    }
+}
+
+TEST(SizeWithLineFeed, IsAllOfAPieceWithoutOne) {
+    for (std::size_t size = 0; size <= 200; ++size) {
+        const std::string text(size + kFileGuard, '\v');
+        EXPECT_EQ(size_with_line_feed(text.data(), size), size);
+    }
+}
+
 } // namespace
