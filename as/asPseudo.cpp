@@ -86,7 +86,7 @@ constexpr int kDirectiveLength = 3;
 std::uint32_t directive_at_scan_position() {
     const std::uint32_t token = GetPseudoToken(Col_Ptr);
     if (token != DIR_NONE) {
-        Col_Ptr = skipblanc(Col_Ptr + kDirectiveLength);
+        Col_Ptr = skipblanc(skip_blanks_and_tabs(Col_Ptr + kDirectiveLength));
     }
     return token;
 }
@@ -94,25 +94,34 @@ std::uint32_t directive_at_scan_position() {
 // Such a word, in either case, as a number. Lower-case letters hold the bit that is set
 // here, and no other character becomes one by it but the upper-case letter.
 constexpr std::uint32_t packed_word(const char *word) {
-    std::uint32_t packed = 0;
-    for (int i = 0; i < kDirectiveLength; ++i) {
-        packed = packed << 8U | static_cast<unsigned char>(word[i]) | 0x20U;
-    }
-    return packed;
+    static_assert(kDirectiveLength == 3);
+    const auto code = [=](int i) -> std::uint32_t { return static_cast<unsigned char>(word[i]); };
+    return (code(0) << 16U | code(1) << 8U | code(2)) | 0x202020U;
 }
 
-using PackedDirectives = std::array<std::uint32_t, std::size(pseudo_zirpa) - 1>;
+// A word of the table, and its number.
+struct PackedDirective {
+    std::uint32_t word = 0;
+    std::uint32_t token = DIR_NONE;
+};
 
-// The words of pseudo_zirpa, row by row, without the row that ends the table.
-constexpr PackedDirectives pack_directives() {
-    PackedDirectives packed{};
-    for (std::size_t i = 0; i < packed.size(); ++i) {
-        packed[i] = packed_word(pseudo_zirpa[i].name);
+// The one place at which a word can stand: a factor that leaves them apart was found by trying.
+constexpr std::size_t place_of(std::uint32_t word) { return word * 0x9E3779B1U >> 29U; }
+
+consteval std::array<PackedDirective, 8> place_directives() {
+    std::array<PackedDirective, 8> places{};
+    for (const DirectiveEntry *entry = pseudo_zirpa; entry->name != nullptr; ++entry) {
+        const std::uint32_t word = packed_word(entry->name);
+        PackedDirective &place = places[place_of(word)];
+        if (place.word != 0) {
+            throw "two words in one place";
+        }
+        place = {word, entry->token};
     }
-    return packed;
+    return places;
 }
 
-constexpr PackedDirectives kPackedDirectives = pack_directives();
+constexpr std::array<PackedDirective, 8> kPlacedDirectives = place_directives();
 
 // The letters with which these words begin, a bit each by the low bits that both cases share.
 constexpr std::uint32_t initial_bit(char ch) { return 1U << (static_cast<unsigned>(ch) & 31U); }
@@ -215,12 +224,8 @@ std::uint32_t GetPseudoToken(const char *word) {
         return DIR_NONE;
     }
     const std::uint32_t packed = packed_word(word);
-    for (std::size_t i = 0; i < kPackedDirectives.size(); ++i) {
-        if (kPackedDirectives[i] == packed) {
-            return isblanc(word[kDirectiveLength]) ? pseudo_zirpa[i].token : DIR_NONE;
-        }
-    }
-    return DIR_NONE;
+    const PackedDirective &directive = kPlacedDirectives[place_of(packed)];
+    return directive.word == packed && isblanc(word[kDirectiveLength]) ? directive.token : DIR_NONE;
 }
 
 int PseudoOp() {

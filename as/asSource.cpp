@@ -37,25 +37,35 @@ namespace {
 // The texts read in this run, under the names by which they were opened.
 struct LoadedFile {
     std::string opened_name;
+    std::string pathname; // absolute
     FileText text;
 };
 std::deque<LoadedFile> loaded_files;
 
 FileEntry *file_being_read = nullptr; // of the current step; none outside the source
 
-// The file's text, read at the first call for that name; none when it cannot be read.
-const FileText *load(const std::string &name) {
+std::string absolute_path(const std::string &name) {
+    if (PathHasRoot(name.c_str())) {
+        return name;
+    }
+    std::string path;
+    makePathAbsoluteUX(path, name.c_str());
+    return path;
+}
+
+// The file of that name, read at the first call for it; none when it cannot be read.
+const LoadedFile *load(const std::string &name) {
     for (const LoadedFile &file : loaded_files) {
         if (file.opened_name == name) {
-            return &file.text;
+            return &file;
         }
     }
     FileText text;
     if (!read_file(name.c_str(), text)) {
         return nullptr;
     }
-    loaded_files.push_back({name, std::move(text)});
-    return &loaded_files.back().text;
+    loaded_files.push_back({name, absolute_path(name), std::move(text)});
+    return &loaded_files.back();
 }
 
 // The directory of the current file joined to name; empty when no file is open.
@@ -80,20 +90,20 @@ std::string in_include_directory(const std::string &name) {
 }
 
 // Opens the first of the places where name may be; name becomes the place.
-const FileText *open_source(std::string &name) {
-    const FileText *text = load(name);
-    if (text != nullptr || PathHasRoot(name.c_str()) || is_passing_failure(errno)) {
-        return text;
+const LoadedFile *open_source(std::string &name) {
+    const LoadedFile *file = load(name);
+    if (file != nullptr || PathHasRoot(name.c_str()) || is_passing_failure(errno)) {
+        return file;
     }
     for (const auto &place_of : {beside_current_file, in_include_directory}) {
         const std::string place = place_of(name);
         if (place.empty()) {
             continue;
         }
-        text = load(place);
-        if (text != nullptr) {
+        file = load(place);
+        if (file != nullptr) {
             name = place;
-            return text;
+            return file;
         }
         if (is_passing_failure(errno)) {
             return nullptr;
@@ -147,15 +157,11 @@ int replay_push() {
     return 1;
 }
 
-void enter_file(const std::string &name, const FileText *text) {
+void enter_file(const LoadedFile &file) {
     FileEntry entry;
-    if (PathHasRoot(name.c_str())) {
-        entry.pathname = name;
-    } else {
-        makePathAbsoluteUX(entry.pathname, name.c_str());
-    }
-    entry.name = FilenameFromPath(name.c_str());
-    entry.text = text;
+    entry.pathname = file.pathname;
+    entry.name = FilenameFromPath(file.opened_name.c_str());
+    entry.text = &file.text;
     entry.saved_line = Line_no;
     file_entry.push_back(std::move(entry));
     newuse = 1;
@@ -288,15 +294,15 @@ int push_source(const char *name) {
         return 0;
     }
     std::string opened = name;
-    const FileText *text = open_source(opened);
-    if (text == nullptr) {
+    const LoadedFile *file = open_source(opened);
+    if (file == nullptr) {
         return 0;
     }
     if (is_on_stack(opened)) {
         Warning("Recursion in file stack, file ignored");
         return 1;
     }
-    enter_file(opened, text);
+    enter_file(*file);
     return 1;
 }
 

@@ -41,8 +41,8 @@ std::vector<RecordNumber> symbol_index;
 unsigned index_shift = 0; // from a hash to a place, in bits
 std::size_t indexed_symbols = 0;
 
-// Names are stored one behind the other in large pieces.
-constexpr std::size_t kNamePieceSize = buffer_size(4096);
+// Names are stored one behind the other in pieces. Small ones: the first touches no page more.
+constexpr std::size_t kNamePieceSize = buffer_size(1024);
 std::vector<std::unique_ptr<char[]>> name_pieces;
 std::size_t name_piece_left = 0;
 char *name_piece_end = nullptr;

@@ -6,6 +6,8 @@
 // script. Multi-byte values are emitted most significant byte first.
 #pragma once
 
+#include "util/clear.h"
+
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -68,9 +70,8 @@ void emit_new_run();
 
 // Forgets the bytes of the line. Those behind code_i are always 0.
 inline void drop_listed_bytes() {
-    for (; code_i > 0; --code_i) {
-        Code[code_i - 1] = 0;
-    }
+    clear_used<16>(Code, code_i);
+    code_i = 0;
 }
 
 inline void emit_new_line() {

@@ -5,6 +5,7 @@
 #include "expr/expr.h"
 #include "target/optab.h"
 #include "target/scan.h"
+#include "util/clear.h"
 #include "util/text.h"
 
 #include <algorithm>
@@ -69,10 +70,7 @@ std::uint64_t accumulator_mode() {
 } // namespace
 
 void ClearOp(OperandRecord &operand) {
-    // The list is long and mostly empty.
-    for (std::size_t i = remembered_symbols(operand); i > 0; --i) {
-        operand.symbols[i - 1] = nullptr;
-    }
+    clear_used<4>(operand.symbols, remembered_symbols(operand));
     static_cast<OperandResult &>(operand) = {};
 }
 
