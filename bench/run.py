@@ -39,9 +39,8 @@ class Bench:
     """Where things are, and what was measured."""
 
     def __init__(self, program, binaries, directory, quick):
-        # Copies beside each other: how fast a program starts depends on where its file lies.
         self.binaries = binaries
-        self.program = shutil.copy(program, binaries)
+        self.program = pathlib.Path(shutil.copy(program, binaries))
         self.directory = directory
         self.quick = quick
         self.times = {}         # command -> medians of the rounds, in seconds
@@ -79,9 +78,6 @@ def missing_tools():
 def compile_floors(bench):
     for name in ("empty", "floor"):
         run(["gcc", "-O2", "-static", "-o", name, HERE / f"{name}.c"], bench.binaries)
-        # Written like the program, as one piece.
-        shutil.copy(bench.binaries / name, bench.binaries / f"{name}.copy")
-        os.replace(bench.binaries / f"{name}.copy", bench.binaries / name)
 
 
 def workloads(quick):
@@ -135,9 +131,18 @@ def time_round(bench, commands, runs):
     return {name: statistics.median(row["times"]) for name, row in zip(commands, rows)}
 
 
+def write_anew(program):
+    """How fast a program starts depends on where its file lies in memory, by a tenth and more."""
+    copy = program.with_suffix(".copy")
+    shutil.copy(program, copy)
+    os.replace(copy, program)
+
+
 def take_times(bench, commands, rounds, runs):
     """Every other round goes backwards, so that a drift of the machine harms all alike."""
     for number in range(rounds):
+        for program in (bench.program, bench.binaries / "empty", bench.binaries / "floor"):
+            write_anew(program)
         say(f"times: {', '.join(commands)}: round {number + 1} of {rounds}")
         order = list(commands.items())
         medians = time_round(bench, dict(order[::-1] if number % 2 else order), runs)
@@ -301,7 +306,7 @@ def measure(bench):
     generate.write(bench.directory, workloads(bench.quick))
     compile_floors(bench)
     rounds = 4 if bench.quick else 15
-    take_times(bench, small_commands(bench), rounds, 60 if bench.quick else 200)
+    take_times(bench, small_commands(bench), 4 * rounds, 60)
     take_times(bench, large_commands(bench), rounds, 3)
     count_instructions(bench)
     measure_memory(bench)
