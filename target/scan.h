@@ -161,6 +161,9 @@ inline constexpr std::array<Operator, 256> kOperators = make_operators();
 // An operator, "%" as the one of the remainder.
 inline int scan_operator(const char *p, ScannedToken &scanned) {
     const Operator &row = kOperators[static_cast<unsigned char>(*p)];
+    if (row.token == 0) { // the text may end here
+        return 0;
+    }
     const int next = static_cast<unsigned char>(p[1]);
     scanned.end = p + 2;
     if (next == row.second) {

@@ -780,11 +780,14 @@ TEST_F(Expression, ACopiedWordIsReportedAtItsColumnInTheLine) {
 
 TEST_F(Expression, ACopiedWordIsNotReadBeyondItsEnd) {
     begin("");
-    for (const std::string word : {"S", "C", "'", "'A", "$", "%", "<", "7", "q"}) {
-        // Exactly as large as the word, so that any byte read behind it is noticed.
-        const auto copy = std::make_unique<char[]>(word.size() + 1);
-        word.copy(copy.get(), word.size());
-        evalexp(copy.get(), 0, 0);
+    for (const std::string head : {"", "1", "q", "1+", "(1)", "-(", "1-"}) {
+        for (const char *tail : {"", "S", "C", "'", "'A", "$", "%", "<", "7", "q", "!", "+", ")"}) {
+            // Exactly as large as the word, so that any byte read behind it is noticed.
+            const std::string word = head + tail;
+            const auto copy = std::make_unique<char[]>(word.size() + 1);
+            word.copy(copy.get(), word.size());
+            evalexp(copy.get(), 0, 0);
+        }
     }
     EXPECT_NE(take_output(), "");
 }
