@@ -48,7 +48,7 @@ int cannot_open(const char *file) {
 // The next line for pass 0. Conditional words may begin with a letter in the other dialects only.
 int next_line_with_label() {
     if (O_directive_style_native == 0 && O_directive_style_gnu == 0) {
-        skip_unlabelled_lines();
+        skip_lines_without_label();
     }
     return as_read_line();
 }

@@ -179,6 +179,12 @@ inline std::size_t piece_size(const FileEntry &file) {
     return size_with_line_feed(&file.text->data[file.position], left);
 }
 
+// True when a letter follows the blanks at the start of a whole line. A piece without a line feed
+// may be followed by blanks without end.
+bool is_indented_word(const char *start, std::size_t size) {
+    return start[size - 1] == '\n' && has_class(*skip_blanks_and_tabs(start), kClassLetter);
+}
+
 void count_line() {
     ++Line_no;
     ++realline;
@@ -346,17 +352,15 @@ int as_read_line() {
     return 1;
 }
 
-void skip_unlabelled_lines() {
+void skip_lines_without_label() {
     if (file_being_read == nullptr || endflag != 0) {
         return;
     }
     FileEntry &file = *file_being_read;
     const char *start = &file.text->data[file.position];
-    while (*start == ' ') {
+    while (*start == ' ' || *start == ';' || *start == '\n') {
         const std::size_t size = piece_size(file);
-        // The line feed ends the blanks; a piece without one may be followed by blanks without end.
-        const bool is_whole_line = start[size - 1] == '\n';
-        if (!is_whole_line || !has_class(*skip_blanks_and_tabs(start), kClassLetter)) {
+        if (*start == ' ' && !is_indented_word(start, size)) {
             return;
         }
         count_line();

@@ -112,9 +112,9 @@ int pop_source();
 // Delivers the next line in Line. Returns 1, or 0 at the end of the main file.
 int as_read_line();
 
-// Counts the next lines without reading them, as long as they begin with a blank, behind which the
-// first character is a letter: what pass 0 has no use for.
-void skip_unlabelled_lines();
+// Counts the next lines without reading them, as long as they are empty, comments, or begin with a
+// blank, behind which the first character is a letter: what pass 0 has no use for.
+void skip_lines_without_label();
 
 // n < 0: the current file, or the first when none is on the stack; else file n. None if there is no
 // such file.

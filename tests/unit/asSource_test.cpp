@@ -674,4 +674,44 @@ TEST_F(Source, EveryLineBeginsWithItsBytesCleared) {
     EXPECT_TRUE(std::all_of(Code.begin(), Code.end(), [](std::uint8_t byte) { return byte == 0; }));
 }
 
+// ---- Lines that are only counted ----
+
+TEST_F(Source, LinesWithoutALabelAreCountedUpToTheFirstThatMayHaveOne) {
+    const std::string comment = "; " + std::string(200, 'x') + "\n";
+    const std::string counted = "\n; c\n NOP\n\n;\n  \t LDA #1\n" + comment;
+    for (const std::string next :
+         {"A EQU 1\n", "\tNOP\n", " ##if 1\n", " 5\n", " ;\n", "  \n", " \x80 NOP\n", " NOP", ""}) {
+        source_new_run("HXzirpa");
+        open_source_file("t.szirpa", counted + next);
+        skip_lines_without_label();
+        EXPECT_EQ(Line_no, 7) << next;
+        EXPECT_EQ(realline, 7) << next;
+        EXPECT_EQ(listline, 7) << next;
+        EXPECT_EQ(as_read_line(), next.empty() ? 0 : 1) << next;
+        if (!next.empty()) {
+            EXPECT_EQ(Line.view(), next);
+        }
+    }
+}
+
+TEST_F(Source, TheRestOfALongCommentIsALineOfItsOwn) {
+    open_source_file("t.szirpa", ";" + std::string(4094, 'x') + "A EQU 1\n; the last");
+    skip_lines_without_label();
+    EXPECT_EQ(Line_no, 1);
+    EXPECT_EQ(as_read_line(), 1);
+    EXPECT_EQ(Line.view(), "A EQU 1\n");
+    skip_lines_without_label();
+    EXPECT_EQ(Line_no, 3);
+    EXPECT_EQ(as_read_line(), 0);
+}
+
+TEST_F(Source, NothingIsCountedOutsideASourceAndBehindItsEnd) {
+    skip_lines_without_label();
+    EXPECT_EQ(Line_no, 0);
+    open_source_file("t.szirpa", "\n\n");
+    endflag = 1;
+    skip_lines_without_label();
+    EXPECT_EQ(Line_no, 0);
+}
+
 } // namespace
