@@ -126,7 +126,7 @@ constexpr std::array<PackedDirective, 8> kPlacedDirectives = place_directives();
 // The letters with which these words begin, a bit each by the low bits that both cases share.
 constexpr std::uint32_t initial_bit(char ch) { return 1U << (static_cast<unsigned>(ch) & 31U); }
 
-constexpr std::uint32_t initials() {
+consteval std::uint32_t initials() {
     std::uint32_t bits = 0;
     for (const DirectiveEntry &entry : pseudo_zirpa) {
         bits |= entry.name != nullptr ? initial_bit(*entry.name) : 0;

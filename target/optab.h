@@ -41,7 +41,7 @@ inline constexpr std::size_t kTailLimit = 4;
 
 // A row of the table.
 struct InstructionEntry {
-    constexpr InstructionEntry(const char *row_tail, std::uint32_t row_opcode,
+    consteval InstructionEntry(const char *row_tail, std::uint32_t row_opcode,
                                std::uint64_t row_mode_mask, std::uint32_t row_coder)
         : tail(row_tail), opcode(row_opcode), mode_mask(row_mode_mask), coder(row_coder) {
         for (std::size_t i = 0; row_tail != nullptr && row_tail[i] != '\0'; ++i) {

@@ -47,9 +47,9 @@ int run(const std::vector<const char *> &arguments) {
     }
 }
 
-// Statements that random bytes hardly ever make.
+// Statements that random bytes hardly ever make; a replay has no use for them.
 // clang-format off
-constexpr std::array<const char *, 64> kStatements = {
+[[maybe_unused]] constexpr std::array<const char *, 64> kStatements = {
     " LDA #5", " LDA N,X", " STA ,X+", " LDA A,Y", "N NOP", " BRA N", " JSR N", " TFR A,CC",
     " EXG SP,Y", " LEAX N,SP", " FCB 1,2,3", " FCB N,-1,$FF,%101,'A'", " FCS \"a\\tb\"", " FCS \"",
     " RMB 7", " RMB N", " ORG $10", " ORG N", " ORG $12345", " ORG $80000000", "N EQU 5",
