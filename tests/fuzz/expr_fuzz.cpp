@@ -11,6 +11,8 @@
 
 #include <cstddef>
 #include <cstdint>
+#include <memory>
+#include <string_view>
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size);
 
@@ -27,6 +29,16 @@ void set_line(const std::uint8_t *data, std::size_t size) {
     scan_new_line();
 }
 
+// As conditional words do, on a copy exactly as large as the text: any byte read behind it is
+// noticed.
+void evaluate_copy() {
+    const std::string_view text = Line.view();
+    const auto copy = std::make_unique<char[]>(text.size() + 1);
+    text.copy(copy.get(), text.size());
+    (void)evalexp(copy.get(), 1, 0);
+    Col_Ptr = Line.begin();
+}
+
 } // namespace
 
 int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
@@ -39,6 +51,8 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
         Pass2 = final;
         set_line(data, size);
         (void)evalexp(Line.begin(), 1);
+        set_line(data, size);
+        evaluate_copy();
         set_line(data, size);
         (void)ppexpr(opnd1, 1);
         set_line(data, size);
