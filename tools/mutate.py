@@ -263,6 +263,19 @@ class Lottery:
         self.drawn[pathlib.Path(mutant.file).stem] -= 1
 
 
+# ---- Protection ----------------------------------------------------------------------------------
+
+
+def protect_devices():
+    """Starts anew where devices can't be deleted, for a mutant may forget to leave them alone."""
+    if os.geteuid() != 0 or "HXZIRPA_DEVICES_PROTECTED" in os.environ:
+        return
+    os.environ["HXZIRPA_DEVICES_PROTECTED"] = "1"
+    read_only = "mount --rbind /dev /dev && mount -o remount,bind,ro /dev"
+    os.execvp("unshare", ["unshare", "--mount", "sh", "-c", f'{read_only} && exec "$@"', "sh",
+                          sys.executable, *sys.argv])
+
+
 # ---- Building ------------------------------------------------------------------------------------
 
 
@@ -618,6 +631,7 @@ def arguments():
 
 
 def main():
+    protect_devices()
     given = arguments()
     with tempfile.TemporaryDirectory(prefix="mutate", dir=MEMORY) as name:
         directory = pathlib.Path(name)
