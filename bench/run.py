@@ -132,7 +132,7 @@ def time_round(bench, commands, runs):
 
 
 def write_anew(program):
-    """How fast a program starts depends on where its file lies in memory, by a tenth and more."""
+    """Copies a program: how fast it starts depends on where its file lies in memory."""
     copy = program.with_suffix(".copy")
     shutil.copy(program, copy)
     os.replace(copy, program)

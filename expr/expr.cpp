@@ -153,7 +153,8 @@ int check_step(int token, int &state_so_far, int &depth) {
     }
 }
 
-// Scans the first token of the expression at the scan position, unless it is known.
+// Takes the first token of the expression at the scan position. It is scanned anew if it is no
+// plain operand, which its code of 0 tells.
 void take_first_token(const ScannedToken &first) {
     checked_tokens[0].end = Col_Ptr;
     *first_checked = first;
@@ -422,6 +423,13 @@ bool stands_alone(const ScannedToken &scanned) {
     return is_operand(scanned.token) && has_class(*scanned.end, kClassOperandEnd);
 }
 
+// The plain operand at p; its code is 0 where none stands.
+inline ScannedToken plain_operand_at(const char *p) {
+    ScannedToken scanned{};
+    scanned.token = scan_plain_operand(p, scanned);
+    return scanned;
+}
+
 // The value of an operand that stands alone. Moves to the character behind it and leaves the
 // scanner as check and evaluation leave it.
 std::int64_t lone_value(const char *begin, const ScannedToken &scanned, OperandRecord *operand) {
@@ -494,7 +502,8 @@ bool fails(int report) {
     return report != 0 || status != STATUS_ILLEGAL_CHARACTER || is_name_char(*stop_position());
 }
 
-int finish(OperandRecord &operand) {
+// What every evaluated operand ends with. Always 0, as ppexpr then returns.
+int finish_operand(OperandRecord &operand) {
     operand.forward_references = forwardref;
     operand.term_count = 1;
     if (errorsp != nullptr && Pass2 != 0 && errorsp->has(SYM_UNDEFINED)) {
@@ -503,14 +512,14 @@ int finish(OperandRecord &operand) {
     return 0;
 }
 
-// Evaluates the expression that begins with that token, as ppexpr does. Kept apart, so that the
-// direct way stays short.
+// Evaluates any expression but a plain operand alone, as ppexpr does; first is the plain operand
+// with which it begins, if it does. Kept apart, so that the direct way stays short.
 [[gnu::noinline]] int evaluate_other(const ScannedToken &first, OperandRecord &operand, int report,
                                      bool is_value_needed) {
     take_first_token(first);
     if (stands_alone(*first_checked)) {
         operand.value = lone_value(Col_Ptr, *first_checked, &operand);
-        return finish(operand);
+        return finish_operand(operand);
     }
     check_expression(column_in_line(Col_Ptr));
     if (fails(report)) {
@@ -520,7 +529,7 @@ int finish(OperandRecord &operand) {
         return 1;
     }
     operand.value = checked_value(&operand, is_value_needed);
-    return finish(operand);
+    return finish_operand(operand);
 }
 
 } // namespace
@@ -555,8 +564,7 @@ std::int64_t p0(std::int64_t accumulated, int /*node_kind*/, int depth, int /*mo
 std::int64_t evalexp(const char *text, int check, int column) {
     const char *entry = Col_Ptr;
     Col_Ptr = text;
-    ScannedToken first;
-    first.token = scan_plain_operand(text, first);
+    const ScannedToken first = plain_operand_at(text);
     std::int64_t value = 0;
     if (stands_alone(first)) {
         value = lone_value(text, first, nullptr);
@@ -588,11 +596,10 @@ std::int64_t evalexp(const char *text, int check) {
 int ppexpr(OperandRecord &operand, int report, bool is_value_needed) {
     operand.symbol_size = -1;
     const char *begin = Col_Ptr;
-    ScannedToken first;
-    first.token = scan_plain_operand(begin, first);
+    const ScannedToken first = plain_operand_at(begin);
     if (!stands_alone(first)) {
         return evaluate_other(first, operand, report, is_value_needed);
     }
     operand.value = lone_value(begin, first, &operand);
-    return finish(operand);
+    return finish_operand(operand);
 }

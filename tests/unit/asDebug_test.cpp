@@ -8,6 +8,10 @@
 #include "symtab/symtab.h"
 #include "tests/unit/support.h"
 
+#include <cstddef>
+#include <limits>
+#include <string>
+
 namespace {
 
 class DebugRecords : public RunTest {
@@ -305,6 +309,20 @@ TEST_F(DebugRecords, OtherKeywordsHaveNoContinuation) {
     ProcessStab();
     ASSERT_EQ(as_read_line(), 1);
     EXPECT_EQ(Line.view(), " NOP\n");
+}
+
+// Room is a guess: too little or none changes nothing, and a source of two thousand million lines
+// must not be refused for it.
+TEST_F(DebugRecords, RoomForThemIsBoundedAndChangesNone) {
+    begin_records();
+    asm_write_sd_exec(1, 1, 0);
+    const std::string before = symdebfile;
+    for (const int lines : {0, 1, 1000, std::numeric_limits<int>::max()}) {
+        reserve_debug_records(lines);
+        EXPECT_EQ(symdebfile, before) << lines;
+        EXPECT_LT(symdebfile.capacity(), std::size_t{1} << 26U) << lines;
+    }
+    EXPECT_GE(symdebfile.capacity(), std::size_t{1} << 24U);
 }
 
 } // namespace
