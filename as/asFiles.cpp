@@ -12,13 +12,11 @@
 #include "target/emit.h"
 #include "util/path.h"
 
+#include <algorithm>
 #include <array>
-#include <cerrno>
 #include <cstring>
-#include <string_view>
 #include <vector>
 
-#include <sys/stat.h>
 #include <unistd.h>
 
 std::string File_name;
@@ -36,90 +34,45 @@ std::string array_name; // the C array file
 
 // ---- Outputs that must not be the same file ----
 
-// What a path leads to: an existing file, or a name in an existing directory. Files that are not
-// regular hold nothing that could be lost.
-struct Identity {
-    bool is_regular_or_new = false;
-    dev_t device = 0;
-    ino_t inode = 0;
-    std::string name; // of a file that does not exist yet
-
-    bool operator==(const Identity &other) const {
-        return is_regular_or_new && other.is_regular_or_new && device == other.device &&
-               inode == other.inode && name == other.name;
-    }
-};
-
-std::string directory_of(const std::string &path) {
-    const std::size_t slash = path.rfind('/');
-    return slash == std::string::npos ? "." : path.substr(0, slash + 1);
-}
-
 [[noreturn]] void refuse_output(const std::string &name) {
     vpFatal("Cannot create output fil '%s'", name.c_str());
 }
 
-// Goes on only if a look-up has failed because there is no such file. After any other failure it is
-// not known what an output would overwrite.
-void expect_absence(int error, const std::string &name) {
-    if (error != ENOENT && error != ENOTDIR && error != ELOOP && error != ENAMETOOLONG) {
-        refuse_output(name);
-    }
+// The outputs, in the order of their creation.
+struct Output {
+    OutputFile &file;
+    const std::string &name;
+    OldFile old_file;
+    bool is_wanted; // until it can't be created
+};
+
+std::array<Output, 4> outputs() {
+    return {{{objectfile, Object_name, OldFile::kRewritten, true},
+             {listfile, List_name, OldFile::kReplaced, O_list != 0},
+             {algofile, array_name, OldFile::kReplaced, O_cout != 0},
+             {zirpafile, zirpafilename, OldFile::kReplaced, true}}};
 }
 
-// Follows a symbolic link that leads to no existing file; other paths stay as they are.
-std::string follow_dangling_links(const std::string &name) {
-    constexpr int kMostLinks = 40;
-    std::array<char, 4096> target{};
-    std::string path = name;
-    for (int i = 0; i < kMostLinks; ++i) {
-        const ssize_t length = readlink(path.c_str(), target.data(), target.size());
-        if (length <= 0) {
-            if (errno != EINVAL) { // what EINVAL tells about is no link
-                expect_absence(errno, name);
-            }
-            break;
+// Ends the run if an output is the same file as the source or an output before it, or as a standard
+// stream: messages would overwrite it.
+void refuse_colliding_outputs() {
+    const auto printed = regular_file(STDOUT_FILENO);
+    const auto complained = regular_file(STDERR_FILENO);
+    std::vector<const Destination *> earlier;
+    for (const Output &output : outputs()) {
+        if (!output.is_wanted) {
+            continue;
         }
-        const std::string link(target.data(), static_cast<std::size_t>(length));
-        if (PathHasRoot(link.c_str())) {
-            path = link;
-        } else {
-            path = directory_of(path).append("/").append(link);
+        Destination &destination = output.file.destination();
+        if (!destination.look_up(output.name, output.old_file) || is_source_file(destination) ||
+            (printed && destination.is_file(*printed)) ||
+            (complained && destination.is_file(*complained)) ||
+            std::any_of(earlier.begin(), earlier.end(), [&](const Destination *other) {
+                return destination.is_same_file(*other);
+            })) {
+            refuse_output(output.name);
         }
-    }
-    return path;
-}
-
-Identity identify(const std::string &path) {
-    struct stat status {};
-    if (stat(path.c_str(), &status) == 0) {
-        return {S_ISREG(status.st_mode), status.st_dev, status.st_ino, {}};
-    }
-    expect_absence(errno, path);
-    const std::string target = follow_dangling_links(path);
-    if (stat(directory_of(target).c_str(), &status) != 0) {
-        expect_absence(errno, path);
-        return {};
-    }
-    const std::size_t slash = target.rfind('/');
-    return {true, status.st_dev, status.st_ino,
-            slash == std::string::npos ? target : target.substr(slash + 1)};
-}
-
-// Ends the run if an output is the source or the same file as an output before it.
-void refuse_colliding_outputs(const std::vector<std::string> &names) {
-    std::vector<Identity> taken;
-    for (const std::string &name : names) {
-        const Identity identity = identify(name);
-        bool collides = identity.is_regular_or_new && identity.name.empty() &&
-                        is_source_file(identity.device, identity.inode);
-        for (const Identity &other : taken) {
-            collides = collides || identity == other;
-        }
-        if (collides) {
-            refuse_output(name);
-        }
-        taken.push_back(identity);
+        earlier.push_back(&destination);
     }
 }
 
@@ -141,20 +94,15 @@ std::string derive_names(const char *file) {
     return base;
 }
 
-bool replace_file(OutputFile &file, const std::string &name) {
-    delete_output(name.c_str());
-    return file.create(name.c_str());
-}
-
 void create_listing() {
-    if (!replace_file(listfile, List_name)) {
+    if (!listfile.create()) {
         Warning("Can't create listfile");
         O_list = 0;
     }
 }
 
 void create_array_file() {
-    const bool created = replace_file(algofile, array_name);
+    const bool created = algofile.create();
     algofilecount = 0;
     // Kept: without a listing the array stays empty, because it is the listing that is asked for
     // here.
@@ -167,7 +115,7 @@ void create_array_file() {
 }
 
 void create_outputs() {
-    if (!objectfile.create(Object_name.c_str())) {
+    if (!objectfile.create()) {
         refuse_output(Object_name);
     }
     if (O_list != 0) {
@@ -176,11 +124,17 @@ void create_outputs() {
     if (O_cout != 0) {
         create_array_file();
     }
-    (void)replace_file(zirpafile, zirpafilename);
+    (void)zirpafile.create();
 }
 
 void put_banner(OutputFile &out) {
     out.put({kProgramName, " - ", kProcessorName, " Absolute crossassembler, Version ", kVersion});
+}
+
+bool any_has_failed() {
+    const auto all = outputs();
+    return std::any_of(all.begin(), all.end(),
+                       [](const Output &output) { return output.file.has_failed(); });
 }
 
 std::uint32_t entry_address() {
@@ -207,17 +161,9 @@ int openfiles(const char *file) {
         return 0;
     }
     const std::string base = derive_names(file);
-    std::vector<std::string> names = {Object_name};
-    if (O_list != 0) {
-        List_name = base + ".lst";
-        names.push_back(List_name);
-    }
-    if (O_cout != 0) {
-        array_name = base + "_cout.c";
-        names.push_back(array_name);
-    }
-    names.push_back(zirpafilename);
-    refuse_colliding_outputs(names);
+    List_name = base + ".lst";
+    array_name = base + "_cout.c";
+    refuse_colliding_outputs();
     create_outputs();
     return 1;
 }
@@ -233,21 +179,10 @@ void write_headers() {
                    "\n # ClearAllRegisters"});
 }
 
-void abandon_outputs() {
-    if (objectfile.is_open()) {
-        objectfile.discard();
-        delete_output(Object_name.c_str());
-    }
-    listfile.close();
-    algofile.close();
-    zirpafile.close();
-}
-
 void CloseDown() {
     if (O_cout != 0) {
         end_array();
     }
-    algofile.close();
     putout();
     outrecinit(kEndRecord16, entry_address());
     putout();
@@ -255,42 +190,27 @@ void CloseDown() {
         objectfile.put({"SX:C:s:", startsymname, "\n", symdebfile});
         symdebfile.clear();
     }
-    zirpafile.close();
-    if (Errors == 0) {
-        objectfile.close();
-    } else {
-        // The end record is not written, so that the file is not taken for whole if it can't be
-        // deleted.
-        objectfile.discard();
-        delete_output(Object_name.c_str());
-        if (listfile.is_open()) {
-            listfile.put("\n\n****** Total Errors: ");
-            listfile.put_decimal(Errors);
-            listfile.put('\n');
-        }
+    if (Errors != 0 && listfile.is_open()) {
+        listfile.put("\n\n****** Total Errors: ");
+        listfile.put_decimal(Errors);
+        listfile.put('\n');
     }
-    listfile.close();
+    close_side_outputs();
+    objectfile.flush();
+    if (Errors == 0 && !any_has_failed()) {
+        objectfile.close();
+    }
+    if (Errors != 0 || any_has_failed()) {
+        objectfile.withdraw();
+    }
     closesym();
 }
 
 bool report_write_failures() {
-    struct Output {
-        const OutputFile &file;
-        const std::string &name;
-    };
-    const std::array<Output, 4> outputs = {{{objectfile, Object_name},
-                                            {listfile, List_name},
-                                            {algofile, array_name},
-                                            {zirpafile, zirpafilename}}};
-    bool any_failed = false;
-    for (const Output &output : outputs) {
+    for (const Output &output : outputs()) {
         if (output.file.has_failed()) {
             standard_output.put({kProgramName, ": Can't write '", output.name, "'\n"});
-            any_failed = true;
         }
     }
-    if (any_failed) {
-        delete_output(Object_name.c_str());
-    }
-    return any_failed;
+    return any_has_failed();
 }

@@ -24,12 +24,9 @@ int openfiles(const char *file);
 // Writes the headers of the listing and of the script.
 void write_headers();
 
-// Ends all outputs and closes them; after errors the S-record file is deleted.
+// Ends all outputs and closes them. The S-record file comes last: after errors, or when an output
+// could not be written, it is deleted.
 void CloseDown();
 
-// Closes all outputs of a run that cannot go on, and deletes the S-record file.
-void abandon_outputs();
-
-// Reports every output that could not be written. True when there was one; the S-record file is
-// then deleted.
+// Reports every output that could not be written. True when there was one.
 bool report_write_failures();

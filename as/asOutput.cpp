@@ -9,6 +9,8 @@ namespace {
 // Apart from the files, so that a file that isn't used costs no page of memory.
 std::array<OutputBuffer, 5> buffers;
 
+TerminalGuard terminal_guard;
+
 } // namespace
 
 OutputFile standard_output(buffers[0]);
@@ -21,20 +23,32 @@ std::string symdebfile;
 void (*end_run_hook)(int status) = nullptr;
 
 void output_new_run() {
-    objectfile.close();
-    listfile.close();
-    algofile.close();
-    zirpafile.close();
+    fill_standard_descriptors();
+    abandon_outputs();
+    for (OutputFile *file : {&objectfile, &listfile, &algofile, &zirpafile}) {
+        file->forget_failure();
+    }
     symdebfile.clear();
-    standard_output.attach(STDOUT_FILENO);
+    standard_output.attach(STDOUT_FILENO, &terminal_guard);
+}
+
+void close_side_outputs() {
+    for (OutputFile *file : {&listfile, &algofile, &zirpafile}) {
+        file->close();
+    }
+}
+
+void abandon_outputs() {
+    close_side_outputs();
+    if (objectfile.is_open()) {
+        objectfile.withdraw();
+    }
 }
 
 void end_run(int status) {
     standard_output.flush();
-    objectfile.flush();
-    listfile.flush();
-    algofile.flush();
-    zirpafile.flush();
+    close_side_outputs();
+    objectfile.close();
     if (end_run_hook != nullptr) {
         end_run_hook(status);
     }

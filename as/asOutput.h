@@ -23,9 +23,16 @@ extern void (*end_run_hook)(int status);
 
 // ---- Functions ----
 
-// Closes what an earlier run left open and attaches standard output.
+// Fills closed standard descriptors, closes what an earlier run left open and attaches standard
+// output.
 void output_new_run();
 
-// Ends the run at once with an exit status of 0 to 255, after writing out all buffers. Open files
-// keep what they hold.
+// Gives all outputs but the S-record file what their buffers hold and their names.
+void close_side_outputs();
+
+// Closes all outputs of a run that cannot go on, and deletes the S-record file.
+void abandon_outputs();
+
+// Ends the run at once with an exit status of 0 to 255, after writing out all buffers. Outputs stay
+// as they are by then.
 [[noreturn]] void end_run(int status);

@@ -416,8 +416,8 @@ int match_include(const char *name, bool &from_start_directory) {
     return -1;
 }
 
-bool is_source_file(dev_t device, ino_t inode) {
-    return std::any_of(loaded_files.begin(), loaded_files.end(), [=](const LoadedFile &file) {
-        return file.text.is_regular && file.text.device == device && file.text.inode == inode;
+bool is_source_file(const Destination &destination) {
+    return std::any_of(loaded_files.begin(), loaded_files.end(), [&](const LoadedFile &file) {
+        return file.text.is_regular && destination.is_file(file.text.identity);
     });
 }

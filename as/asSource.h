@@ -7,6 +7,7 @@
 // holds the main file only; the rules for nesting are kept for the shared dispatcher.
 #pragma once
 
+#include "util/destination.h"
 #include "util/input.h"
 
 #include <array>
@@ -136,5 +137,5 @@ void push_include(const char *path);
 // below the program's own directory, or -1.
 int match_include(const char *name, bool &from_start_directory);
 
-// True when a source of this run is the regular file of that identity.
-bool is_source_file(dev_t device, ino_t inode);
+// True when a source of this run is the regular file that an output would go to.
+bool is_source_file(const Destination &destination);

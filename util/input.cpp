@@ -41,18 +41,6 @@ bool read_all(int descriptor, std::size_t capacity, FileText &text) {
     }
 }
 
-// Closes a descriptor when its scope is left.
-class DescriptorGuard {
-  public:
-    explicit DescriptorGuard(int descriptor) : descriptor_(descriptor) {}
-    DescriptorGuard(const DescriptorGuard &) = delete;
-    DescriptorGuard &operator=(const DescriptorGuard &) = delete;
-    ~DescriptorGuard() { (void)::close(descriptor_); }
-
-  private:
-    int descriptor_;
-};
-
 } // namespace
 
 bool read_file(const char *name, FileText &text) {
@@ -67,8 +55,7 @@ bool read_file(const char *name, FileText &text) {
     }
     text.size = 0;
     text.is_regular = S_ISREG(status.st_mode);
-    text.device = status.st_dev;
-    text.inode = status.st_ino;
+    text.identity = identity_of(status);
     // One byte more than the size, so that the end of the file is seen without growing.
     const std::size_t capacity =
         text.is_regular ? static_cast<std::size_t>(status.st_size) + 1 : kFirstCapacity;

@@ -1,6 +1,8 @@
 // Reading a whole file into memory, once, so that pipes serve as sources too.
 #pragma once
 
+#include "util/descriptor.h"
+
 #include <algorithm>
 #include <bit>
 #include <cstddef>
@@ -8,7 +10,6 @@
 #include <cstring>
 #include <memory>
 
-#include <sys/types.h>
 #ifdef __SSE2__
 #include <emmintrin.h>
 #endif
@@ -21,8 +22,7 @@ struct FileText {
     std::size_t size = 0; // bytes
     bool holds_nul = false;
     bool is_regular = false;
-    dev_t device = 0; // with inode: the file's identity
-    ino_t inode = 0;
+    FileIdentity identity;
 };
 
 // Reads the file. Returns false when it cannot be opened or read (a directory, for one); errno then

@@ -1,51 +1,35 @@
 #include "util/output.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <cstring>
+#include <utility>
 
-#include <fcntl.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
-namespace {
-
-constexpr mode_t kCreationMode = 0666;
-
-bool write_fully(int descriptor, const char *data, std::size_t size) {
-    while (size > 0) {
-        const ssize_t written = ::write(descriptor, data, size);
-        if (written > 0) {
-            data += written;
-            size -= static_cast<std::size_t>(written);
-        } else if (written == 0 || errno != EINTR) {
-            return false;
-        }
-    }
-    return true;
-}
-
-} // namespace
-
-bool OutputFile::create(const char *name) {
+bool OutputFile::create() {
     close();
     failed_ = false;
-    descriptor_ = ::open(name, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kCreationMode);
+    guard_ = nullptr;
+    descriptor_ = destination_.open();
     owned_ = true;
     return is_open();
 }
 
-void OutputFile::attach(int descriptor) {
+void OutputFile::attach(int descriptor, TerminalGuard *guard) {
     close();
     failed_ = false;
     descriptor_ = descriptor;
     owned_ = false;
+    guard_ = guard;
+    if (guard_ != nullptr) {
+        guard_->reset();
+    }
 }
 
 void OutputFile::put_in_pieces(std::string_view text) {
     while (!text.empty()) {
         if (used_ == kOutputBufferSize) {
-            flush();
+            write_out(false);
         }
         const std::size_t count = std::min(text.size(), kOutputBufferSize - used_);
         std::memcpy(buffer_ + used_, text.data(), count);
@@ -74,16 +58,23 @@ void OutputFile::put_decimal(std::int64_t value, unsigned width) {
     put(digits);
 }
 
-// A file that was never used is left as it is: writing to it would cost a page of memory.
+bool OutputFile::write(std::string_view text) {
+    return guard_ != nullptr ? guard_->write(descriptor_, text) : write_fully(descriptor_, text);
+}
 
-void OutputFile::flush() {
+// A file that was never used is left as it is: writing to it would cost a page of memory.
+void OutputFile::write_out(bool is_end) {
     if (used_ == 0) {
         return;
     }
+    std::string_view text(buffer_, used_);
+    const std::size_t kept = guard_ != nullptr && !is_end ? begun_character_size(text) : 0;
+    text.remove_suffix(kept);
     if (is_open() && !failed_) {
-        failed_ = !write_fully(descriptor_, buffer_, used_);
+        failed_ = !write(text);
     }
-    used_ = 0;
+    std::memmove(buffer_, buffer_ + text.size(), kept);
+    used_ = kept;
 }
 
 void OutputFile::close() {
@@ -91,22 +82,18 @@ void OutputFile::close() {
     if (!is_open()) {
         return;
     }
-    if (owned_ && ::close(descriptor_) != 0) {
-        failed_ = true;
+    const int descriptor = std::exchange(descriptor_, -1);
+    if (owned_) {
+        const bool closed = ::close(descriptor) == 0;
+        failed_ = !destination_.publish() || !closed || failed_;
     }
-    descriptor_ = -1;
 }
 
-void OutputFile::discard() {
+void OutputFile::withdraw() {
     used_ = 0;
-    close();
-}
-
-void delete_output(const char *name) {
-    struct stat status {};
-    if (lstat(name, &status) == 0 && !S_ISCHR(status.st_mode) && !S_ISBLK(status.st_mode)) {
-        if (::unlink(name) != 0) {
-            (void)::truncate(name, 0);
-        }
+    if (is_open()) {
+        (void)::close(descriptor_);
+        descriptor_ = -1;
     }
+    destination_.withdraw();
 }

@@ -3,10 +3,15 @@
 // Every byte that the program writes goes through this class: bytes and numbers are put into a
 // large buffer by table look-up, and the buffer goes to the operating system when it is full. A
 // failed write is remembered and reported once by the owner at the end of the run.
+//
+// A file goes by way of its destination: under its name there is the old file, or the whole new
+// one.
 #pragma once
 
 #include "util/buffer.h"
+#include "util/destination.h"
 #include "util/format.h"
+#include "util/terminal.h"
 
 #include <array>
 #include <cstddef>
@@ -15,8 +20,8 @@
 #include <initializer_list>
 #include <string_view>
 
-// Bytes gathered before a write.
-inline constexpr std::size_t kOutputBufferSize = buffer_size(65536);
+// Bytes gathered before a write; a character that has begun may be among them.
+inline constexpr std::size_t kOutputBufferSize = buffer_size(65536, kLongestBegunCharacter + 1);
 
 // The memory in which an output file gathers its bytes. A short output then touches one page only.
 struct alignas(4096) OutputBuffer {
@@ -26,23 +31,29 @@ struct alignas(4096) OutputBuffer {
 class OutputFile {
   public:
     // The buffer must outlive the file.
-    explicit constexpr OutputFile(OutputBuffer &buffer) : buffer_(buffer.bytes.data()) {}
+    explicit OutputFile(OutputBuffer &buffer) : buffer_(buffer.bytes.data()) {}
 
-    // Creates or empties the file. Returns false when that fails; the object is closed then.
-    bool create(const char *name);
+    // Where the file is to go; looked up before it is created.
+    Destination &destination() { return destination_; }
+    const Destination &destination() const { return destination_; }
 
-    // Writes to an already open descriptor, which close() leaves open.
-    void attach(int descriptor);
+    // Begins a file at the destination. Returns false when that fails; the object is closed then.
+    bool create();
+
+    // Writes to an already open descriptor, which close() leaves open; with a guard, text that a
+    // terminal must not obey.
+    void attach(int descriptor, TerminalGuard *guard = nullptr);
 
     bool is_open() const { return descriptor_ >= 0; }
 
     // True when a write or the closing has failed since create() or attach().
     bool has_failed() const { return failed_; }
+    void forget_failure() { failed_ = false; }
 
     // A closed file swallows what is put into it.
     void put(char ch) {
         if (used_ == kOutputBufferSize) {
-            flush();
+            write_out(false);
         }
         buffer_[used_++] = ch;
     }
@@ -67,24 +78,25 @@ class OutputFile {
     void put_decimal(std::int64_t value, unsigned width = 0);
 
     // Hands the buffer to the operating system.
-    void flush();
+    void flush() { write_out(true); }
 
-    // Flushes and closes; a closed file stays closed.
+    // Flushes and closes, and gives the file its name; a closed file stays closed.
     void close();
 
-    // Closes without writing out what the buffer holds.
-    void discard();
+    // Closes without writing out what the buffer holds. Nothing stays at the destination, neither
+    // the file nor an old one.
+    void withdraw();
 
   private:
     void put_in_pieces(std::string_view text);
+    void write_out(bool is_end);
+    bool write(std::string_view text);
 
     int descriptor_ = -1;
     bool owned_ = false;
     bool failed_ = false;
     std::size_t used_ = 0;
     char *buffer_; // kOutputBufferSize bytes
+    TerminalGuard *guard_ = nullptr;
+    Destination destination_;
 };
-
-// Deletes a file that is about to be replaced or is not to be kept; one that cannot be deleted is
-// emptied. Devices are left alone, so that "/dev/null" as an output is never removed.
-void delete_output(const char *name);

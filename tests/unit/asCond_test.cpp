@@ -316,7 +316,7 @@ TEST_F(Conditionals, MessageIsAnErrorWhereLinesAreAssembled) {
 
 TEST_F(Conditionals, LineThatStartsSkippingIsListedOnceAhead) {
     begin_reports();
-    ASSERT_TRUE(listfile.create("prog.lst"));
+    open_output(listfile, "prog.lst");
     O_list = 1;
     listing_on = 1;
     newuse = 0;
@@ -334,7 +334,7 @@ TEST_F(Conditionals, LineThatStartsSkippingIsListedOnceAhead) {
 
 TEST_F(Conditionals, BranchNotTakenBehindATakenOneIsNotListedAhead) {
     begin_reports();
-    ASSERT_TRUE(listfile.create("prog.lst"));
+    open_output(listfile, "prog.lst");
     O_list = 1;
     listing_on = 1;
     word(DIR_IFDEF, " YES\n");

@@ -24,8 +24,8 @@ class Diagnostics : public RunTest {
         Line_no = 12;
     }
 
-    static void open_listing() {
-        ASSERT_TRUE(listfile.create("out.lst"));
+    void open_listing() {
+        open_output(listfile, "out.lst");
         O_list = 1;
     }
 
@@ -361,7 +361,7 @@ TEST_F(Diagnostics, FatalTextIsCutTo1024Characters) {
 }
 
 TEST_F(Diagnostics, FatalErrorLeavesFilesAsTheyAre) {
-    ASSERT_TRUE(objectfile.create("a.s19"));
+    open_output(objectfile, "a.s19");
     objectfile.put("S1");
     EXPECT_EQ(end_status([] { vpFatal("%s", "over"); }), 1);
     EXPECT_EQ(read_text("a.s19"), "S1");

@@ -12,6 +12,9 @@
 
 #include <filesystem>
 
+#include <fcntl.h>
+#include <unistd.h>
+
 namespace {
 
 class OutputFiles : public RunTest {
@@ -36,6 +39,11 @@ class OutputFiles : public RunTest {
         outrecinit(record_type, LC);
     }
 
+    // Ends the run as a fatal error does: what has been created stays.
+    static void abandon_run() {
+        EXPECT_EQ(end_status([] { end_run(1); }), 1);
+    }
+
     static std::string refused(const std::string &name) {
         return "Cannot create output fil '" + name + "'\n";
     }
@@ -52,6 +60,7 @@ TEST_F(OutputFiles, NamesComeFromTheSourceInTheWorkingDirectory) {
     EXPECT_EQ(Object_name, "a.s19");
     EXPECT_EQ(List_name, "a.lst");
     EXPECT_EQ(zirpafilename, "a.fmem");
+    abandon_run();
     for (const char *name : {"a.s19", "a.lst", "a.fmem"}) {
         EXPECT_TRUE(file_exists(name)) << name;
     }
@@ -67,6 +76,7 @@ TEST_F(OutputFiles, GivenNameServesTheRecordsAndItsTitleTheListing) {
     EXPECT_EQ(Object_name, "out/prog.v2.s19");
     EXPECT_EQ(List_name, "prog.v2.lst");
     EXPECT_EQ(zirpafilename, "a.fmem");
+    abandon_run();
     for (const char *name : {"out/prog.v2.s19", "prog.v2.lst", "prog.v2_cout.c", "a.fmem"}) {
         EXPECT_TRUE(file_exists(name)) << name;
     }
@@ -86,22 +96,45 @@ TEST_F(OutputFiles, OptionalFilesAreCreatedOnRequestAlone) {
     EXPECT_TRUE(zirpafile.is_open());
     EXPECT_FALSE(listfile.is_open());
     EXPECT_FALSE(algofile.is_open());
+    abandon_run();
     EXPECT_FALSE(file_exists("a.lst"));
     EXPECT_FALSE(file_exists("a_cout.c"));
 }
 
-TEST_F(OutputFiles, OldOutputsAreEmptied) {
+TEST_F(OutputFiles, OldOutputsAreReplacedAtTheEnd) {
     O_list = 1;
     O_cout = 1;
     for (const char *name : {"a.s19", "a.lst", "a_cout.c", "a.fmem"}) {
         write_file(name, "old");
     }
-    ASSERT_EQ(openfiles("a.szirpa"), 1);
-    for (const char *name : {"a.s19", "a.lst", "a.fmem"}) {
+    begin_final_pass();
+    for (const char *name : {"a.s19", "a.lst", "a_cout.c", "a.fmem"}) {
+        EXPECT_EQ(read_text(name), "old") << name;
+    }
+    CloseDown();
+    for (const char *name : {"a.lst", "a.fmem"}) {
         EXPECT_EQ(read_text(name), "") << name;
     }
-    algofile.flush();
-    EXPECT_EQ(read_text("a_cout.c"), "const unsigned char algo[] = {\n");
+    EXPECT_EQ(read_text("a.s19"), "S9030000FC\n");
+    EXPECT_EQ(read_text("a_cout.c"), "const unsigned char algo[] = {\n};\n");
+}
+
+TEST_F(OutputFiles, StandardStreamsThatAreFilesAreRefusedAsOutputs) {
+    for (const int stream : {STDOUT_FILENO, STDERR_FILENO}) {
+        write_file("a.fmem", "printed");
+        const int saved = ::dup(stream);
+        const int descriptor = ::open("a.fmem", O_WRONLY | O_APPEND | O_CLOEXEC);
+        ASSERT_EQ(::dup2(descriptor, stream), stream);
+        ::close(descriptor);
+        const int status = end_status([] { openfiles("a.szirpa"); });
+        ::dup2(saved, stream);
+        ::close(saved);
+        EXPECT_EQ(status, 1);
+        EXPECT_EQ(take_output(), directory + "/a.szirpa (0)Fatal error: " + refused("a.fmem"));
+        EXPECT_EQ(read_text("a.fmem"), "printed");
+        EXPECT_FALSE(file_exists("a.s19"));
+        source_new_pass();
+    }
 }
 
 TEST_F(OutputFiles, NewRunForgetsTheNames) {
@@ -225,6 +258,7 @@ TEST_F(OutputFiles, LinkThatLeadsNowhereIsReplacedByTheOutput) {
         std::filesystem::create_symlink(target, "a.lst");
         EXPECT_EQ(end_status([] { openfiles("a.szirpa"); }), -1) << target;
         EXPECT_TRUE(listfile.is_open()) << target;
+        abandon_run();
         EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status("a.lst")));
         EXPECT_EQ(take_output(), "");
         source_new_pass();
@@ -260,8 +294,7 @@ TEST_F(OutputFiles, HeadersNameTheirFiles) {
     name_output("out/prog.s19");
     begin_final_pass();
     write_headers();
-    listfile.flush();
-    zirpafile.flush();
+    abandon_run();
     EXPECT_EQ(read_text("prog.lst"), "HXzirpa - ZIRPA Absolute crossassembler, Version 1.3\n"
                                      "Free software under the MIT License.\n"
                                      "\n"
@@ -368,23 +401,6 @@ TEST_F(OutputFiles, ListingWithoutErrorsHasNoTotal) {
     EXPECT_TRUE(file_exists("a.s19"));
 }
 
-TEST_F(OutputFiles, AbandonedOutputsAreClosedAndTheRecordsDeleted) {
-    O_list = 1;
-    O_cout = 1;
-    begin_final_pass();
-    ebyte(7);
-    putout();
-    listfile.put("line\n");
-    abandon_outputs();
-    EXPECT_FALSE(file_exists("a.s19"));
-    EXPECT_EQ(read_text("a.lst"), "line\n");
-    EXPECT_EQ(read_text("a_cout.c"), "const unsigned char algo[] = {\n0x07");
-    EXPECT_EQ(read_text("a.fmem"), "\n #setMemory  00=07");
-    for (const OutputFile *file : {&objectfile, &listfile, &algofile, &zirpafile}) {
-        EXPECT_FALSE(file->is_open());
-    }
-}
-
 // ---- Writes that fail
 // -------------------------------------------------------------------------------
 
@@ -411,8 +427,6 @@ TEST_F(OutputFiles, ListingThatCannotBeWrittenTakesTheRecordsWithIt) {
     O_list = 1;
     std::filesystem::create_symlink("/dev/full", "a.lst");
     begin_final_pass();
-    ASSERT_TRUE(listfile.create("/dev/full"));
-    List_name = "a.lst";
     listfile.put("text");
     CloseDown();
     EXPECT_TRUE(report_write_failures());

@@ -22,7 +22,7 @@ class Listing : public RunTest {
         RunTest::SetUp();
         open_source_file("prog.szirpa", "");
         enter_final_pass();
-        ASSERT_TRUE(listfile.create("prog.lst"));
+        open_output(listfile, "prog.lst");
         O_list = 1;
         listing_on = 1;
         newuse = 0;

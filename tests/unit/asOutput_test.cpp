@@ -7,13 +7,18 @@
 
 namespace {
 
-class Output : public RunTest {};
+class Output : public RunTest {
+  protected:
+    static void create_outputs() {
+        ASSERT_TRUE(create_output(objectfile, "a.s19", OldFile::kRewritten));
+        ASSERT_TRUE(create_output(listfile, "a.lst", OldFile::kReplaced));
+        ASSERT_TRUE(create_output(algofile, "a_cout.c", OldFile::kReplaced));
+        ASSERT_TRUE(create_output(zirpafile, "a.fmem", OldFile::kReplaced));
+    }
+};
 
 TEST_F(Output, NewRunClosesWhatAnEarlierRunLeftOpen) {
-    ASSERT_TRUE(objectfile.create("a.s19"));
-    ASSERT_TRUE(listfile.create("a.lst"));
-    ASSERT_TRUE(algofile.create("a_cout.c"));
-    ASSERT_TRUE(zirpafile.create("a.fmem"));
+    create_outputs();
     objectfile.put("S9\n");
     symdebfile = "SY\n";
     output_new_run();
@@ -23,6 +28,36 @@ TEST_F(Output, NewRunClosesWhatAnEarlierRunLeftOpen) {
     EXPECT_FALSE(zirpafile.is_open());
     EXPECT_EQ(symdebfile, "");
     EXPECT_TRUE(standard_output.is_open());
+    EXPECT_FALSE(file_exists("a.s19"));
+}
+
+TEST_F(Output, NewRunForgetsTheFailuresOfAnEarlierOne) {
+    ASSERT_TRUE(create_output(listfile, "/dev/full", OldFile::kReplaced));
+    listfile.put("text");
+    output_new_run();
+    EXPECT_FALSE(listfile.has_failed());
+}
+
+TEST_F(Output, AbandonedOutputsAreClosedAndTheRecordsDeleted) {
+    write_file("a.s19", "old");
+    create_outputs();
+    objectfile.put("one");
+    listfile.put("two");
+    algofile.put("three");
+    zirpafile.put("four");
+    abandon_outputs();
+    EXPECT_FALSE(file_exists("a.s19"));
+    EXPECT_EQ(read_text("a.lst"), "two");
+    EXPECT_EQ(read_text("a_cout.c"), "three");
+    EXPECT_EQ(read_text("a.fmem"), "four");
+}
+
+// What is not open is not this run's.
+TEST_F(Output, AbandonedRunWithoutRecordsDeletesNone) {
+    write_file("a.s19", "old");
+    ASSERT_TRUE(objectfile.destination().look_up("a.s19", OldFile::kRewritten));
+    abandon_outputs();
+    EXPECT_EQ(read_text("a.s19"), "old");
 }
 
 TEST_F(Output, EndOfARunGoesThroughTheHookWithItsStatus) {
@@ -31,10 +66,7 @@ TEST_F(Output, EndOfARunGoesThroughTheHookWithItsStatus) {
 }
 
 TEST_F(Output, EndOfARunWritesOutEveryBuffer) {
-    ASSERT_TRUE(objectfile.create("a.s19"));
-    ASSERT_TRUE(listfile.create("a.lst"));
-    ASSERT_TRUE(algofile.create("a_cout.c"));
-    ASSERT_TRUE(zirpafile.create("a.fmem"));
+    create_outputs();
     objectfile.put("one");
     listfile.put("two");
     algofile.put("three");

@@ -145,12 +145,12 @@ TEST_F(Source, NameOfMoreThan256CharactersIsAnError) {
 TEST_F(Source, FilesAreTheRegularFilesOfTheRun) {
     open_source_file("a.szirpa", " NOP\n");
     write_file("b.szirpa", " NOP\n");
-    struct stat opened {};
-    struct stat other {};
-    ASSERT_EQ(stat("a.szirpa", &opened), 0);
-    ASSERT_EQ(stat("b.szirpa", &other), 0);
-    EXPECT_TRUE(is_source_file(opened.st_dev, opened.st_ino));
-    EXPECT_FALSE(is_source_file(other.st_dev, other.st_ino));
+    Destination opened;
+    Destination other;
+    ASSERT_TRUE(opened.look_up("a.szirpa", OldFile::kRewritten));
+    ASSERT_TRUE(other.look_up("b.szirpa", OldFile::kRewritten));
+    EXPECT_TRUE(is_source_file(opened));
+    EXPECT_FALSE(is_source_file(other));
 }
 
 TEST_F(Source, FileInformationIsTheCurrentFileOrAFileOfTheTable) {

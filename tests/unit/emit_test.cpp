@@ -16,8 +16,8 @@ class Emission : public RunTest {
   protected:
     void SetUp() override {
         RunTest::SetUp();
-        ASSERT_TRUE(objectfile.create("prog.s19"));
-        ASSERT_TRUE(zirpafile.create("prog.fmem"));
+        open_output(objectfile, "prog.s19");
+        open_output(zirpafile, "prog.fmem");
     }
 
     // The final pass, with a record begun at an address.
@@ -370,7 +370,7 @@ class ArrayRows : public Emission {
   protected:
     void SetUp() override {
         Emission::SetUp();
-        ASSERT_TRUE(algofile.create("prog_cout.c"));
+        open_output(algofile, "prog_cout.c");
         O_cout = 1;
     }
 

@@ -10,8 +10,6 @@
 #include <string>
 
 #include <fcntl.h>
-#include <sys/stat.h>
-#include <sys/sysmacros.h>
 #include <unistd.h>
 
 namespace {
@@ -20,10 +18,14 @@ class OutputFileBuffer : public RunTest {
   protected:
     OutputBuffer buffer_{};
 
+    static bool create(OutputFile &file, const std::string &name) {
+        return create_output(file, name, OldFile::kRewritten);
+    }
+
     // What write puts into a file.
     template <typename Write> std::string written(Write write) {
         const auto file = std::make_unique<OutputFile>(buffer_);
-        EXPECT_TRUE(file->create("out"));
+        EXPECT_TRUE(create(*file, "out"));
         write(*file);
         file->close();
         EXPECT_FALSE(file->has_failed());
@@ -34,8 +36,10 @@ class OutputFileBuffer : public RunTest {
 TEST_F(OutputFileBuffer, CreatesAFile) {
     const auto file = std::make_unique<OutputFile>(buffer_);
     EXPECT_FALSE(file->is_open());
-    EXPECT_TRUE(file->create("out"));
+    EXPECT_TRUE(create(*file, "out"));
     EXPECT_TRUE(file->is_open());
+    EXPECT_FALSE(file_exists("out"));
+    file->close();
     EXPECT_TRUE(file_exists("out"));
     EXPECT_FALSE(file->has_failed());
 }
@@ -47,9 +51,9 @@ TEST_F(OutputFileBuffer, EmptiesAnExistingFile) {
 
 TEST_F(OutputFileBuffer, IsClosedWhenItCannotBeCreated) {
     const auto file = std::make_unique<OutputFile>(buffer_);
-    EXPECT_FALSE(file->create("missing/out"));
+    EXPECT_FALSE(create(*file, "missing/out"));
     EXPECT_FALSE(file->is_open());
-    EXPECT_FALSE(file->create("."));
+    EXPECT_FALSE(create(*file, "."));
     EXPECT_FALSE(file->is_open());
 }
 
@@ -127,7 +131,7 @@ TEST_F(OutputFileBuffer, KeepsEveryByteAroundTheBuffersSize) {
 
 TEST_F(OutputFileBuffer, HandsItsBufferOverWhenFlushed) {
     const auto file = std::make_unique<OutputFile>(buffer_);
-    ASSERT_TRUE(file->create("out"));
+    open_output(*file, "out");
     file->put("abc");
     file->flush();
     EXPECT_EQ(read_text("out"), "abc");
@@ -139,7 +143,7 @@ TEST_F(OutputFileBuffer, HandsItsBufferOverWhenFlushed) {
 
 TEST_F(OutputFileBuffer, StaysClosedWhenClosedAgain) {
     const auto file = std::make_unique<OutputFile>(buffer_);
-    ASSERT_TRUE(file->create("out"));
+    ASSERT_TRUE(create(*file, "out"));
     file->close();
     file->close();
     EXPECT_FALSE(file->is_open());
@@ -153,7 +157,7 @@ TEST_F(OutputFileBuffer, SwallowsEverythingWhileClosed) {
     file->put('x');
     file->flush();
     EXPECT_FALSE(file->has_failed());
-    ASSERT_TRUE(file->create("out"));
+    ASSERT_TRUE(create(*file, "out"));
     file->put("kept");
     file->close();
     EXPECT_EQ(read_text("out"), "kept");
@@ -161,10 +165,10 @@ TEST_F(OutputFileBuffer, SwallowsEverythingWhileClosed) {
 
 TEST_F(OutputFileBuffer, CanBeUsedForAnotherFile) {
     const auto file = std::make_unique<OutputFile>(buffer_);
-    ASSERT_TRUE(file->create("first"));
+    ASSERT_TRUE(create(*file, "first"));
     file->put("1");
     file->close();
-    ASSERT_TRUE(file->create("second"));
+    ASSERT_TRUE(create(*file, "second"));
     file->put("2");
     file->close();
     EXPECT_EQ(read_text("first"), "1");
@@ -177,7 +181,7 @@ TEST_F(OutputFileBuffer, GivesItsDescriptorBackWhenClosed) {
     const int before = ::dup(STDOUT_FILENO);
     ASSERT_GE(before, 0);
     ::close(before);
-    ASSERT_TRUE(file->create("out"));
+    ASSERT_TRUE(create(*file, "out"));
     file->close();
     const int after = ::dup(STDOUT_FILENO);
     ::close(after);
@@ -200,7 +204,7 @@ TEST_F(OutputFileBuffer, LeavesAnAttachedDescriptorOpen) {
 
 TEST_F(OutputFileBuffer, RemembersAFailedWrite) {
     const auto file = std::make_unique<OutputFile>(buffer_);
-    ASSERT_TRUE(file->create("/dev/full"));
+    ASSERT_TRUE(create(*file, "/dev/full"));
     file->put("abc");
     EXPECT_FALSE(file->has_failed());
     file->flush();
@@ -212,7 +216,7 @@ TEST_F(OutputFileBuffer, RemembersAFailedWrite) {
 
 TEST_F(OutputFileBuffer, NoticesAWriteThatFailsOnClosing) {
     const auto file = std::make_unique<OutputFile>(buffer_);
-    ASSERT_TRUE(file->create("/dev/full"));
+    ASSERT_TRUE(create(*file, "/dev/full"));
     file->put("abc");
     file->close();
     EXPECT_TRUE(file->has_failed());
@@ -220,51 +224,76 @@ TEST_F(OutputFileBuffer, NoticesAWriteThatFailsOnClosing) {
 
 TEST_F(OutputFileBuffer, ForgetsAFailureWithTheNextFile) {
     const auto file = std::make_unique<OutputFile>(buffer_);
-    ASSERT_TRUE(file->create("/dev/full"));
+    ASSERT_TRUE(create(*file, "/dev/full"));
     file->put("abc");
     file->close();
-    ASSERT_TRUE(file->create("out"));
+    ASSERT_TRUE(create(*file, "out"));
     EXPECT_FALSE(file->has_failed());
     file->put("def");
     file->close();
     EXPECT_EQ(read_text("out"), "def");
 }
 
-TEST_F(OutputFileBuffer, IsDeletedWhenItIsAFile) {
-    write_file("old.s19", "S9030000FC\n");
-    delete_output("old.s19");
-    EXPECT_FALSE(file_exists("old.s19"));
+TEST_F(OutputFileBuffer, LeavesNothingWhenWithdrawn) {
+    write_file("out", "old text");
+    const auto file = std::make_unique<OutputFile>(buffer_);
+    ASSERT_TRUE(create(*file, "out"));
+    file->put("abc");
+    file->withdraw();
+    EXPECT_FALSE(file->is_open());
+    EXPECT_TRUE(std::filesystem::is_empty("."));
 }
 
-TEST_F(OutputFileBuffer, MayBeMissingWhenItIsDeleted) {
-    delete_output("missing.s19");
-    EXPECT_FALSE(file_exists("missing.s19"));
+TEST_F(OutputFileBuffer, KeepsTheOldFileUntilItIsClosed) {
+    write_file("out", "old text");
+    const auto file = std::make_unique<OutputFile>(buffer_);
+    ASSERT_TRUE(create(*file, "out"));
+    file->put("abc");
+    file->flush();
+    EXPECT_EQ(read_text("out"), "old text");
+    file->close();
+    EXPECT_EQ(read_text("out"), "abc");
 }
 
-// Another user may write to the file, but not delete it from this directory.
-TEST_F(OutputFileBuffer, IsEmptiedWhenItCannotBeDeleted) {
-    constexpr uid_t kNobody = 65534;
-    std::filesystem::create_directory("locked");
-    write_file("locked/out", "old text");
-    ASSERT_EQ(::chmod("locked/out", 0666), 0);
-    ASSERT_EQ(::chmod("locked", 0555), 0);
-    ASSERT_EQ(::chmod(".", 0755), 0);
-    const uid_t user = ::geteuid();
-    ASSERT_EQ(::seteuid(user == 0 ? kNobody : user), 0);
-    delete_output("locked/out");
-    ASSERT_EQ(::seteuid(user), 0);
-    ASSERT_EQ(::chmod("locked", 0755), 0);
-    EXPECT_TRUE(file_exists("locked/out"));
-    EXPECT_EQ(read_text("locked/out"), "");
+TEST_F(OutputFileBuffer, FailsWhenItsPlaceIsTakenMeanwhile) {
+    const auto file = std::make_unique<OutputFile>(buffer_);
+    ASSERT_TRUE(create(*file, "out"));
+    std::filesystem::create_directory("out");
+    file->close();
+    EXPECT_TRUE(file->has_failed());
+    file->forget_failure();
+    EXPECT_FALSE(file->has_failed());
 }
 
-TEST_F(OutputFileBuffer, IsLeftAloneWhenItIsADevice) {
-    // A null device of the test's own, so that a fault cannot cost the machine its real one.
-    if (::mknod("null", S_IFCHR | 0666, makedev(1, 3)) != 0) {
-        GTEST_SKIP() << "Devices can be made by root only.";
+// Bytes put into a closed file are not the next file's.
+TEST_F(OutputFileBuffer, BeginsEmptyAfterHavingSwallowedBytes) {
+    const auto file = std::make_unique<OutputFile>(buffer_);
+    file->put("lost");
+    ASSERT_TRUE(create(*file, "out"));
+    file->close();
+    EXPECT_EQ(read_text("out"), "");
+}
+
+// The guard must see whole characters, wherever the buffer ends.
+TEST_F(OutputFileBuffer, GivesTheGuardWholeCharacters) {
+    for (const std::string &character :
+         {std::string("\xC3\xA9"), std::string("\xE2\x82\xAC"), std::string("\xF0\x9F\x98\x80")}) {
+        for (std::size_t i = 1; i <= character.size(); ++i) {
+            TerminalGuard guard;
+            const auto file = std::make_unique<OutputFile>(buffer_);
+            const int descriptor = ::open("out", O_CREAT | O_TRUNC | O_WRONLY | O_CLOEXEC, 0600);
+            ASSERT_GE(descriptor, 0);
+            file->attach(descriptor, &guard);
+            const std::string text(kOutputBufferSize - i, 'x');
+            file->put(text);
+            file->put(character);
+            file->put('!');
+            EXPECT_EQ(read_text("out"), i == character.size() ? text + character : text);
+            file->close();
+            ::close(descriptor);
+            EXPECT_EQ(read_text("out"), text + character + "!");
+        }
     }
-    delete_output("null");
-    EXPECT_TRUE(file_exists("null"));
 }
 
 } // namespace

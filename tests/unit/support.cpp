@@ -49,6 +49,10 @@ void RunTest::TearDown() {
     standard_output.flush();
     start_up("HXzirpa");
     ::close(output_);
+    for (const int descriptor : descriptors_) {
+        ::close(descriptor);
+    }
+    descriptors_.clear();
     std::filesystem::current_path(directory_before_);
     std::filesystem::remove_all(directory);
 }
@@ -109,6 +113,17 @@ std::string RunTest::take_output() {
 void RunTest::open_source_file(const std::string &name, const std::string &text) {
     write_file(name, text);
     ASSERT_EQ(push_source(name.c_str()), 1);
+}
+
+void RunTest::open_output(OutputFile &file, const std::string &name) {
+    const int descriptor = ::open(name.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
+    ASSERT_GE(descriptor, 0);
+    descriptors_.push_back(descriptor);
+    file.attach(descriptor);
+}
+
+bool RunTest::create_output(OutputFile &file, const std::string &name, OldFile old_file) {
+    return file.destination().look_up(name, old_file) && file.create();
 }
 
 void RunTest::write_file(const std::string &name, const std::string &text) {

@@ -2,9 +2,12 @@
 // ends of runs that come back as exceptions.
 #pragma once
 
+#include "util/output.h"
+
 #include <gtest/gtest.h>
 
 #include <string>
+#include <vector>
 
 // Thrown in place of leaving the process.
 struct EndOfRun {
@@ -48,6 +51,12 @@ class RunTest : public ::testing::Test {
     // Makes a source the current file, so that reports name it.
     static void open_source_file(const std::string &name, const std::string &text);
 
+    // Opens an output without a temporary file, so that what has been flushed can be read back.
+    void open_output(OutputFile &file, const std::string &name);
+
+    // Creates an output as a run does: it has its name from closing on.
+    static bool create_output(OutputFile &file, const std::string &name, OldFile old_file);
+
     static void write_file(const std::string &name, const std::string &text);
     static std::string read_text(const std::string &name);
     static bool file_exists(const std::string &name);
@@ -57,6 +66,7 @@ class RunTest : public ::testing::Test {
 
   private:
     int output_ = -1;
+    std::vector<int> descriptors_; // of the outputs opened here
     std::string directory_before_;
 };
 

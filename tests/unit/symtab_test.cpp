@@ -438,7 +438,7 @@ TEST_F(SymbolTable, TableIsPrintedByHashAndCreation) {
 
 // Kept: the header of the listing has three blanks less.
 TEST_F(SymbolTable, TableInTheListingHasItsOwnHeader) {
-    ASSERT_TRUE(listfile.create("prog.lst"));
+    open_output(listfile, "prog.lst");
     O_list = 1;
     put("a", 0x20);
     symwrite(listfile);
