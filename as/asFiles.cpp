@@ -196,9 +196,11 @@ void CloseDown() {
         listfile.put('\n');
     }
     close_side_outputs();
-    objectfile.flush();
-    if (Errors == 0 && !any_has_failed()) {
-        objectfile.close();
+    if (Errors == 0) {
+        objectfile.finish();
+        if (!any_has_failed()) {
+            objectfile.publish();
+        }
     }
     if (Errors != 0 || any_has_failed()) {
         objectfile.withdraw();

@@ -4,6 +4,7 @@
 
 #include <optional>
 #include <string_view>
+#include <utility>
 
 #include <sys/stat.h>
 #include <sys/types.h>
@@ -29,13 +30,19 @@ std::optional<FileIdentity> regular_file(int descriptor);
 // Writes all bytes, through interruptions and short writes. Returns false when a write fails.
 bool write_fully(int descriptor, std::string_view bytes);
 
-// Closes a descriptor when its scope is left.
+// Closes a descriptor when its scope is left, unless it has been released.
 class DescriptorGuard {
   public:
     explicit DescriptorGuard(int descriptor) : descriptor_(descriptor) {}
     DescriptorGuard(const DescriptorGuard &) = delete;
     DescriptorGuard &operator=(const DescriptorGuard &) = delete;
-    ~DescriptorGuard() { (void)::close(descriptor_); }
+    ~DescriptorGuard() {
+        if (descriptor_ >= 0) {
+            (void)::close(descriptor_);
+        }
+    }
+
+    int release() { return std::exchange(descriptor_, -1); }
 
   private:
     int descriptor_;

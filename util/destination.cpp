@@ -118,24 +118,20 @@ int Destination::open_to_rewrite() {
     const bool is_old = kind_ != Kind::kNew && kind_ != Kind::kUnknown;
     const int creation = is_old ? 0 : O_CREAT;
     const int descriptor = ::open(path_.c_str(), O_WRONLY | O_CLOEXEC | creation, kCreationMode);
-    if (descriptor < 0) {
-        return -1;
-    }
+    DescriptorGuard guard(descriptor);
     struct stat status {};
-    if (fstat(descriptor, &status) != 0) {
-        (void)::close(descriptor);
+    if (descriptor < 0 || fstat(descriptor, &status) != 0) {
         return -1;
     }
     note(status);
     if (kind_ != Kind::kRegular) {
-        return descriptor;
+        return guard.release();
     }
     const int temporary = is_old ? open_temporary_like_old() : -1;
-    if (temporary < 0 && ftruncate(descriptor, 0) == 0) {
-        return descriptor;
+    if (temporary >= 0) {
+        return temporary;
     }
-    (void)::close(descriptor);
-    return temporary;
+    return ftruncate(descriptor, 0) == 0 ? guard.release() : -1;
 }
 
 // Opens a temporary file with the owner and mode of the old one, or returns -1 if that is one that

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstring>
-#include <utility>
 
 #include <unistd.h>
 
@@ -77,23 +76,29 @@ void OutputFile::write_out(bool is_end) {
     used_ = kept;
 }
 
-void OutputFile::close() {
+void OutputFile::finish() {
     flush();
-    if (!is_open()) {
-        return;
+    if (is_open()) {
+        if (owned_ && ::close(descriptor_) != 0) {
+            failed_ = true;
+        }
+        descriptor_ = -1;
     }
-    const int descriptor = std::exchange(descriptor_, -1);
-    if (owned_) {
-        const bool closed = ::close(descriptor) == 0;
-        failed_ = !destination_.publish() || !closed || failed_;
+}
+
+void OutputFile::publish() {
+    if (!destination_.publish()) {
+        failed_ = true;
     }
+}
+
+void OutputFile::close() {
+    finish();
+    publish();
 }
 
 void OutputFile::withdraw() {
     used_ = 0;
-    if (is_open()) {
-        (void)::close(descriptor_);
-        descriptor_ = -1;
-    }
+    finish();
     destination_.withdraw();
 }

@@ -80,7 +80,13 @@ class OutputFile {
     // Hands the buffer to the operating system.
     void flush() { write_out(true); }
 
-    // Flushes and closes, and gives the file its name; a closed file stays closed.
+    // Flushes and closes; a closed file stays closed.
+    void finish();
+
+    // Gives the file, which is closed, its name.
+    void publish();
+
+    // Both. The file gets its name also when a write has failed.
     void close();
 
     // Closes without writing out what the buffer holds. Nothing stays at the destination, neither

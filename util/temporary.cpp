@@ -95,13 +95,14 @@ bool copy_bytes(int from, int to) {
     }
 }
 
-bool copy_file(const char *from, const char *to) {
+// Copies into a file that exists.
+bool copy_into(const char *from, const char *to) {
     const int source = ::open(from, O_RDONLY | O_CLOEXEC);
     if (source < 0) {
         return false;
     }
     const DescriptorGuard guard(source);
-    const int target = ::open(to, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kCreationMode);
+    const int target = ::open(to, O_WRONLY | O_TRUNC | O_CLOEXEC);
     if (target < 0) {
         return false;
     }
@@ -143,7 +144,7 @@ bool TemporaryFile::publish(const char *path) {
         forget();
         return true;
     }
-    const bool copied = copy_file(name_.c_str(), path);
+    const bool copied = copy_into(name_.c_str(), path);
     remove();
     return copied;
 }

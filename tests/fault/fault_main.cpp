@@ -43,6 +43,10 @@ int __real_stat(const char *path, struct stat *status);
 int __real_lstat(const char *path, struct stat *status);
 int __real_unlink(const char *path);
 int __real_truncate(const char *path, off_t size);
+int __real_ftruncate(int descriptor, off_t size);
+int __real_fchown(int descriptor, uid_t owner, gid_t group);
+int __real_fchmod(int descriptor, mode_t permissions);
+int __real_rename(const char *from, const char *to);
 ssize_t __real_readlink(const char *path, char *buffer, size_t size);
 char *__real_getcwd(char *buffer, size_t size);
 }
@@ -66,6 +70,10 @@ constexpr Kind kStat = {"stat", EACCES};
 constexpr Kind kLstat = {"lstat", EACCES};
 constexpr Kind kUnlink = {"unlink", EACCES};
 constexpr Kind kTruncate = {"truncate", EACCES};
+constexpr Kind kFtruncate = {"ftruncate", EIO};
+constexpr Kind kFchown = {"fchown", EPERM};
+constexpr Kind kFchmod = {"fchmod", EPERM};
+constexpr Kind kRename = {"rename", EPERM};
 constexpr Kind kReadlink = {"readlink", EACCES};
 constexpr Kind kGetcwd = {"getcwd", ENOENT};
 constexpr Kind kMemory = {"memory", ENOMEM};
@@ -93,36 +101,38 @@ unsigned long calls_seen = 0;  // of the chosen kind
 int report_descriptor = -1;
 bool active = false; // within as_main
 
-// The paths of open descriptors, for the report; cut to the room there is.
+// What is known of open descriptors, for the report; paths are cut to the room there is.
 constexpr std::size_t kMostDescriptors = 64;
 constexpr std::size_t kPathCapacity = 512;
-using PathText = std::array<char, kPathCapacity>;
-std::array<PathText, kMostDescriptors> opened_paths{};
+struct Opened {
+    std::array<char, kPathCapacity> path{};
+    bool holds_output = false; // closing it can lose bytes
+};
+std::array<Opened, kMostDescriptors> opened{};
 
-PathText *path_slot(int descriptor) {
+Opened *slot_of(int descriptor) {
     const auto index = static_cast<std::size_t>(descriptor);
-    return index < kMostDescriptors ? &opened_paths[index] : nullptr;
+    return index < kMostDescriptors ? &opened[index] : nullptr;
 }
 
-void remember_path(int descriptor, const char *path) {
-    if (PathText *slot = path_slot(descriptor); slot != nullptr) {
-        std::strncpy(slot->data(), path, kPathCapacity - 1);
+void remember(int descriptor, std::string_view path, bool holds_output) {
+    if (Opened *slot = slot_of(descriptor); slot != nullptr) {
+        slot->path.fill('\0');
+        path.copy(slot->path.data(), kPathCapacity - 1);
+        slot->holds_output = holds_output;
     }
 }
 
 const char *path_of(int descriptor) {
-    if (descriptor == STDOUT_FILENO) {
-        return "standard output";
-    }
-    const PathText *slot = path_slot(descriptor);
-    return slot == nullptr ? "" : slot->data();
+    const Opened *slot = slot_of(descriptor);
+    return slot == nullptr ? "" : slot->path.data();
 }
 
 void report(const Kind &kind, const char *object) {
-    std::array<char, kPathCapacity * 2> line{};
+    std::array<char, kPathCapacity * 3> line{};
     std::size_t size = kind.name.copy(line.data(), kind.name.size());
     line[size++] = ' ';
-    size += std::string_view(object).copy(&line[size], kPathCapacity);
+    size += std::string_view(object).copy(&line[size], kPathCapacity * 2);
     line[size++] = '\n';
     (void)__real_write(report_descriptor, line.data(), size);
 }
@@ -209,16 +219,21 @@ void read_settings() {
     chosen_kind = setting("HXZIRPA_FAULT_KIND");
     chosen_call = std::strtoul(setting("HXZIRPA_FAULT_CALL"), nullptr, 10);
     constexpr mode_t kReportMode = 0666;
-    report_descriptor = __real_open(setting("HXZIRPA_FAULT_REPORT"),
-                                    O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, kReportMode);
+    // Far from the standard descriptors, which may be closed.
+    const int file = __real_open(setting("HXZIRPA_FAULT_REPORT"),
+                                 O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, kReportMode);
+    report_descriptor = fcntl(file, F_DUPFD_CLOEXEC, static_cast<int>(kMostDescriptors));
     if (report_descriptor < 0) {
         std::abort();
     }
+    (void)__real_close(file);
+    remember(STDOUT_FILENO, "standard output", true);
 }
 
 int count_open_descriptors() {
     int count = 0;
-    for (int descriptor = 0; descriptor < static_cast<int>(kMostDescriptors); ++descriptor) {
+    for (int descriptor = STDERR_FILENO + 1; descriptor < static_cast<int>(kMostDescriptors);
+         ++descriptor) {
         count += fcntl(descriptor, F_GETFD) >= 0 ? 1 : 0;
     }
     return count;
@@ -239,7 +254,7 @@ int __wrap_open(const char *path, int flags, ...) {
         return -1;
     }
     const int descriptor = __real_open(path, flags, permissions);
-    remember_path(descriptor, path);
+    remember(descriptor, path, creates);
     return descriptor;
 }
 
@@ -250,12 +265,17 @@ ssize_t __wrap_read(int descriptor, void *buffer, size_t size) {
 
 ssize_t __wrap_write(int descriptor, const void *buffer, size_t size) {
     const Fate fate = fate_of(kWrite, path_of(descriptor));
+    if (Opened *slot = slot_of(descriptor); slot != nullptr) {
+        slot->holds_output = true;
+    }
     return fails(kWrite, fate) ? -1 : __real_write(descriptor, buffer, moved_size(size, fate));
 }
 
 // A descriptor is closed also when the call fails.
 int __wrap_close(int descriptor) {
-    const bool fault = fails(kClose, path_of(descriptor));
+    const Opened *slot = slot_of(descriptor);
+    const bool loses_bytes = slot != nullptr && slot->holds_output;
+    const bool fault = fails(kClose, loses_bytes ? path_of(descriptor) : "");
     const int fault_error = errno;
     const int result = __real_close(descriptor);
     if (fault) {
@@ -280,6 +300,27 @@ int __wrap_unlink(const char *path) { return fails(kUnlink, path) ? -1 : __real_
 
 int __wrap_truncate(const char *path, off_t size) {
     return fails(kTruncate, path) ? -1 : __real_truncate(path, size);
+}
+
+int __wrap_ftruncate(int descriptor, off_t size) {
+    return fails(kFtruncate, path_of(descriptor)) ? -1 : __real_ftruncate(descriptor, size);
+}
+
+int __wrap_fchown(int descriptor, uid_t owner, gid_t group) {
+    return fails(kFchown, path_of(descriptor)) ? -1 : __real_fchown(descriptor, owner, group);
+}
+
+int __wrap_fchmod(int descriptor, mode_t permissions) {
+    return fails(kFchmod, path_of(descriptor)) ? -1 : __real_fchmod(descriptor, permissions);
+}
+
+// The report names both files.
+int __wrap_rename(const char *from, const char *to) {
+    std::array<char, kPathCapacity * 2> names{};
+    std::size_t size = std::string_view(from).copy(names.data(), kPathCapacity - 1);
+    names[size++] = '>';
+    (void)std::string_view(to).copy(&names[size], kPathCapacity - 1);
+    return fails(kRename, names.data()) ? -1 : __real_rename(from, to);
 }
 
 ssize_t __wrap_readlink(const char *path, char *buffer, size_t size) {

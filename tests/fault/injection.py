@@ -7,6 +7,7 @@ import fcntl
 import functools
 import os
 import pathlib
+import re
 import shutil
 import subprocess
 import tempfile
@@ -18,6 +19,10 @@ SANITIZERS = {
     "ASAN_OPTIONS": "detect_leaks=1:exitcode=99",
     "UBSAN_OPTIONS": "print_stacktrace=1",
 }
+
+# The number counts the outputs of a run, whether their temporary files can be created or not.
+TEMPORARY = re.compile(r"HXzirpa-[0-9]+-([0-9]+)\.tmp")
+RENAMING = re.compile(r".*HXzirpa-[0-9]+-([0-9]+)\.tmp>(.*)")
 
 # Number of injections performed in each scenario.
 performed = collections.Counter()
@@ -50,6 +55,10 @@ class Run:
     files: dict
     reported: list  # (kind, object) of the calls that failed; in the mode "count", of all
 
+    def name_outputs(self, names):
+        """Calls outputs by their names, whatever file stands for them."""
+        self.reported = [(kind, output_of(thing, names)) for kind, thing in self.reported]
+
     def output_in(self, directory):
         """Standard output of the same run in another directory."""
         return self.output.replace(self.directory, directory)
@@ -58,6 +67,12 @@ class Run:
 def read_report(path):
     lines = path.read_text("latin-1").splitlines()
     return [tuple(line.split(" ", 1)) for line in lines]
+
+
+def output_of(thing, names):
+    """The output that a temporary file or the target of a link stands for; other names stay."""
+    match = TEMPORARY.search(thing)
+    return names.get(thing if match is None else match[1], thing)
 
 
 def standard_input(content):
@@ -93,6 +108,7 @@ def perform(program, scenario, injection, place, old_outputs=(), arguments=None)
             capture_output=True,
             timeout=TIME_LIMIT_SECONDS,
             check=False,
+            preexec_fn=lambda: [os.close(number) for number in scenario.closed],
         )
     run = Run(
         os.fsencode(directory),
@@ -114,10 +130,10 @@ class Reference:
         self.scenario = scenario
         self.place = place
         self.old_outputs = ()
-        self.normal = self.count()
+        self.normal = self.count_and_name()
         if scenario.with_old_outputs:
             self.old_outputs = self.outputs
-            self.normal = self.count()
+            self.normal = self.count_and_name()
 
     def count(self, arguments=None):
         counting = Injection("all", "count")
@@ -125,8 +141,29 @@ class Reference:
             self.program, self.scenario, counting, self.place, self.old_outputs, arguments
         )
 
+    def count_and_name(self):
+        run = self.count()
+        self.names = {**self.names_of_links(), **self.names_of_temporaries(run)}
+        run.name_outputs(self.names)
+        return run
+
+    def names_of_links(self):
+        """The outputs by the files that they are links to."""
+        links = self.scenario.links
+        return {target: name for name, target in links.items() if target == "other.s19"}
+
+    def names_of_temporaries(self, run):
+        """The outputs by the numbers of their temporary files. The S-record file is looked for
+        first and is the first; its temporary file is not renamed after errors."""
+        looked_for = [name for kind, name in run.reported if kind == "readlink"]
+        renamings = [RENAMING.match(name) for kind, name in run.reported if kind == "rename"]
+        names = {match[1]: match[2] for match in renamings}
+        return {**names, "0": looked_for[0]} if looked_for else {}
+
     def inject(self, injection):
-        return perform(self.program, self.scenario, injection, self.place, self.old_outputs)
+        run = perform(self.program, self.scenario, injection, self.place, self.old_outputs)
+        run.name_outputs(self.names)
+        return run
 
     @functools.cached_property
     def without_listing(self):

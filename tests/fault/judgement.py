@@ -5,6 +5,7 @@ import os
 import posixpath
 import re
 
+from injection import TEMPORARY
 from scenarios import OLD_OUTPUT
 
 MOST_SHOWN = 500  # bytes
@@ -17,8 +18,10 @@ SUMMARY = re.compile(rb"(No errors|error\(s\)|warning\(s\))\.\n\Z")
 RECORD = re.compile(rb"^S[0-9].*$", re.MULTILINE)
 END_RECORD = re.compile(rb"S[789]([0-9A-F]{2})([0-9A-F]+)\Z")
 READING = {"open", "read", "fstat"}
-LOOKING = {"stat", "readlink"}
-DELETING = {"lstat", "unlink", "truncate"}
+LOOKING = {"stat", "lstat", "readlink"}
+CREATING = {"create", "open", "fstat", "ftruncate"}
+COPYING = {"open", "read", "write", "close"}
+DELETING = {"stat", "unlink", "truncate"}
 
 
 def is_end_record(line):
@@ -42,7 +45,9 @@ class Judgement:
         self.records_name = self.outputs[0] if self.outputs else None
         self.failed = [] if injection.is_harmless else run.reported
         self.failed_kinds = {kind for kind, _ in self.failed}
-        self.is_muted = self.has_failed("write", "standard output")
+        self.is_muted = 1 in reference.scenario.closed or self.has_failed(
+            "write", "standard output"
+        )
         self.complaints = [
             *self.complaints_about_errors(),
             *self.complaints_about_inputs(),
@@ -54,7 +59,13 @@ class Judgement:
         return (kind, name) in self.failed
 
     def failed_to_write(self, name):
-        return self.has_failed("write", name) or self.has_failed("close", name)
+        """Bytes are lost; those of a file that cannot be renamed are copied."""
+        kinds = {kind for kind, thing in self.failed if thing == name}
+        return bool(kinds & {"write", "close"}) or ("rename" in kinds and self.failed_to_copy(name))
+
+    def failed_to_copy(self, name):
+        kinds = {kind for kind, thing in self.failed if thing == name}
+        return bool(kinds & COPYING) or name not in self.reference.before
 
     # ---- Whatever has failed ----
 
@@ -122,9 +133,7 @@ class Judgement:
     def must_be_told(self, base):
         """Whether a fault has happened that a run which comes to its end must tell."""
         finishes = SUMMARY.search(base.output) is not None
-        return (finishes and any(map(self.failed_to_write, self.outputs))) or self.has_failed(
-            "create", self.records_name
-        )
+        return finishes and any(map(self.failed_to_write, self.outputs))
 
     def told_readings(self):
         """The run ended and has told what failed, behind what it had printed until then."""
@@ -154,7 +163,7 @@ class Judgement:
     def names_refused(self):
         """The outputs that may be said not to be creatable: one that is not, or, when it cannot be
         told whether outputs collide, each that has been looked at."""
-        names = {name for kind, name in self.failed if kind == "create"}
+        names = {name for kind, name in self.failed if kind in CREATING and name in self.outputs}
         if self.failed_kinds & LOOKING:
             calls = [*self.reference.normal.reported, *self.failed]
             names |= {name for kind, name in calls if kind in LOOKING}
@@ -193,18 +202,21 @@ class Judgement:
         """The files are those of a run without a fault, apart from what cannot be created."""
         for name in sorted(set(base.files) | set(self.run.files)):
             content = self.run.files.get(name)
-            if content == base.files.get(name):
+            if content == base.files.get(name) or self.is_excused_temporary(name):
                 continue
             if content is None:
-                if not self.has_failed("create", name):
+                if not self.has_failed("create", name) and not self.has_failed("rename", name):
                     yield f"{name} is missing"
             elif not self.leftover_is_excused(name, content):
                 yield f"{name} differs: {content[-200:]!r}"
 
+    def is_excused_temporary(self, name):
+        return TEMPORARY.fullmatch(posixpath.basename(name)) and "unlink" in self.failed_kinds
+
     def leftover_is_excused(self, name, content):
         """A file that could not be created or deleted may be empty, old or, without an end
         record, begun."""
-        if name == self.records_name:
+        if name in self.places_of_records():
             return self.failed_kinds & DELETING and not looks_whole(content)
         return self.has_failed("create", name) and content in (b"", OLD_OUTPUT)
 
@@ -212,7 +224,8 @@ class Judgement:
         """A run that tells a fault creates nothing, or deletes its S-record file."""
         known = {*self.reference.before, *self.outputs, *self.places_of_records()}
         for name in sorted(set(self.run.files) - known):
-            yield f"{name} must not exist"
+            if not self.is_excused_temporary(name):
+                yield f"{name} must not exist"
         before_creation = b"Can't open" in message or (
             b"Cannot create" in message and "create" not in self.failed_kinds
         )

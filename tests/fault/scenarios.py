@@ -21,6 +21,7 @@ class Scenario:
         self.directories = more.get("directories", [])
         self.with_old_outputs = more.get("with_old_outputs", False)
         self.case = more.get("case")  # whose expectations hold
+        self.closed = more.get("closed", ())  # standard descriptors
 
     def prepare(self, directory, old_outputs=()):
         for name in self.directories:
@@ -145,6 +146,13 @@ SCENARIOS = [
     made("link_to_the_source", b" FCB 1\n", links={"prog.s19": "prog.szirpa"}),
     made("dangling_links_that_meet", b" FCB 1\n", b"-L", links={"prog.s19": "prog.lst"}),
     made("dangling_link", b" FCB 1\n", b"-L", links={"prog.s19": "other.s19"}),
+    made("link_to_an_old_file", b" FCB 1\n", links={"prog.s19": "other.s19"}, with_old_outputs=True),
+    made("link_and_an_error", b" LDA #300\n", links={"prog.s19": "other.s19"}, with_old_outputs=True),
+    # Standard streams that are not there.
+    made("closed_input", b" FCB 1\n", b"-L", closed=(0,)),
+    made("closed_output", b" FCB 1\n", b"-L", closed=(1,)),
+    made("closed_input_and_output", b" FCB 1\n", b"-L", closed=(0, 1), with_old_outputs=True),
+    made("closed_streams", b" LDA #300\n", b"-L", b"-A", closed=(0, 1, 2)),
     # More than a buffer, a block of symbols or the whole table holds.
     made("large_outputs", LARGE, b"-L", b"-A"),
     made("large_outputs_with_an_error", LARGE + b" LDA #300\n", b"-L", b"-A"),
