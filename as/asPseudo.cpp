@@ -327,8 +327,9 @@ int DoEnd() {
     }
     const Symbol *symbol = getsym(name);
     if (symbol == nullptr || symbol->has(SYM_UNDEFINED)) {
-        // Kept: the wording, although no such symbol is defined.
-        vpWarning("start symbol '%s' is defined", symbol == nullptr ? name.c_str() : symbol->name);
+        // Kept: the wording, although no such symbol is defined. The name stands there as END has
+        // it, also where case does not count and the table holds it in upper case.
+        vpWarning("start symbol '%s' is defined", name.c_str());
     } else if (entry_is_defined == 0) {
         entryLC = symbol->value;
         entry_is_defined = 1;

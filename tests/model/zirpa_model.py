@@ -953,7 +953,7 @@ class Assembler(Expressions):
             return 1
         sp = self.getsym(name)
         if sp is None or sp.flags & UNDEFINED:
-            self.vpWarning(b"start symbol '%s' is defined", sp.name if sp else name)
+            self.vpWarning(b"start symbol '%s' is defined", name)
         elif not self.entry_is_defined:
             self.entryLC = sp.value
             self.entry_is_defined = 1
