@@ -175,14 +175,15 @@ void process_global_or_static_symbol(char kind, const char *p) {
 }
 
 void process_symbol() {
-    const std::string_view kind = std::string_view(from_column(kSymbolKindColumn)).substr(0, 1);
+    const char kind = *from_column(kSymbolKindColumn);
     const std::string text = operand_text(kSymbolOperandColumn);
-    if (kind == "L") {
-        process_local_symbol(text.c_str());
-    } else if (kind == "V" || kind == "F" || kind == "v" || kind == "f") {
-        process_global_or_static_symbol(kind[0], text.c_str());
-    } else {
-        vpError("Unidentified symbol type '%s'", std::string(kind).c_str());
+    switch (kind) {
+    case 'L': process_local_symbol(text.c_str()); break;
+    case 'V':
+    case 'F':
+    case 'v':
+    case 'f': process_global_or_static_symbol(kind, text.c_str()); break;
+    default: vpError("Unidentified symbol type '%c'", kind); break;
     }
     copy_continuation_lines();
 }

@@ -25,7 +25,8 @@ std::string format_text(const char *format, va_list values) {
     va_end(counted);
     std::string text(static_cast<std::size_t>(std::max(length, 0)) + 1, '\0');
     (void)std::vsnprintf(text.data(), text.size(), format, values);
-    text.pop_back();
+    // Kept: a NUL among the values ends the message.
+    text.resize(text.find('\0'));
     return text;
 }
 

@@ -62,6 +62,11 @@ class TooLong(Exception):
     """The source reserves more memory than the caller wants to wait for."""
 
 
+def filled(text, values):
+    """A message with its values; a NUL among them ends it."""
+    return (text % values).split(b"\0")[0]
+
+
 class Assembler(Expressions):
     """The whole program; its attributes are the program's globals."""
 
@@ -368,7 +373,7 @@ class Assembler(Expressions):
 
     def vpError(self, text, *values):
         self.LineError = 0
-        self.Error(text % values)
+        self.Error(filled(text, values))
 
     def Warning(self, text):
         if not (self.O_warn and self.Pass2):
@@ -380,10 +385,10 @@ class Assembler(Expressions):
             self.listfile += b'"%s" LINE: %d,WARNING: %s\n' % (entry.name, self.Line_no, text)
 
     def vpWarning(self, text, *values):
-        self.Warning(text % values)
+        self.Warning(filled(text, values))
 
     def vpFatal(self, text, *values):
-        message = (text % values)[:1024]
+        message = filled(text, values)[:1024]
         entry = self.getCurrentFileInfo()
         if entry is None:
             self.stdout += b"Fatal error: %s\n" % message
@@ -1270,10 +1275,10 @@ class Assembler(Expressions):
             self.symdebfile += self.Line
 
     def stab_sym(self):
-        kind = self.Line[10:11]
+        kind = self.Line[10:11] or b"\0"
         if kind == b"L":
             self.stab_local()
-        elif kind and kind in b"VFvf":
+        elif kind in b"VFvf":
             self.stab_global(kind)
         else:
             self.vpError(b"Unidentified symbol type '%s'", kind)

@@ -282,6 +282,16 @@ TEST_F(DebugRecords, UnknownKindOfSymbolIsAnError) {
     EXPECT_EQ(Errors, 1);
 }
 
+// Kept: the NUL in the kind's place ends the message.
+TEST_F(DebugRecords, MissingKindOfSymbolIsAnErrorWithoutItsEnd) {
+    begin_records();
+    for (const char *line : {".stab_sym\n", ".stab_sym", ".stab sym "}) {
+        EXPECT_EQ(records(line), "");
+        EXPECT_EQ(take_output(),
+                  directory + "/prog.szirpa (1) Error: Unidentified symbol type '\n");
+    }
+}
+
 TEST_F(DebugRecords, ContinuedSymbolKeepsItsPlusAndItsContinuation) {
     begin_records(".stab sym V a:b:5:t+\n  u+\nw\n NOP\n");
     ASSERT_EQ(as_read_line(), 1);

@@ -116,6 +116,19 @@ TEST_F(Diagnostics, LongErrorTextsStayWhole) {
     EXPECT_EQ(take_output(), path() + " (12) Error: Undefined symbol '" + name + "'\n");
 }
 
+// Kept: a value of NUL ends a message, whatever its format holds behind it.
+TEST_F(Diagnostics, NulAmongTheValuesEndsTheMessage) {
+    begin_reports();
+    open_listing();
+    vpError("type '%c'", '\0');
+    vpWarning("type '%c'", '\0');
+    EXPECT_EQ(take_output(), path() + " (12) Error: type '\n" + path() + " (12) Warning: type '\n");
+    EXPECT_EQ(listing(), "\"prog.szirpa\" line 12, ERROR: type '\n"
+                         "\"prog.szirpa\" LINE: 12,WARNING: type '\n");
+    EXPECT_EQ(end_status([] { vpFatal("type '%c'", '\0'); }), 1);
+    EXPECT_EQ(take_output(), path() + " (12)Fatal error: type '\n");
+}
+
 TEST_F(Diagnostics, ErrorCountWrapsAt16Bits) {
     begin_reports();
     Errors = 32766;
