@@ -124,7 +124,8 @@ void process_statement() {
     const char *comma = extracttoskip(line, p, ',');
     std::int32_t line_number = 0;
     std::int32_t count = 0;
-    if (!line.empty() && *comma == ',' && !isblanc(comma[1])) {
+    // Kept: only nothing at all is a missing part; a blank there is read as a faulty expression.
+    if (!line.empty() && *comma == ',' && !is_line_end(comma[1])) {
         line_number = decimal_field(line);
         count = signed_32(evalexp(comma + 1, 1));
     }

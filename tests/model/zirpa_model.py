@@ -1257,7 +1257,7 @@ class Assembler(Expressions):
         start = skipblanc(self.Line, 11)
         comma = self.Line.find(b",", start)
         line = value = 0
-        if comma > start and not isblanc(at(self.Line, comma + 1)):
+        if comma > start and at(self.Line, comma + 1) not in b"\0\r\n":
             line = self.stab_number(self.Line[start:comma])
             value = self.evalexp(self.Line, comma + 1, 0, 1)
         self.write_exec(line, value, self.LC)

@@ -185,6 +185,16 @@ TEST_F(DebugRecords, StatementThatLacksAPartHasZeroes) {
     EXPECT_EQ(take_output(), "");
 }
 
+TEST_F(DebugRecords, StatementPartIsReadAsItStandsBehindTheComma) {
+    begin_records();
+    for (const char *blank : {" ", "\t", "\x80", "\xFF"}) {
+        EXPECT_EQ(records(std::string(".stab_exec 5,") + blank + "3\n"),
+                  "SY:C:X:prog.szirpa:5:0::0\n");
+        EXPECT_EQ(take_output(), directory + "/prog.szirpa (1) Error: Unterminated expression, "
+                                             "Position[13]\n");
+    }
+}
+
 // ---- Types
 // ------------------------------------------------------------------------------------------
 
