@@ -194,7 +194,6 @@ ScannedToken *check_usual_tokens(ScannedToken *last, int &state_so_far) {
 // Checks the expression at the scan position, the first token of which has been taken.
 int check_tokens() {
     int depth = 0;
-    int previous = ctoken;
     int state_so_far = STATE_START;
     ScannedToken *checked = first_checked;
     int result = kScanOn;
@@ -204,14 +203,13 @@ int check_tokens() {
             break;
         }
         checked = check_usual_tokens(checked, state_so_far);
-        previous = checked->token;
         ++checked;
-        scan_token(begin_of(checked), kExpressionMode, previous, *checked);
+        scan_token(begin_of(checked), kExpressionMode, checked[-1].token, *checked);
     }
     state = state_so_far;
     checked_end = checked + 1;
     next_checked = checked_end; // the evaluation goes back to the first
-    ctoken = previous_token(previous, begin_of(checked), checked->token);
+    ctoken = checked->token;
     // An open parenthesis wins over whatever stopped the check.
     if (depth > 0) {
         result = STATUS_MISSING_PARENTHESIS;

@@ -122,7 +122,7 @@ int gettoken(int mode) {
                  ? std::string_view(begin, static_cast<std::size_t>(scanned.end - begin))
                  : std::string_view();
     yyval = scanned.number;
-    ctoken = previous_token(ctoken, begin, token);
+    ctoken = token;
     Col_Ptr = scanned.end;
     return token;
 }

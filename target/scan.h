@@ -55,7 +55,7 @@ enum ScanMode : int { kExpressionMode = 0, kOperandMode = 1 };
 
 extern std::string_view yytext; // text of the last name, in the line; cleared by each gettoken
 extern std::int32_t yyval;      // low 32 bits of the last number; cleared by each gettoken
-extern int ctoken; // the previous token, which tells "%" and "*" apart; reset at each line
+extern int ctoken; // the code last returned, which tells "%" and "*" apart; reset at each line
 
 // ---- Functions ----
 
@@ -211,11 +211,6 @@ template <unsigned base> inline bool scan_digits(const char *p, ScannedToken &sc
 // Stores the token at p, where the token before it was previous, and returns its code. The number
 // is stored for a TOK_NUMBER only. Moves nothing; reports faulty digits.
 int scan_token(const char *p, int mode, int previous, ScannedToken &scanned);
-
-// What counts as the previous token behind the one at begin: a faulty digit leaves it unchanged.
-inline int previous_token(int previous, const char *begin, int token) {
-    return token == TOK_END && *begin != '\0' ? previous : token;
-}
 
 // Reads the next token and returns its code.
 int gettoken(int mode);

@@ -87,7 +87,7 @@ class Expressions:
             self.Col_Ptr += 1
             if DIGIT_VALUES.get(c, base) >= base:
                 self.Error(message)
-                return 0
+                return self.take(0, 0)
             value = value * base + DIGIT_VALUES[c]
             if is_delimiter(self.char()):
                 self.yyval = s32(value)

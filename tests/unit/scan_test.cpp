@@ -403,6 +403,16 @@ TEST_F(TokenScanner, BadDigitsAreReported) {
     EXPECT_EQ(Line_Done, 1);
 }
 
+TEST_F(TokenScanner, ThereIsNoPreviousTokenBehindABadDigit) {
+    for (const char *text : {"12a", "$", "%2"}) {
+        begin_line(text);
+        ctoken = TOK_PLUS;
+        EXPECT_EQ(gettoken(kExpressionMode), TOK_END) << text;
+        EXPECT_EQ(ctoken, 0) << text;
+        take_output();
+    }
+}
+
 TEST_F(TokenScanner, ThereAreNoPrefixesOrSuffixesOfOtherDialects) {
     for (const char *text : {"0x10", "0b10", "10H", "10B", "17O", "17Q"}) {
         EXPECT_EQ(token(text), TOK_END) << text;
