@@ -66,18 +66,16 @@ class Expressions:
         return token
 
     def register_token(self):
-        """A register's token, which is not recorded as the previous token; 0 for none."""
+        """A register's token; 0 for none."""
         if not is_symbol_char(self.char(1)):
             token = {65: TOK_A, 88: TOK_X, 89: TOK_Y}.get(self.char() & ~0x20, 0)
             if token:
-                self.Col_Ptr += 1
-                return token
+                return self.take(1, token)
         if self.char(1) and not is_symbol_char(self.char(2)):
             word = self.text[self.Col_Ptr:self.Col_Ptr + 2].upper()
             token = {b"SP": TOK_SP, b"CC": TOK_CC}.get(word, 0)
             if token:
-                self.Col_Ptr += 2
-                return token
+                return self.take(2, token)
         return 0
 
     def number(self, base, message):
