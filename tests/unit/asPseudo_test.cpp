@@ -558,6 +558,15 @@ TEST_F(Directives, EndOfAnUndefinedNameDrawsAWarning) {
     EXPECT_EQ(getsym("5nosuch_"), nullptr);
 }
 
+TEST_F(Directives, EndShowsAnUndefinedNameAsItIsWritten) {
+    O_symbol_case_sensitive = 0;
+    lookup("Later");
+    begin_reports();
+    end("Later");
+    EXPECT_EQ(take_output(), warning("start symbol 'Later' is defined"));
+    O_symbol_case_sensitive = 1;
+}
+
 TEST_F(Directives, EntryLastsForTheRun) {
     putsym("main", 0x20, 1, SYM_DEFINED, 0, nullptr, 0);
     begin_reports();
