@@ -47,7 +47,8 @@ STAB_WORDS = [b"init", b"func", b"dir", b"file", b"stmt", b"expr", b"exec", b"ty
               b"sym V", b"sym F", b"sym v", b"sym f", b"sym Q", b"symV", b"sym",
               b"Exec", b"stm", b"x"]
 STAB_FIELDS = [b"1", b"12", b"-3", b"0x1F", b"0X1F", b"$20", b"-$5", b"007", b"", b"x", b"9z", b"-",
-               b"4294967297", b"-2147483648", b"1 2", b"\"a b\"", b"$", b"0x", b"5\x81"]
+               b"4294967297", b"-2147483648", b"99999999999", b"0x123456789",
+               b"1 2", b"\"a b\"", b"$", b"0x", b"5\x81"]
 SEPARATORS = [b" ", b" ", b" ", b" ", b"\t", b"  ", b" \t "]
 ODD_SEPARATORS = [b"\x01", b"\x0b", b"\x80", b"\xff ", b"\r", b"", b"\xa0"]
 ODD_BYTES = [b"\0", b"\r", b"\x01", b"\x0c", b"\x1b", b"\x7f", b"\x80", b"\xa0", b"\xe9", b"\xff",
@@ -85,7 +86,9 @@ BYTE_PLACES = [
     b"#define W 5@", b"#define W @5", b"@#else", b".stab@type x", b".stab type@x",
     b".stab sym @ a:b:3:r", b".stab sym V@a:b:3:r", b".stab sym V a:b:1@:r",
     b".stab sym v a:L@:1:r", b".stab exec @1,2", b".stab exec 1@2", b".stab exec 1,@2",
-    b".stab func L:@1:2:3:L:L:L", b".stab func L:1:2:3:L:L:L@"]
+    b".stab func L:@1:2:3:L:L:L", b".stab func L:1:2:3:L:L:L@", b".stab exec 1,@", b".stab_sym@",
+    b".stab_sym @", b"M EQU 1\nM EQU %1&(1)@", b" FCB %1&(1)2@", b"Q" * 128 + b"@ NOP",
+    b" LDA #" + b"Q" * 128 + b"@"]
 
 # Long lines: how they begin and what is repeated.
 LONG_LINES = [
