@@ -132,8 +132,8 @@ const char *read_command_line(int argc, const char *const *argv) {
     return nullptr;
 }
 
-// Kept: the text is the program's own as it stands: it leaves out -A, spells "sensivity", has a
-// blank behind one line, and names "notrad", which is not accepted.
+// Quirk (usage-text): it leaves out -A, spells "sensivity", has a blank after one line, and names
+// "notrad", which is not accepted.
 void print_usage() {
     standard_output.put({kProgramName, " - ", kProcessorName, " Absolute crossassembler, Version ",
                          kVersion, "\n", kNotice, "\n\n", kProgramName,

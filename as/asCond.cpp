@@ -104,6 +104,8 @@ bool name_is_defined() {
 // ---- The words ----
 
 // A line that starts skipping is listed first, because it would not be listed any more afterwards.
+// Quirk (skipping-line): with the address of the line before it, which other conditional words
+// lack.
 void start_skipping() {
     if (skipping == 0) {
         as_write_listline();
@@ -165,6 +167,7 @@ void do_elif() {
     if (satisfied() == kElseSeen) {
         Error("#elif after #else");
     }
+    // Quirk (elif-name): a name is tested, as by "#ifdef"; an expression is not computed.
     if (!name_is_defined()) {
         start_skipping();
     } else if (satisfied() == kNoBranchTaken) {
@@ -213,7 +216,7 @@ void make_defined(Symbol &symbol) {
     }
 }
 
-// Kept: a duplicate is a warning here and an error for EQU.
+// Quirk (duplicate-define): a duplicate is a warning here and an error for EQU.
 void check_duplicate(const Symbol &symbol) {
     if (symbol.definition_line == realline) {
         return;
@@ -229,7 +232,7 @@ void do_define() {
         return;
     }
     if (std::string_view(words.first).find_first_of("()") != std::string_view::npos) {
-        // Kept: the spelling.
+        // Quirk (igored): the spelling, which tools that read messages know.
         Warning("Macro Expansions is NOT supported, 'define' igored");
         return;
     }
@@ -249,6 +252,7 @@ void do_define() {
 
 } // namespace
 
+// Quirk (left-open): once in a run, so that what a pass leaves open goes on in the next.
 void init_as_conditional_handling() {
     ifdepth = 0;
     skipping = 0;

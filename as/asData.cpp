@@ -44,8 +44,9 @@ char escaped(char ch) {
     case 'b': return 8;
     case 'n': return 10;
     case 'r': return 13;
-    // Kept: a vertical tab, not a horizontal one.
+    // Quirk (vertical-tab): a vertical tab, not a horizontal one.
     case 't': return 11;
+    // Quirk (one-digit): a digit is a code of its own, and the next one is text.
     default: return is_digit(ch) ? static_cast<char>(ch - '0') : ch;
     }
 }
@@ -101,7 +102,8 @@ int do_define_characters(char delimiter, int terminate) {
     }
     ++Col_Ptr;
     std::int32_t count = 0;
-    // Kept: the first character is content even when it is the delimiter.
+    // Quirk (first-character): the first character is content even when it is the delimiter.
+    // Quirk (unclosed-text): the line feed is content too, so a text that is not closed emits it.
     do {
         if (!string_character()) {
             break;
@@ -111,6 +113,7 @@ int do_define_characters(char delimiter, int terminate) {
     if (*Col_Ptr == '\0') {
         return fail("Bad operand syntax");
     }
+    // Quirk (directive-tail): whatever follows the text is not looked at.
     if (terminate != 0) {
         ebyte(0);
     }

@@ -124,7 +124,8 @@ void process_statement() {
     const char *comma = extracttoskip(line, p, ',');
     std::int32_t line_number = 0;
     std::int32_t count = 0;
-    // Kept: only nothing at all is a missing part; a blank there is read as a faulty expression.
+    // Quirk (stmt-blank): only nothing at all is a missing part; a blank there is read as a faulty
+    // expression.
     if (!line.empty() && *comma == ',' && !is_line_end(comma[1])) {
         line_number = decimal_field(line);
         count = signed_32(evalexp(comma + 1, 1));
@@ -184,6 +185,7 @@ void process_symbol() {
     case 'F':
     case 'v':
     case 'f': process_global_or_static_symbol(kind, text.c_str()); break;
+    // Quirk (sym-without-kind): the kind is a NUL then, at which the message ends.
     default: vpError("Unidentified symbol type '%c'", kind); break;
     }
     copy_continuation_lines();

@@ -25,7 +25,7 @@ std::string format_text(const char *format, va_list values) {
     va_end(counted);
     std::string text(static_cast<std::size_t>(std::max(length, 0)) + 1, '\0');
     (void)std::vsnprintf(text.data(), text.size(), format, values);
-    // Kept: a NUL among the values ends the message.
+    // A NUL among the values ends the message.
     text.resize(text.find('\0'));
     return text;
 }
@@ -48,6 +48,7 @@ Place current_place() {
 
 bool is_listing() { return O_list != 0 && listfile.is_open(); }
 
+// Quirk (error-count): 16 bits, so 65,536 errors are none.
 void count_error() { Errors = static_cast<std::int16_t>(static_cast<std::uint16_t>(Errors) + 1U); }
 
 void report_error(const char *text) {
@@ -61,7 +62,8 @@ void report_error(const char *text) {
     }
 }
 
-// Kept: the listing says "LINE:" and has no blank after the comma, unlike its error lines.
+// Quirk (message-forms): the listing says "LINE:" and has no blank after the comma, unlike its
+// error lines, and both differ from standard output.
 void report_warning(const char *text, const Place &place) {
     Warnings = static_cast<std::int32_t>(static_cast<std::uint32_t>(Warnings) + 1U);
     const std::string line = std::to_string(place.line);
@@ -78,14 +80,15 @@ bool warnings_are_reported() { return O_warn > 0 && Pass2 != 0; }
 void Error(const char *text) {
     if (Pass2 != 0) {
         if (phase_error != 0) {
-            // Kept: after the one phase error that is told, the next one leaves the flag set, and
-            // every later error of the pass is swallowed here, uncounted.
+            // Quirk (second-phase-error): after the one that is reported, the next one leaves the
+            // flag set, and every later error of the pass is swallowed here, uncounted.
             if (Phase_Error_Written != 0) {
                 return;
             }
             Phase_Error_Written = 1;
             phase_error = 0;
         }
+        // Quirk (once-a-line): a plain error counts once a line, one with a value each time.
         if (LineError == 0) {
             report_error(text);
         }
@@ -140,7 +143,8 @@ void vpFatal(const char *format, ...) {
         standard_output.put({"Fatal error: ", text, "\n"});
     } else {
         const std::string line = std::to_string(place.line);
-        // Kept: no blank between ")" and "Fatal" on standard output, and the path in the listing.
+        // Quirk (message-forms): no blank between ")" and "Fatal" on standard output, and the path
+        // in the listing.
         standard_output.put({place.path, " (", line, ")Fatal error: ", text, "\n"});
         if (is_listing()) {
             listfile.put({"\"", place.path, "\" (", line, ") Fatal error: ", text, "\n"});

@@ -17,6 +17,7 @@ namespace {
 
 constexpr int kCarriedOut = 2;
 
+// Quirk (silent-equ): a name that is nowhere defined is 0 here, without a message.
 void store_operand(Symbol &symbol) { symbol.value = signed_32(evalexp(Col_Ptr, 0)); }
 
 void make_absolute(Symbol &symbol, int set) {

@@ -83,6 +83,7 @@ std::string derive_names(const char *file) {
     File_name = FilenameFromPath(file);
     FileTitle = File_name;
     RemoveExtension(FileTitle);
+    // Quirk (script-name): after the source even with -o, where simulators look for it.
     zirpafilename = FileTitle + ".fmem";
     if (O_oflag == 0) {
         Object_name = FileTitle + ".s19";
@@ -104,8 +105,8 @@ void create_listing() {
 void create_array_file() {
     const bool created = algofile.create();
     algofilecount = 0;
-    // Kept: without a listing the array stays empty, because it is the listing that is asked for
-    // here.
+    // Quirk (array-needs-listing): without a listing the array stays empty, because it is the
+    // listing that is asked for here.
     if (!listfile.is_open() || !created) {
         Warning("Can't create C output file");
         O_cout = 0;

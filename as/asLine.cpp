@@ -89,7 +89,8 @@ void label_field(const char *field) {
 
 // The fields ahead of the operation. False when the source ended within a debugger line.
 bool leading_fields(int pass) {
-    // Kept: a comment in the first column has no address in the listing, one behind blanks has.
+    // Quirk (indented-comment): a comment in the first column has no address in the listing, one
+    // after blanks has.
     if (is_line_text_end(*Line_Ptr) || IsCommentChar(*Line_Ptr) != 0) {
         done_without_address();
         return true;
@@ -115,7 +116,9 @@ bool leading_fields(int pass) {
     return true;
 }
 
-// In pass 0 only constants are defined.
+// In pass 0 only constants are defined. Quirk (equ-of-labels): no label has an address yet, so a
+// constant made of labels is computed with 0 for them, and anew only at its line in the final pass.
+// Quirk (equ-after-end): END is not carried out either, so constants after it count.
 void constants_only() {
     if (Line_Done == 0 && isPseudoEqu() != 0) {
         DoEqu(0);
@@ -170,6 +173,8 @@ void assaline(int pass) {
     if (label != 0 && IsEqu == 0) {
         define_label(label_value);
     }
+    // Quirk (faulty-label): an error of the label leaves out the instruction; a directive has been
+    // carried out above.
     if (Line_Done == 0) {
         SkipSpace();
         CodeLine();

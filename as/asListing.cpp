@@ -67,7 +67,7 @@ void put_number_and_text() {
     listfile.put(Line.view());
 }
 
-// Kept: a count that is a multiple of the columns is followed by one line of blanks.
+// Quirk (blank-row): a count of 12, 18 or more full rows is followed by one line of blanks.
 void put_continuation_lines() {
     std::size_t first = kColumns;
     do {
@@ -81,6 +81,7 @@ void put_continuation_lines() {
 void put_line() {
     const bool is_value = pending_listLC == 0 && IsEquDirective != 0;
     if (is_value) {
+        // Quirk (equ-low-byte): the value has 32 bits, but one column.
         listfile.put_hex_byte(Code[1]);
         listfile.put(kEquPadding);
         put_number_and_text();

@@ -84,7 +84,8 @@ void final_pass() {
     Pass = 2;
     Pass2 = 1;
     prep_undefine();
-    // Kept: the first record begins at the location counter that pass 1 has left.
+    // Quirk (no-org): the first record begins at the location counter that pass 1 has left, which
+    // only an ORG corrects.
     outrecinit(record_type, LC);
     write_headers();
     const int lines = realline;
@@ -108,7 +109,7 @@ void final_pass() {
     }
 }
 
-// Kept: a clean run says "No errors." alone with -w and behind "-- " without.
+// Quirk (clean-run): a clean run says "No errors." alone with -w and after "-- " without.
 void print_summary() {
     const bool warned = O_warn > 0 && Warnings != 0;
     if (Errors != 0 || O_warn <= 0 || warned) {
@@ -134,6 +135,7 @@ int finish() {
     }
     print_summary();
     standard_output.flush();
+    // Quirk (status): the system keeps 8 bits, so 256 errors look like none to a makefile.
     return standard_output.has_failed() ? kFailure : Errors & kStatusMask;
 }
 

@@ -31,7 +31,8 @@ constexpr DirectiveEntry pseudo_zirpa[] = {
     {nullptr,   DIR_NONE,    0},
 };
 
-// Kept: the first word holds its hash sign, so that the if with an expression is written "##if".
+// Quirk (two-hashes): the first word holds its hash sign, so that the if with an expression is
+// written "##if".
 const DirectiveEntry macro_pure[] = {
     {"#if",     DIR_IF,          0},
     {"else",    DIR_ELSE,        0},
@@ -287,7 +288,7 @@ int find_conditional_word(const char *&position) {
         }
     }
     if (O_directive_style_gnu != 0 && *p == '.') {
-        // Kept: the words have a dot of their own, so a match needs two, as in "..if".
+        // The words have a dot of their own, so a match needs two, as in "..if".
         return find_conditional(macro_native, skipblanc(p + 1), position);
     }
     return 0;
@@ -302,6 +303,7 @@ int DoOrg() {
     if (opnd1.forward_references != 0) {
         return fail("Forward reference");
     }
+    // Quirk (directive-tail): whatever follows the expression is not looked at, as with EQU.
     putout();
     LC = low_32(opnd1.value);
     listLC = LC;
@@ -322,12 +324,13 @@ int DoEnd() {
     std::string name;
     extractsizedname(name, Col_Ptr, kNameLimit);
     if (name.empty()) {
-        // Kept: the final pass reads on behind such a line, although pass 1 has stopped there.
+        // Quirk (end-operand): the final pass goes on after such a line, a comment after END
+        // included, although pass 1 has stopped there.
         return 1;
     }
     const Symbol *symbol = getsym(name);
     if (symbol == nullptr || symbol->has(SYM_UNDEFINED)) {
-        // Kept: the wording, although no such symbol is defined. The name stands there as END has
+        // Quirk (start-wording): the text says the opposite of what is wrong. The name is as END has
         // it, also where case does not count and the table holds it in upper case.
         vpWarning("start symbol '%s' is defined", name.c_str());
     } else if (entry_is_defined == 0) {

@@ -219,7 +219,7 @@ void reset_line_state() {
 }
 
 std::string start_directory(const char *invocation) {
-    // Kept: an invocation name without a separator stays whole.
+    // An invocation name without a separator stays whole.
     const char *separator = StringHasPath(invocation);
     return separator == nullptr ? std::string(invocation) : std::string(invocation, separator);
 }
@@ -315,7 +315,7 @@ int push_source(const char *name) {
 int pop_source() {
     --source_stack_ptr;
     ++pplevel;
-    // Kept: the step two back is the parent only when the file being left has opened none itself;
+    // The step two back is the parent only when the file being left has opened none itself;
     // otherwise it is a file already at its end, and the rest of the outer files is not read.
     if (Pass2 == 0) {
         record_step(pplevel, file_at_step(pplevel - 2));
@@ -344,6 +344,7 @@ int as_read_line() {
     Line_Ptr = Line.begin();
     const std::size_t length = Line.length();
     if (length > kLineWarningLimit) {
+        // Quirk (long-line): the spelling, and a limit three below the room for a line.
         Warning("Source line is to long");
     }
     if (length >= 2 && Line.begin()[length - 2] == '\r') {
@@ -405,7 +406,8 @@ int match_include(const char *name, bool &from_start_directory) {
         const std::string &directory = include_stack[i];
         from_start_directory = directory[0] == '.';
         const std::string start = from_start_directory ? AsmStartDirectory + "\\" : std::string();
-        // Kept: the probe joins with "\" although the file is then opened with "/".
+        // Quirk (include-backslash): the probe joins with "\" although the file is then opened with
+        // "/", so both files must be there.
         if (can_open((start + directory + "\\" + name).c_str())) {
             return static_cast<int>(i);
         }

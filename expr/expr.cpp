@@ -145,7 +145,7 @@ int check_step(int token, int &state_so_far, int &depth) {
         return operand_seen ? STATUS_OPERAND_EXPECTED : kScanOn;
     case Role::kClose:
         --depth;
-        // Kept: no operand is asked for in front of a closing parenthesis.
+        // Quirk (empty-parentheses): no operand is asked for before a closing parenthesis.
         state_so_far = STATE_OPERAND_SEEN;
         return depth < 0 ? STATUS_UNEXPECTED_PARENTHESIS : kScanOn;
     case Role::kRegister: return STATUS_RESERVED_WORD;
@@ -210,7 +210,7 @@ int check_tokens() {
     checked_end = checked + 1;
     next_checked = checked_end; // the evaluation goes back to the first
     ctoken = checked->token;
-    // An open parenthesis wins over whatever stopped the check.
+    // Quirk (open-parenthesis): an open parenthesis wins over whatever stopped the check.
     if (depth > 0) {
         result = STATUS_MISSING_PARENTHESIS;
     }
@@ -249,7 +249,9 @@ void add_term(Step &step) {
     step.term = 0;
 }
 
-// Kept: only "/", "*" or "%%" right behind an operand keep it as the term of an operator.
+// Quirk (left-to-right): only "/", "*" or "%%" right after an operand keep it as the term of an
+// operator; any other operator takes the whole value so far. Quirk (remainder-of-sum): a "%" alone
+// is such an operator. Quirk (doubled-percent): "%%" is not, since its second "%" begins a number.
 bool term_goes_on(const char *p) { return *p == '/' || *p == '*' || (*p == '%' && p[1] == '%'); }
 
 void note_symbol(OperandRecord &operand, Symbol *symbol) {
@@ -294,11 +296,13 @@ std::int64_t end_step(const Step &step, int token) {
         end_of_input = 1;
         return value_of(step);
     }
+    // Quirk (less-greater): "<" and ">" are scanned, but nothing was ever computed from them.
     Error("Reached unreacheable point in Parser..P0");
     return step.sum;
 }
 
-// Division and remainder. Kept: only division by zero is told; both stop the steps from going on.
+// Division and remainder. Quirk (silent-remainder): only division by zero is reported; both stop
+// the steps from going on.
 std::int64_t divide(const Step &step, std::int64_t right) {
     if (right == 0) {
         if (step.pending == TOK_DIVIDE) {
@@ -328,6 +332,8 @@ std::int64_t apply_pending(const Step &step, std::int64_t right) {
     case TOK_XOR: return combine(step, left ^ right);
     case TOK_SHIFT_LEFT: return combine(step, shift_left(left, right));
     case TOK_SHIFT_RIGHT: return combine(step, shift_right(left, right));
+    // Quirk (unary-drops): these two leave out the term on their left, which is the whole value so
+    // far.
     case TOK_LOGICAL_NOT: return combine(step, right == 0 ? 1 : 0);
     case TOK_COMPLEMENT: return combine(step, ~right);
     default: return combine(step, right); // a parenthesis
@@ -349,6 +355,9 @@ bool run_step(Step &step, OperandRecord *operand, std::int64_t &result) {
         case TOK_NUMBER:
         case TOK_NAME:
             step.term = operand_value(begin_of(token), *token, operand);
+            // Quirk (one-term): a step ends with its operand, so the right side of an operator is
+            // one term or product. Quirk (division-chain): that of "/" goes on with the products
+            // after it.
             if (!term_goes_on(token->end)) {
                 result = value_of(step);
                 return true;
@@ -404,7 +413,7 @@ bool run_step(Step &step, OperandRecord *operand, std::int64_t &result) {
     return true;
 }
 
-// Kept: the right side of an operator is evaluated at the depth of the operator.
+// The right side of an operator is evaluated at the depth of the operator.
 int nested_depth(const Step &waiting) {
     return waiting.pending == TOK_OPEN ? waiting.depth + 1 : waiting.depth;
 }
@@ -446,6 +455,8 @@ std::int64_t evaluate(OperandRecord *operand) {
     forwardref = 0;
     rewind_tokens();
     std::int64_t value = 0;
+    // Quirk (product-after-parenthesis): a parenthesis ends the step, so what follows it has the
+    // whole value so far on its left.
     do {
         value = p0(value, 0, 0, 0, operand);
     } while (end_of_input == 0);
@@ -491,7 +502,7 @@ void check_expression(int column) {
 
 int column_in_line(const char *text) { return static_cast<int>(text - Line_Ptr); }
 
-// Kept: without reports a faulty character ends the expression instead of failing it, unless it
+// Without reports a faulty character ends the expression instead of failing it, unless it
 // could belong to a word.
 bool fails(int report) {
     if (status == STATUS_OK) {
@@ -577,7 +588,7 @@ std::int64_t evalexp(const char *text, int check, int column) {
     }
     if (check != 0 && Pass2 != 0 && forwardref != 0) {
         if (errorsp == nullptr) {
-            // Kept: the capital S, where no symbol can be named.
+            // Quirk (undefined-capital): a capital S, where no symbol can be named.
             Error("Undefined Symbol");
         } else if (errorsp->has(SYM_UNDEFINED)) {
             report_undefined();

@@ -171,7 +171,7 @@ inline Symbol *find(const Key &key) {
 }
 
 // Enters a record under its stored spelling, which folds to itself unless it was stored before case
-// ceased to count; such a name is not found any more.
+// ceased to count. Quirk (d-before-nocase): such a name is not found any more.
 void insert_into_index(RecordNumber number) {
     std::size_t slot = record(number)->name_hash >> index_shift;
     while (symbol_index[slot] != kNoRecord) {
@@ -274,6 +274,8 @@ void compare_in_final_pass(Symbol &symbol, std::int64_t value, int check) {
     if (symbol.has(SYM_MULTIPLE)) {
         Error("Multiple definition");
     } else if (!symbol.has(SYM_VALUE_MARK | SYM_ABSOLUTE) && check != 0 && symbol.value != value) {
+        // Quirk (high-labels): the stored value is signed, so it never equals an address from
+        // $80000000 on.
         phase_error = 1;
         Error("Phase error between passes");
     }
@@ -362,7 +364,7 @@ void symwrite(OutputFile &stream) {
     for (const Symbol *head : symheads) {
         for (const Symbol *symbol = head; symbol != nullptr; symbol = symbol->next) {
             if (header_due) {
-                // Kept: the two headers differ by three blanks.
+                // Quirk (table-heads): the two headers differ by three blanks.
                 stream.put(&stream == &standard_output
                                ? "\n--\tSYMBOL TABLE:\n--\tVALUE   \tSYMBOL \n"
                                : "\n--\tSYMBOL TABLE:\n--\tVALUE\tSYMBOL \n");
@@ -382,8 +384,9 @@ void symdebugwrite(std::string & /*stream*/) {}
 void prep_undefine() {
     for (std::vector<Symbol> &block : symlistptr) {
         for (Symbol &symbol : block) {
-            // Kept: the flags of a debug-information name hold this bit too, so it is reset as
-            // well.
+            // Quirk (tested-names): a name that a test has met first loses every definition here,
+            // and only "#define" can define it anew. The flags of a debug-information name hold
+            // this bit too.
             if (symbol.has(SYM_CONDITIONAL)) {
                 symbol.flags = SYM_CONDITIONAL | SYM_UNDEFINED;
             }

@@ -57,6 +57,8 @@ void emit_byte(std::uint32_t value) {
         start_next_record();
     }
     outrec.bytes[outrec.count++] = static_cast<std::uint8_t>(value);
+    // Quirk (beyond-ff): nothing ends at FF; S-records show the whole address, listing and script
+    // its low byte.
     ++LC;
     if (O_cout != 0) {
         put_array_value(value);
@@ -64,7 +66,7 @@ void emit_byte(std::uint32_t value) {
 }
 
 void put_script_line(unsigned address, unsigned value) {
-    // Kept: two blanks behind the keyword.
+    // Two blanks after the keyword, since readers of the script may count columns.
     std::array<char, 19> line = {'\n', ' ', '#', 's', 'e', 't', 'M', 'e', 'm', 'o',
                                  'r',  'y', ' ', ' ', 0,   0,   '=', 0,   0};
     hex_byte(&line[14], address);
@@ -126,6 +128,7 @@ void emit_zeros(std::uint64_t count) {
         return;
     }
     for (; count > 0; --count) {
+        // Quirk (rmb-lists-one): each zero is dropped again, so that one is left to be listed.
         drop_listed_bytes();
         ebyte(0);
     }
@@ -143,7 +146,8 @@ void outrecinit(int type, std::uint32_t address) {
     }
     std::size_t width = address_width(address);
     if (is_data_type(type)) {
-        // Kept: the narrowest type that holds the address, whatever the options asked for.
+        // Quirk (record-type): the narrowest type that holds the address, whatever the options
+        // asked for, because loaders have always been given such files.
         type = static_cast<int>(width) - 1;
         record_type = type;
     } else if (is_end_type(type)) {
@@ -180,7 +184,8 @@ void putout1() {
     end = hex_byte(end, ~sum);
     *end++ = '\n';
     objectfile.put(std::string_view(line.data(), static_cast<std::size_t>(end - line.data())));
-    // Kept: a wider address spills into the script as memory contents at shifted addresses.
+    // Quirk (wide-script): a wider address spills into the script as memory contents at shifted
+    // addresses, since simulators replay the script as it is.
     for (std::size_t i = kScriptAddressBytes; i < outrec.count; ++i) {
         put_script_line(outrec.bytes[1] + static_cast<unsigned>(i - kScriptAddressBytes),
                         outrec.bytes[i]);

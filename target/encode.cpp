@@ -152,7 +152,8 @@ int coder0() {
 
 int coder1() { return code_operand(kLoadStoreBits); }
 
-// Kept: the branches word their faults differently from all other instructions.
+// Quirk (branch-messages): the branches word their faults differently from all other instructions,
+// and tools that read messages know both wordings.
 int coder2() {
     if (Parse_Operand(opnd1) != 0) {
         return fail("Bad operand syntax");
@@ -185,6 +186,7 @@ int CodeLine() {
     if (result == kFault) {
         drop_listed_bytes();
     }
+    // Quirk (text-after-operand): the rest of the line is a comment, with a ";" or without.
     SkipLine();
     if (Pass2 != 0 && O_symdebug != 0) {
         isinstruction = 1;

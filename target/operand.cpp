@@ -94,6 +94,7 @@ int Parse_Operand(OperandRecord &operand) {
             return -1;
         }
     }
+    // Quirk (blanks-in-operands): a blank ends the operand, and what follows it is not looked at.
     return operand.mode != 0 && isblanc(*Col_Ptr) ? 0 : 1;
 }
 

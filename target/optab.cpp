@@ -29,7 +29,8 @@ static_assert(kLeaX == 0x30 && kLeaY == 0x810 && kLeaStack == 0x830);
 
 constexpr InstructionEntry kEnd = {nullptr, 0, 0, 0};
 
-// Kept: several mnemonics share an opcode, and DAA's is that of STA's unused immediate form.
+// Quirk (shared-opcodes): several mnemonics share an opcode, which no disassembler can tell apart,
+// and DAA's is that of STA's unused immediate form.
 //
 // Rows: mnemonic without its first letter, base opcode, operand forms, encoder. The order within a
 // letter is the order of the search.

@@ -87,7 +87,7 @@ int do_reloc_cmd(const OperandRecord &operand, int command, std::uint32_t locati
     const std::int64_t value = operand.value;
     const std::int64_t displacement =
         wrap_subtract(value, static_cast<std::int64_t>(location) + operand.pc_bias);
-    // Kept: the commands named for either byte order emit the most significant byte first.
+    // The commands named for either byte order emit the most significant byte first.
     switch (command) {
     case REL_CMD_OFF_8: emit_offset_8(value); return 0;
     case REL_CMD_OFF_16:

@@ -25,8 +25,8 @@ int character(const char *p, ScannedToken &scanned) {
 // Stands for a token until its fault is reported.
 constexpr int kFaultyDigit = -1;
 
-// A register, or the letter itself. Kept: a symbol with the name of a register can't be used in an
-// expression.
+// A register, or the letter itself. Quirk (reserved-names): a symbol with the name of a register
+// can't be used in an expression.
 int register_or_letter(const char *p, ScannedToken &scanned) {
     const char letter = to_upper(*p);
     switch (register_length(p)) {
@@ -40,6 +40,7 @@ int quoted_character(const char *p, ScannedToken &scanned) {
     if (p[1] == '\0' || p[2] != '\'') {
         return character(p, scanned);
     }
+    // Quirk (negative-characters): the code is a signed byte.
     const auto code = static_cast<unsigned char>(p[1]);
     scanned.number = code < 128 ? code : code - 256;
     return token_at(p, TOK_NUMBER, 3, scanned);

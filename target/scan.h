@@ -89,7 +89,7 @@ inline std::size_t symbol_length(const char *p) {
     }
     const char *end = skip_symbol_chars(p + 1);
     const auto length = static_cast<std::size_t>(end - p);
-    // Kept: a longer name is cut without a message, and its rest is the next token.
+    // Quirk (long-names): a longer name is cut without a message, and its rest is the next token.
     if (length >= kNameLimit) {
         return kNameLimit;
     }
@@ -97,7 +97,8 @@ inline std::size_t symbol_length(const char *p) {
 }
 
 // The length of the register name at p (A, X, Y: 1; SP, CC: 2), which ends where no letter, digit
-// or "_" follows; 0 if there is none.
+// or "_" follows; 0 if there is none. Quirk (register-prefix): "$" and "." end it too, although
+// they belong to names.
 inline std::size_t register_length(const char *p) {
     if (!has_class(*p, kClassRegister)) {
         return 0;
@@ -137,6 +138,7 @@ consteval std::array<Operator, 256> make_operators() {
     std::array<Operator, 256> operators{};
     operators['('] = {TOK_OPEN};
     operators[')'] = {TOK_CLOSE};
+    // Quirk (no-location-counter): always the product here, never the current address.
     operators['*'] = {TOK_MULTIPLY};
     operators['+'] = {TOK_PLUS};
     operators['-'] = {TOK_MINUS};
@@ -186,6 +188,7 @@ template <unsigned base> inline bool scan_digits(const char *p, ScannedToken &sc
             digit = digit_value(*++p);
         } while (digit < base);
         if (is_expression_delimiter(*p)) {
+            // Quirk (modulo-32): only the low 32 bits count, as a signed number.
             scanned.number = static_cast<std::int32_t>(static_cast<std::uint32_t>(value));
             scanned.end = p;
             return true;

@@ -57,7 +57,7 @@ int read_chosen(const char *text, bool sign_after_prefix, bool &negative, std::u
     if (negative) {
         return read_digits(text + 1, kDecimal, value);
     }
-    // Kept: only the lower-case "x" opens hexadecimal here; "0X1F" is decimal text and fails.
+    // Only the lower-case "x" opens hexadecimal here; "0X1F" is decimal text and fails.
     const bool prefix_0x = text[0] == '0' && text[1] == 'x';
     if (prefix_0x || *text == '$') {
         const char *p = text + (prefix_0x ? 2 : 1);

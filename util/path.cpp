@@ -84,7 +84,8 @@ void PathFromPathName(std::string &dst, const char *str) {
 
 void RemoveExtension(std::string &name) {
     const std::size_t dot = name.rfind('.');
-    // Kept: the search does not stop at a separator, so "dir.old/prog" becomes "dir".
+    // The search does not stop at a separator, so "dir.old/prog" becomes "dir"; callers
+    // pass bare names.
     if (dot != std::string::npos && dot != 0) {
         name.resize(dot);
     }

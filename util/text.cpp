@@ -83,7 +83,7 @@ bool nlstrcmp(const char *a, const char *b) {
             return true;
         }
         if (*a != *b) {
-            // Kept: a carriage return right behind a difference in a hides the difference.
+            // A carriage return right after a difference in a hides the difference.
             return a[1] == '\r';
         }
         ++a;
@@ -138,7 +138,7 @@ const char *copyMacroname(std::string &d, const char *s) {
     return copy_while(d, s, [](char ch) { return is_name_char(ch) || ch == '='; });
 }
 
-// Kept: a limit of 0 hands back the destination, which callers with a real limit never see.
+// A limit of 0 hands back the destination, which callers with a real limit never see.
 const char *extractsizedname(std::string &d, const char *s, std::size_t n) {
     return n == 0 ? d.c_str() : copy_while(d, s, is_name_char, n);
 }

@@ -28,7 +28,8 @@ constexpr std::int64_t wrap_remainder(std::int64_t a, std::int64_t b) {
     return b == -1 ? 0 : a % b;
 }
 
-// Shifts by count modulo 64; the right shift copies the sign.
+// Shifts by count modulo 64; the right shift copies the sign. Quirk (shift-modulo): so 1<<64 is 1,
+// and negative counts are counted down from 64.
 constexpr std::int64_t shift_left(std::int64_t a, std::int64_t count) {
     return static_cast<std::int64_t>(static_cast<std::uint64_t>(a)
                                      << (static_cast<std::uint64_t>(count) & 63U));

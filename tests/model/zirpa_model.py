@@ -89,7 +89,7 @@ class Assembler(Expressions):
         self.symheads = [[] for _ in range(256)]
 
         self.ifdepth = self.skipping = 0
-        # Kept: entries are never cleared at the end of a conditional; each opening word sets its
+        # Entries are never cleared at the end of a conditional; each opening word sets its
         # own. Those of the depths past 19 begin at 0.
         self.ifsatisfied = {}
 
@@ -315,7 +315,7 @@ class Assembler(Expressions):
 
     def open_c_array(self, name):
         self.algofile = self.create(name)
-        # Kept: it is the listing that is tested here, so without one the array stays empty.
+        # Quirk (array-needs-listing): it is the listing that is tested here.
         if self.listfile is None:
             self.Warning(b"Can't create C output file")
             self.O_cout = 0
@@ -357,7 +357,7 @@ class Assembler(Expressions):
             self.Line_Done = 1
             return
         if self.phase_error:
-            # Kept: after a second phase error the flag stays set and swallows every later error.
+            # Quirk (second-phase-error): the flag stays set and swallows every later error.
             if self.Phase_Error_Written:
                 return
             self.Phase_Error_Written = 1
@@ -448,7 +448,7 @@ class Assembler(Expressions):
         self.source_stack_ptr -= 1
         self.pplevel += 1
         if not self.Pass2:
-            # Kept: two steps back, which need not be the file that included this one.
+            # Two steps back, which need not be the file that included this one.
             self.file_entry_index[self.pplevel] = self.file_entry_index.get(self.pplevel - 2, -1)
         index = self.file_entry_index.get(self.pplevel, -1)
         if index >= 0:
@@ -816,7 +816,7 @@ class Assembler(Expressions):
             return -1
         count = 0
         while True:
-            # Kept: the first character is content even when it is the delimiter.
+            # Quirk (first-character): the first character is content even when it is the delimiter.
             value = self.string_character()
             if value is None:
                 break
@@ -954,7 +954,7 @@ class Assembler(Expressions):
             return 1
         name = leading_run(self.text[self.Col_Ptr:], is_symbol_char)[:MAX_NAME]
         if not name:
-            # Kept: reading goes on behind this line, in the final pass alone.
+            # Quirk (end-operand): the final pass goes on after this line.
             return 1
         sp = self.getsym(name)
         if sp is None or sp.flags & UNDEFINED:
@@ -1158,7 +1158,7 @@ class Assembler(Expressions):
         checksum = ~(length + sum(self.outrec)) & 0xFF
         body = b"".join(b"%02X" % byte for byte in self.outrec)
         self.objectfile += b"S%X%02X%s%02X\n" % (self.outrec_type, length, body, checksum)
-        # Kept: the script takes every address for one of two bytes.
+        # Quirk (wide-script): the script takes every address for one of two bytes.
         for index, byte in enumerate(self.outrec[2:]):
             address = self.outrec[1] + index & 0xFF
             if self.zirpafile is not None:
@@ -1192,7 +1192,7 @@ class Assembler(Expressions):
     def continuation_lines(self):
         if self.code_i <= 6:
             return
-        # Kept: a count of 12, 18, ... bytes is followed by a line of blanks.
+        # Quirk (blank-row): a count of 12, 18, ... bytes is followed by a line of blanks.
         for start in range(6, self.code_i + 1, 6):
             self.listfile += b"    " + self.byte_columns(start) + b"\n"
 

@@ -178,11 +178,11 @@ EXCHANGES = {(TOK_A, TOK_CC): 0x9F, (TOK_CC, TOK_A): 0x9F, (TOK_X, TOK_Y): 0xAF,
              (TOK_Y, TOK_SP): 0xCF, (TOK_SP, TOK_Y): 0xCF}
 
 PSEUDO_ZIRPA = {b"org": 7, b"equ": 8, b"rmb": 16, b"fcb": 11, b"fcs": 20, b"end": 10}
-# Kept: the first entry holds its own hash, so that the test of an expression is written "##if".
+# Quirk (two-hashes): the first entry holds its own hash, so that an expression is tested by "##if".
 MACRO_PURE = {b"#if": 44, b"else": 45, b"endif": 46, b"elif": 47, b"define": 49, b"error": 51,
               b"ifdef": 48, b"ifndef": 50}
 
-# Kept: \t in a string is a vertical tab.
+# Quirk (vertical-tab): \t in a string is a vertical tab.
 STRING_ESCAPES = {ord("b"): 8, ord("n"): 10, ord("r"): 13, ord("t"): 11}
 STRING_ESCAPES.update({ord("0") + digit: digit for digit in range(10)})
 
@@ -332,7 +332,7 @@ def ascii_to_number(text):
     """The value of a number that names its own base; None for a fault."""
     if text.startswith(b"-"):
         return decimal_to_number(text)
-    if text.startswith(b"0x"):  # Kept: "0X" is no prefix here and fails as a decimal number.
+    if text.startswith(b"0x"):  # "0X" is no prefix here and fails as a decimal number.
         return field_digits(text[2:], 16)
     if text.startswith(b"$"):
         return field_digits(text[1:], 16)

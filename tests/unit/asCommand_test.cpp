@@ -166,7 +166,7 @@ TEST_F(CommandLine, CompatibilityWordsAreJoinedOrApart) {
     EXPECT_EQ(take_output(), "");
 }
 
-// Kept: the usage text advertises "notrad", which is not accepted.
+// Quirk (usage-text): it advertises "notrad", which is not accepted.
 TEST_F(CommandLine, OtherCompatibilityWordsAreReportedAndIgnored) {
     EXPECT_STREQ(read({"-C", "notrad", "-CNOCASE", "-C", "nocas", "x"}), "x");
     EXPECT_EQ(take_output(), "HXzirpa: Unknown compatibility option -C 'notrad' is ignored.\n"
@@ -191,7 +191,7 @@ TEST_F(CommandLine, NewRunForgetsTheNames) {
     EXPECT_EQ(DbgSrcDir, "");
 }
 
-// Kept: the text spells and advertises as it always has.
+// Quirk (usage-text): the text spells and advertises as it always has.
 TEST_F(CommandLine, UsageTextIsWhole) {
     print_usage();
     EXPECT_EQ(take_output(),

@@ -127,7 +127,7 @@ TEST_F(Data, StringReportsSuccessDifferentlyInTheFinalPass) {
     EXPECT_EQ(define_string("\"AB\"\n"), 2);
 }
 
-// Kept: \t is a vertical tab.
+// Quirk (vertical-tab): \t is a vertical tab.
 TEST_F(Data, StringTranslatesItsEscapes) {
     begin_final_pass();
     EXPECT_EQ(define_string("\"\\b\\n\\r\\t\\\\\\\"\\'\"\n"), 2);
@@ -176,7 +176,7 @@ TEST_F(Data, StringWithoutItsOpeningDelimiterEmitsNothing) {
     EXPECT_EQ(take_output(), error("Bad operand syntax"));
 }
 
-// Kept: the first character is content even when it is the delimiter.
+// Quirk (first-character): the first character is content even when it is the delimiter.
 TEST_F(Data, FirstCharacterIsContentEvenIfItIsTheDelimiter) {
     begin_final_pass();
     EXPECT_EQ(define_string("\"\"A\"\n"), 2);

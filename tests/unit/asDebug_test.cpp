@@ -292,7 +292,7 @@ TEST_F(DebugRecords, UnknownKindOfSymbolIsAnError) {
     EXPECT_EQ(Errors, 1);
 }
 
-// Kept: the NUL in the kind's place ends the message.
+// The NUL in the kind's place ends the message.
 TEST_F(DebugRecords, MissingKindOfSymbolIsAnErrorWithoutItsEnd) {
     begin_records();
     for (const char *line : {".stab_sym\n", ".stab_sym", ".stab sym "}) {

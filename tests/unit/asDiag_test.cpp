@@ -116,7 +116,7 @@ TEST_F(Diagnostics, LongErrorTextsStayWhole) {
     EXPECT_EQ(take_output(), path() + " (12) Error: Undefined symbol '" + name + "'\n");
 }
 
-// Kept: a value of NUL ends a message, whatever its format holds behind it.
+// A value of NUL ends a message, whatever its format holds behind it.
 TEST_F(Diagnostics, NulAmongTheValuesEndsTheMessage) {
     begin_reports();
     open_listing();
@@ -208,7 +208,8 @@ TEST_F(Diagnostics, SecondPhaseErrorIsSwallowedAndDoesNotEndTheLine) {
     EXPECT_EQ(phase_error, 1);
 }
 
-// Kept: a second phase error leaves its flag set, and so silences every later error of the pass.
+// Quirk (second-phase-error): it leaves its flag set, and so silences every later error of the
+// pass.
 TEST_F(Diagnostics, EveryErrorAfterASecondPhaseErrorIsSwallowed) {
     begin_reports();
     phase_error = 1;

@@ -59,7 +59,7 @@ TEST_F(Equate, EquListsTheLow16BitsBehindPassZero) {
     EXPECT_EQ(IsEquDirective, 1);
 }
 
-// Kept: every EQU of pass 0 bears the mark from pass 1 on; real duplicates differ in their line.
+// Every EQU of pass 0 bears the mark from pass 1 on; real duplicates differ in their line.
 TEST_F(Equate, EquMetAgainIsMarkedAndKeepsItsValueBeforeTheFinalPass) {
     Pass = 0;
     set_line_number(3);

@@ -183,7 +183,7 @@ TEST_F(OutputFiles, ListingThatCannotBeCreatedIsSwitchedOffSilently) {
     EXPECT_EQ(Warnings, 0);
 }
 
-// Kept: the listing is tested in place of the array's own file.
+// Quirk (array-needs-listing): the listing is tested in place of the array's own file.
 TEST_F(OutputFiles, ArrayWithoutAListingIsSwitchedOffAndItsFileStaysEmpty) {
     O_cout = 1;
     EXPECT_EQ(openfiles("a.szirpa"), 1);

@@ -183,7 +183,7 @@ TEST_F(AssembledLine, LabelOfALineIsTheLastSeenOne) {
     EXPECT_EQ(last_seen_label_offset, 0U);
 }
 
-// Kept: an instruction of coder 0 has no operand and lets the label stand; those of coders 1 to 7
+// An instruction of coder 0 has no operand and lets the label stand; those of coders 1 to 7
 // clear it.
 TEST_F(AssembledLine, InstructionWithAnOperandClearsTheLastLabel) {
     for (const char *text : {" LDA #1\n", " BRA 0\n", " INC 1\n", " ADDA #1\n", " TFR A,CC\n",

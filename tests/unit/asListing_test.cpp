@@ -123,7 +123,8 @@ TEST_F(Listing, FurtherBytesStandOnContinuationLines) {
                           blanks(15) + "\n");
 }
 
-// Kept: a multiple of six from 12 on is followed by a line of blanks, six itself is not.
+// Quirk (blank-row): a multiple of six from 12 on is followed by a line of blanks, six itself is
+// not.
 TEST_F(Listing, WholeContinuationLinesAreFollowedByABlankOne) {
     begin(12);
     EXPECT_EQ(list(), "05 01 02 03 04 05 06    7.  FCB 1\n"

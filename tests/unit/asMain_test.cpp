@@ -199,7 +199,8 @@ TEST_F(WholeRun, SourceThatCannotBeOpenedEndsWithStatusOne) {
     EXPECT_TRUE(result.files.empty());
 }
 
-// Kept: without -w the summary begins with two hyphens, with -w and no warning it does not.
+// Quirk (clean-run): without -w the summary begins with two hyphens, with -w and no warning it does
+// not.
 TEST_F(WholeRun, SummaryDiffersWithTheWarningOption) {
     write_file("clean.szirpa", " NOP\n");
     write_file("mild.szirpa", " END nosuch\n");

@@ -77,7 +77,8 @@ TEST_F(Directives, TargetHasSixDirectives) {
               (Words{{"org", 7}, {"equ", 8}, {"rmb", 16}, {"fcb", 11}, {"fcs", 20}, {"end", 10}}));
 }
 
-// Kept: the first word holds its "#", so the test of an expression is written with two.
+// Quirk (two-hashes): the first word holds its "#", so the test of an expression is written with
+// two.
 TEST_F(Directives, PureConditionalWordsBeginWithAHashedIf) {
     EXPECT_EQ(rows(macro_pure), (Words{{"#if", 44},
                                        {"else", 45},
@@ -190,7 +191,7 @@ TEST_F(Directives, NativeStyleHasDottedWords) {
     EXPECT_EQ(conditional("#ifdef X"), (Found{48, 6}));
 }
 
-// Kept: a hash that begins no pure word is skipped for the styles that follow.
+// A hash that begins no pure word is skipped for the styles that follow.
 TEST_F(Directives, HashIsSkippedForTheNativeStyleUnderThePureStyleOnly) {
     O_directive_style_native = 1;
     EXPECT_EQ(conditional("# .if 1"), (Found{44, 5}));
@@ -199,7 +200,7 @@ TEST_F(Directives, HashIsSkippedForTheNativeStyleUnderThePureStyleOnly) {
     EXPECT_EQ(conditional(".if 1"), (Found{44, 3}));
 }
 
-// Kept: the dot is taken off ahead of the search for words that hold one themselves.
+// The dot is taken off ahead of the search for words that hold one themselves.
 TEST_F(Directives, GnuStyleNeedsASecondDot) {
     O_directive_style_gnu = 1;
     EXPECT_EQ(conditional("..if 1"), (Found{44, 4}));
@@ -521,7 +522,7 @@ TEST_F(Directives, EndWithoutAnOperandNamesNone) {
     EXPECT_EQ(take_output(), "");
 }
 
-// Kept: an operand that is no name lets reading go on, in the final pass alone.
+// Quirk (end-operand): an operand that is not a name lets the final pass go on.
 TEST_F(Directives, EndWithAnOperandThatIsNoNameDoesNotEndTheFinalPass) {
     begin_reports();
     EXPECT_EQ(end("+main"), 1);

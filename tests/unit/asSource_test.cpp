@@ -201,7 +201,8 @@ TEST_F(Source, IncludingFilesDirectoryServesAtEveryDepth) {
     EXPECT_EQ(getCurrentFileInfo(-1)->pathname, directory + "/one/second.szirpa");
 }
 
-// Kept: the probe joins with a backslash and the file is opened with a slash, so both must exist.
+// Quirk (include-backslash): the probe joins with a backslash and the file is opened with a slash,
+// so both must exist.
 TEST_F(Source, IncludeDirectoryIsProbedWithABackslashAndOpenedWithASlash) {
     std::filesystem::create_directory("inc");
     write_file("inc/part.szirpa", "x\n");
@@ -317,7 +318,7 @@ TEST_F(Source, ProgramsOwnDirectoryIsTheInvocationCutAtItsLastSeparator) {
     EXPECT_STREQ(GetAsmStartDirectory(), "a\\b");
 }
 
-// Kept: without a separator the whole invocation name stands for the directory.
+// Without a separator the whole invocation name stands for the directory.
 TEST_F(Source, InvocationWithoutASeparatorStaysWhole) {
     source_new_run("HXzirpa");
     EXPECT_STREQ(GetAsmStartDirectory(), "HXzirpa");
@@ -357,7 +358,7 @@ TEST_F(Source, IncludedFileIsReadInPlaceAndTheIncludingFileGoesOn) {
     EXPECT_EQ(source_stack_ptr, -1);
 }
 
-// Kept: while the sequence is being recorded, the line number to resume at is the one that was
+// While the sequence is being recorded, the line number to resume at is the one that was
 // noted when the file itself was opened; the final pass notes it where the file is left.
 TEST_F(Source, OnlyTheFinalPassResumesTheIncludingFilesLineNumbers) {
     write_file("part", "p1\n");
@@ -387,7 +388,7 @@ TEST_F(Source, FilesOneAfterTheOtherAllReturnToTheIncludingFile) {
     EXPECT_EQ(file_entry_index[4], 0);
 }
 
-// Kept: the entry two steps back is the innermost file when the file being left included one
+// The entry two steps back is the innermost file when the file being left included one
 // itself, so the rest of the outer files is not read.
 TEST_F(Source, NestingTwoDeepLosesTheRestOfTheOuterFiles) {
     write_file("inner", "i1\n");
@@ -583,7 +584,7 @@ TEST_F(Source, CarriageReturnBeforeALineFeedIsDropped) {
     EXPECT_EQ(read_all(), (Lines{"main:1 A\n", "main:2 \n", "main:3 B\rC\n", "main:4 \tD\n"}));
 }
 
-// Kept: the next-to-last character is looked at, whatever the last one is.
+// The next-to-last character is looked at, whatever the last one is.
 TEST_F(Source, CarriageReturnBeforeTheLastCharacterOfAFileEndsTheLine) {
     open_source_file("main", "A\rB");
     EXPECT_EQ(read_all(), (Lines{"main:1 A\n"}));

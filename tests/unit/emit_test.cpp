@@ -335,7 +335,8 @@ TEST_F(Emission, ScriptAddressesAreOneByteWide) {
     EXPECT_EQ(script(), "\n #setMemory  FF=01\n #setMemory  00=02");
 }
 
-// Kept: the script assumes two address bytes, so further ones become memory contents.
+// Quirk (wide-script): the script assumes two address bytes, so further ones become memory
+// contents.
 TEST_F(Emission, SurplusAddressBytesBecomeMemoryContents) {
     begin_final_pass(0x12345);
     ebyte(0xAA);

@@ -402,7 +402,7 @@ TEST_F(SymbolTable, TypesOfSymbolsWriteNothing) {
     EXPECT_EQ(stream, "");
 }
 
-// Kept: a debug name bears every high bit, so it is made undefined as well.
+// A debug name bears every high bit, so it is made undefined as well.
 TEST_F(SymbolTable, ConditionalAndDebugNamesAreUndefinedAheadOfTheFinalPass) {
     put("cond", 5, SYM_DEFINED | SYM_CONDITIONAL | SYM_MULTIPLE);
     put("label", 5, SYM_DEFINED | SYM_FORWARD);
@@ -436,7 +436,7 @@ TEST_F(SymbolTable, TableIsPrintedByHashAndCreation) {
                              "\t0002\tAB\n");
 }
 
-// Kept: the header of the listing has three blanks less.
+// Quirk (table-heads): the header of the listing has three blanks less.
 TEST_F(SymbolTable, TableInTheListingHasItsOwnHeader) {
     open_output(listfile, "prog.lst");
     O_list = 1;
