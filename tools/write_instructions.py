@@ -17,10 +17,11 @@ Every instruction of the ZIRPA, in every form that the assembler takes, with its
 hexadecimal. This page is written from the program's own table by `tools/write_instructions.py`.
 
 An opcode alone is an instruction of one byte; an opcode followed by *n*, as in `F0 n`, is one of
-two, and *n* stands for its operand byte. Mnemonics may be written in either case.
+two, and *n* is its operand byte. Mnemonics may be written in either case.
 
-HXzirpa(5) says in a word what each instruction does (`man -l man/HXzirpa.5` before an installation).
-What it does to the condition codes is told by the documents of the processor, not of its assembler.
+HXzirpa(5) says in a word what each instruction does (`man -l man/HXzirpa.5` before an installation),
+as inferred from its name: what counts, and what it does to the condition codes, is in the documents
+of the processor.
 """
 
 OPERANDS = """\
@@ -37,14 +38,17 @@ OPERANDS = """\
 | `,+X` `,+Y` | the address X or Y, which is incremented first |
 | `,-X` `,-Y` | the address X or Y, which is decremented first |
 
-n is an expression. No blanks may stand within an operand: `LDA 5 ,X` is `LDA 5`, because a blank
-ends the operand and what follows it is ignored. `,X` alone is no form; write `0,X`.
+The instruction takes the byte there, but `JMP`, `JSR`, `LEAX`, `LEAY` and `LEASP` take the address
+itself.
+
+n is an expression. An operand holds no blanks but that of `' '`: `LDA 5 ,X` is `LDA 5`, because a
+blank ends the operand and what follows it is ignored. `,X` alone is not a form; write `0,X`.
 """
 
 BRANCH_NOTE = (
     "The operand is the address to branch to. The byte n is its distance from the instruction\n"
-    "that follows the branch, from -128 to 127; `Displacement (0x80) is out of range` tells when\n"
-    "it is further away."
+    "that follows the branch, from -128 to 127; `Displacement (0x80) is out of range` is reported\n"
+    "when it is further away. A branch does not go on from FF to 00."
 )
 COMMON_FORMS = ["#n", "n", "n,SP", "n,X", "A,X", "n,Y", "A,Y"]
 STEP_FORMS = [",X+", ",X-", ",+X", ",-X", ",Y+", ",Y-", ",+Y", ",-Y"]
