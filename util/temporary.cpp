@@ -2,6 +2,7 @@
 
 #include "util/descriptor.h"
 
+#include <algorithm>
 #include <array>
 #include <atomic>
 #include <cerrno>
@@ -22,10 +23,9 @@ constexpr std::size_t kMostNames = 4;
 std::array<std::atomic<const char *>, kMostNames> names{};
 static_assert(std::atomic<const char *>::is_always_lock_free);
 
-// All signals that end a process and can be caught, but for those that no one sends by accident.
-constexpr std::array kEndingSignals = {SIGHUP,  SIGINT,  SIGQUIT, SIGILL,    SIGTRAP, SIGABRT,
-                                       SIGBUS,  SIGFPE,  SIGUSR1, SIGSEGV,   SIGUSR2, SIGALRM,
-                                       SIGTERM, SIGXCPU, SIGPROF, SIGVTALRM, SIGPOLL, SIGSYS};
+// What a process survives that does nothing about it.
+constexpr std::array kHarmlessSignals = {SIGCHLD, SIGCONT, SIGTSTP, SIGTTIN,
+                                         SIGTTOU, SIGURG,  SIGWINCH};
 
 // The signal is back to its default action by then, and ends the process when this returns.
 extern "C" void remove_temporary_files(int signal) {
@@ -51,12 +51,13 @@ void catch_signal(int signal) {
 
 void catch_ending_signals() {
     static bool caught = false;
-    if (!caught) {
-        caught = true;
-        for (const int signal : kEndingSignals) {
+    for (int signal = 1; !caught && signal <= SIGRTMAX; ++signal) {
+        if (std::find(kHarmlessSignals.begin(), kHarmlessSignals.end(), signal) ==
+            kHarmlessSignals.end()) {
             catch_signal(signal);
         }
     }
+    caught = true;
 }
 
 // Registers a name to be removed. Returns its slot, or -1 when there is none.
