@@ -1,0 +1,178 @@
+"""A small source, what its outputs hold by the rules, and runs of the program in one directory."""
+
+import contextlib
+import os
+import re
+import subprocess
+
+import pytest
+
+GOOD = b" ORG $10\n LDA #5\n"
+BAD = GOOD + b" BAD\n WORSE\n"
+# Longer than any output, so that a file which is not cut shows.
+OLD = b"old " * 1000
+
+EVERY_OUTPUT = ["-L", "-A"]
+RECORDS, LISTING, ARRAY, SCRIPT = OUTPUTS = ["prog.s19", "prog.lst", "prog_cout.c", "prog.fmem"]
+# These replace what has their name; the S-record file is written through a link.
+REPLACING = [LISTING, ARRAY, SCRIPT]
+
+TEMPORARY = re.compile(r"HXzirpa-\d+-\d+\.tmp")
+
+SUMMARY = b"-- No errors.\n"
+
+BANNER = b"HXzirpa - ZIRPA Absolute crossassembler, Version 1.3\nFree software under the MIT License.\n"
+
+
+def listed(address, code, number, text):
+    return b"%2s%-18s %4d. %s\n" % (address, code, number, text)
+
+
+HEADED_LINES = (
+    BANNER
+    + b"\n\nFile: prog.lst\n"
+    + listed(b"10", b"", 1, b" ORG $10")
+    + b'---- File: "prog.szirpa"\n'
+    + listed(b"10", b" F0 05", 2, b" LDA #5")
+)
+WHOLE = {
+    RECORDS: b"S1050010F005F5\nS9030010EC\n",
+    LISTING: HEADED_LINES,
+    ARRAY: b"const unsigned char algo[] = {\n0xF0,0x05\n};\n",
+    SCRIPT: BANNER
+    + b"File: prog.fmem\n\n # ClearAllMemory\n # ClearAllRegisters"
+    + b"\n #setMemory  10=F0\n #setMemory  11=05",
+}
+WHOLE_AFTER_ERRORS = {
+    **WHOLE,
+    LISTING: HEADED_LINES
+    + b'"prog.szirpa" line 3, ERROR: Illegal mnemonic\n'
+    + listed(b"12", b"", 3, b" BAD")
+    + b'"prog.szirpa" line 4, ERROR: Illegal mnemonic\n'
+    + listed(b"12", b"", 4, b" WORSE")
+    + b"\n\n****** Total Errors: 2\n",
+}
+del WHOLE_AFTER_ERRORS[RECORDS]
+
+
+class Place:
+    """A directory with prog.szirpa, and the program, which is run in it."""
+
+    def __init__(self, path, program):
+        self.path = path.resolve()
+        self.program = program
+        self.write_source(GOOD)
+
+    def write_source(self, text):
+        (self.path / "prog.szirpa").write_bytes(text)
+
+    def start(self, *arguments, before=(), closed=(), prepare=None, **options):
+        """Starts a run after the command `before`; `closed` descriptors and `prepare` are the
+        child's own affair."""
+
+        def in_child():
+            if prepare:
+                prepare()
+            for descriptor in closed:
+                os.close(descriptor)
+
+        options = {
+            "stdin": subprocess.DEVNULL,
+            "stdout": subprocess.PIPE,
+            "stderr": subprocess.PIPE,
+            "preexec_fn": in_child if prepare or closed else None,
+            **options,
+        }
+        return subprocess.Popen([*before, self.program, *arguments], cwd=self.path, **options)
+
+    def run(self, *arguments, **options):
+        with self.start(*arguments, **options) as process:
+            try:
+                stdout, stderr = process.communicate(timeout=60)
+            finally:
+                process.kill()
+        return subprocess.CompletedProcess(process.args, process.returncode, stdout, stderr)
+
+    def put_old(self, *names):
+        for name in names or OUTPUTS:
+            (self.path / name).write_bytes(OLD)
+
+    def put_link(self, name, target):
+        (self.path / name).symlink_to(target)
+
+    def read(self, name):
+        return (self.path / name).read_bytes()
+
+    def names(self):
+        return sorted(path.name for path in self.path.iterdir())
+
+    def temporary_names(self):
+        return [name for name in self.names() if TEMPORARY.fullmatch(name)]
+
+    def messages(self, errors):
+        if not errors:
+            return SUMMARY
+        path = os.fsencode(self.path / "prog.szirpa")
+        lines = [b"%s (%d) Error: Illegal mnemonic\n" % (path, number) for number in (3, 4)]
+        return b"".join(lines) + b"-- 2 error(s).\n"
+
+    def refusal(self, name):
+        path = self.path / "prog.szirpa"
+        return os.fsencode(f"{path} (0)Fatal error: Cannot create output fil '{name}'\n")
+
+
+@contextlib.contextmanager
+def pipe_with_room(path=None):
+    """The reading and the writing end of a new pipe, or of the FIFO `path`, which is made."""
+    if path:
+        os.mkfifo(path)
+        # Open for both, so that neither side waits for the other.
+        both = os.open(path, os.O_RDWR | os.O_NONBLOCK | os.O_CLOEXEC)
+        ends = (both, both)
+    else:
+        ends = os.pipe2(os.O_NONBLOCK | os.O_CLOEXEC)
+        os.set_blocking(ends[1], True)
+    try:
+        yield ends
+    finally:
+        for end in set(ends):
+            os.close(end)
+
+
+def drain(descriptor):
+    """What lies in a pipe just now."""
+    parts = []
+    with contextlib.suppress(BlockingIOError):
+        while part := os.read(descriptor, 65536):
+            parts.append(part)
+    return b"".join(parts)
+
+
+def own_mounts():
+    """The command after which mounts are seen by the run alone."""
+    command = ["unshare", "--mount"] if os.geteuid() == 0 else ["unshare", "--mount", "--map-root"]
+    probe = [*command, "mount", "-t", "tmpfs", "none", "/mnt"]
+    try:
+        allowed = subprocess.run(probe, capture_output=True, check=False).returncode == 0
+    except FileNotFoundError:
+        allowed = False
+    if not allowed:
+        pytest.skip("mounting is not allowed here")
+    return command
+
+
+def traced(*options):
+    """A command that follows the run's system calls; `options` say what becomes of them."""
+    command = ["strace", "-qq", "-f"]
+    try:
+        probe = subprocess.run([*command, "true"], capture_output=True, check=False)
+    except FileNotFoundError:
+        pytest.skip("strace is missing")
+    if probe.returncode != 0:
+        pytest.skip("tracing is not allowed here")
+    return [*command, *options]
+
+
+def environment_when_traced():
+    # The search for leaks is itself a tracer, and there can be only one.
+    return {**os.environ, "ASAN_OPTIONS": "detect_leaks=0"}
