@@ -21,7 +21,10 @@ TEMPORARY = re.compile(r"HXzirpa-\d+-\d+\.tmp")
 
 SUMMARY = b"-- No errors.\n"
 
-BANNER = b"HXzirpa - ZIRPA Absolute crossassembler, Version 1.3\nFree software under the MIT License.\n"
+BANNER = (
+    b"HXzirpa - ZIRPA Absolute crossassembler, Version 1.3\n"
+    b"Free software under the MIT License.\n"
+)
 
 
 def listed(address, code, number, text):
@@ -150,7 +153,7 @@ def drain(descriptor):
 
 def own_mounts():
     """The command after which mounts are seen by the run alone."""
-    command = ["unshare", "--mount"] if os.geteuid() == 0 else ["unshare", "--mount", "--map-root"]
+    command = ["unshare", "--mount", *([] if os.geteuid() == 0 else ["--map-root-user"])]
     probe = [*command, "mount", "-t", "tmpfs", "none", "/mnt"]
     try:
         allowed = subprocess.run(probe, capture_output=True, check=False).returncode == 0
@@ -173,6 +176,12 @@ def traced(*options):
     return [*command, *options]
 
 
+def sanitizers_that(*options):
+    """The environment in which a program with sanitizers has these options too."""
+    given = os.environ.get("ASAN_OPTIONS", "")
+    return {**os.environ, "ASAN_OPTIONS": ":".join(filter(None, [given, *options]))}
+
+
 def environment_when_traced():
     # The search for leaks is itself a tracer, and there can be only one.
-    return {**os.environ, "ASAN_OPTIONS": "detect_leaks=0"}
+    return sanitizers_that("detect_leaks=0")

@@ -98,7 +98,7 @@ def assert_run(place, state, errors, **kinds):
 
 
 STATES = pytest.mark.parametrize("state", ["new", "old", "link"])
-STDIN = pytest.mark.parametrize("stdin", ["closed", "null", "full", "file", "pipe"])
+STDIN = pytest.mark.parametrize("stdin", ["closed", "null", "file", "pipe"])
 STDOUT = pytest.mark.parametrize("stdout", ["closed", "null", "full", "file", "pipe"])
 STDERR = pytest.mark.parametrize("stderr", ["closed", "null", "full", "file", "pipe", "shared"])
 

@@ -94,8 +94,13 @@ def test_refusal_does_not_depend_on_how_the_stream_was_opened(place, mode):
         process = place.run("prog.szirpa", stdout=opened)
     assert process.returncode == 1
     refusal = place.refusal(RECORDS)
-    rest = {"wb": refusal, "w+b": refusal, "ab": OLD + refusal, "r+b": refusal + OLD[len(refusal) :]}
-    assert place.read(RECORDS) == rest[mode]
+    expected = {
+        "wb": refusal,
+        "w+b": refusal,
+        "ab": OLD + refusal,
+        "r+b": refusal + OLD[len(refusal) :],
+    }
+    assert place.read(RECORDS) == expected[mode]
     assert place.names() == [RECORDS, "prog.szirpa"]
 
 

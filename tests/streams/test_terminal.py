@@ -154,9 +154,10 @@ def test_every_beginning_with_every_second_byte(place, on_terminal):
 
 
 @pytest.mark.parametrize("text", NOT_UTF_8, ids=bytes.hex)
-@pytest.mark.parametrize("before", [b"", b"x", "é".encode(), b"\x1b"], ids=bytes.hex)
-def test_bytes_that_are_no_character_are_shown_one_by_one(place, on_terminal, text, before):
-    assert_shown_and_kept(place, on_terminal, [before + text, before + text + b"y"])
+def test_bytes_that_are_no_character_are_shown_one_by_one(place, on_terminal, text):
+    around = [b"", b"x", "é".encode(), b"\x1b"]
+    texts = [before + text + after for before in around for after in around]
+    assert_shown_and_kept(place, on_terminal, texts)
 
 
 def test_backslashes_and_numbers_that_are_text_stay(on_terminal):
@@ -282,7 +283,9 @@ def questions(place, start, *arguments):
     return len(QUESTION.findall(log.read_text(errors="replace")))
 
 
-@pytest.mark.parametrize("arguments", [[], ["-x", "-L"], ["-Ö", "-L"], ["-w", "-S", "prog.szirpa"]])
+@pytest.mark.parametrize(
+    "arguments", [[], ["-x", "-L"], ["-Ö", "-L"], ["-w", "-S", "prog.szirpa"]]
+)
 def test_nobody_asks_for_a_terminal_when_all_bytes_are_harmless(place, on_terminal, arguments):
     place.write_source(b"LABEL LDA #5\n BAD\n")
     assert questions(place, on_terminal, *arguments) == 0
