@@ -125,21 +125,14 @@ class Place:
 
 
 @contextlib.contextmanager
-def pipe_with_room(path=None):
-    """The reading and the writing end of a new pipe, or of the FIFO `path`, which is made."""
-    if path:
-        os.mkfifo(path)
-        # Open for both, so that neither side waits for the other.
-        both = os.open(path, os.O_RDWR | os.O_NONBLOCK | os.O_CLOEXEC)
-        ends = (both, both)
-    else:
-        ends = os.pipe2(os.O_NONBLOCK | os.O_CLOEXEC)
-        os.set_blocking(ends[1], True)
+def fifo_with_room(path):
+    """A new FIFO, open for both sides, so that neither waits for the other."""
+    os.mkfifo(path)
+    both = os.open(path, os.O_RDWR | os.O_NONBLOCK | os.O_CLOEXEC)
     try:
-        yield ends
+        yield both
     finally:
-        for end in set(ends):
-            os.close(end)
+        os.close(both)
 
 
 def drain(descriptor):

@@ -21,8 +21,8 @@ from stream_runs import (
     WHOLE,
     WHOLE_AFTER_ERRORS,
     drain,
+    fifo_with_room,
     own_mounts,
-    pipe_with_room,
 )
 
 ERRORS = pytest.mark.parametrize("errors", [0, 2])
@@ -171,7 +171,7 @@ def test_many_records_and_messages_share_a_pipe_without_loss(place, private_dev,
 @ERRORS
 def test_fifo_is_written_and_stays(place, name, linked, errors):
     fifo = "fifo" if linked else name
-    with pipe_with_room(place.path / fifo) as (reading, _):
+    with fifo_with_room(place.path / fifo) as reading:
         if linked:
             place.put_link(name, fifo)
         process = assemble(place, errors, *EVERY_OUTPUT)
@@ -187,7 +187,7 @@ def test_fifo_is_written_and_stays(place, name, linked, errors):
 
 @ERRORS
 def test_fifo_named_by_the_option_stays(place, errors):
-    with pipe_with_room(place.path / "fifo") as (reading, _):
+    with fifo_with_room(place.path / "fifo") as reading:
         process = assemble(place, errors, "-o", "fifo")
         assert drain(reading) == expected_outputs(errors).get(RECORDS, b"")
     assert process.returncode == errors
