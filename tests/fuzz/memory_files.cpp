@@ -4,6 +4,7 @@
 #include <cerrno>
 #include <cstdarg>
 #include <cstring>
+#include <utility>
 
 #include <fcntl.h>
 #include <sys/stat.h>
@@ -58,6 +59,18 @@ long MemoryFiles::write_file(int descriptor, const void *buffer, std::size_t siz
     return static_cast<long>(size);
 }
 
+int MemoryFiles::rename_file(const char *from, const char *to) {
+    auto file = outputs_.extract(from);
+    if (file.empty()) {
+        errno = ENOENT;
+        return -1;
+    }
+    outputs_.erase(to);
+    file.key() = to;
+    outputs_.insert(std::move(file));
+    return 0;
+}
+
 // The linker's names of the calls.
 // NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 extern "C" {
@@ -70,6 +83,7 @@ int __real_fstat(int descriptor, struct stat *status);
 int __real_stat(const char *path, struct stat *status);
 int __real_lstat(const char *path, struct stat *status);
 int __real_unlink(const char *path);
+int __real_rename(const char *from, const char *to);
 int __real_truncate(const char *path, off_t size);
 ssize_t __real_readlink(const char *path, char *buffer, size_t size);
 char *__real_getcwd(char *buffer, size_t size);
@@ -147,6 +161,10 @@ int __wrap_unlink(const char *path) {
     }
     active->unlink_file(path);
     return 0;
+}
+
+int __wrap_rename(const char *from, const char *to) {
+    return active == nullptr ? __real_rename(from, to) : active->rename_file(from, to);
 }
 
 int __wrap_truncate(const char *path, off_t size) {

@@ -1,5 +1,5 @@
 // Files in memory, in place of the operating system's: while a MemoryFiles object lives, the
-// program's calls that open, read, write and delete files see its one source and the outputs of the
+// program's calls that open, read, write, rename and delete files see its one source and the outputs of the
 // run. The linker puts these calls in place (--wrap).
 #pragma once
 
@@ -26,6 +26,7 @@ class MemoryFiles {
     long write_file(int descriptor, const void *buffer, std::size_t size);
     bool owns(int descriptor) const { return descriptor >= kFirstDescriptor; }
     void unlink_file(const char *path) { outputs_.erase(path); }
+    int rename_file(const char *from, const char *to);
     std::size_t source_size() const { return source_.size(); }
 
   private:
