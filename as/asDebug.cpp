@@ -210,7 +210,7 @@ void asm_write_sd_exec(int line, std::int32_t count, std::uint32_t address) {
     end = put_field(end, ':', current_segment());
     end = put_field(end, ':', hex_text(number, address, 1));
     *end++ = '\n';
-    append({"SY:C:X:", current_file(), std::string_view(fields.data(), end)});
+    append({"SY:C:X:", current_file(), text_between(fields.data(), end)});
 }
 
 void ProcessStab() {

@@ -35,10 +35,6 @@ const ScannedToken *next_checked = first_checked;
 
 const char *begin_of(const ScannedToken *token) { return token[-1].end; }
 
-std::string_view text_between(const char *begin, const char *end) {
-    return {begin, static_cast<std::size_t>(end - begin)};
-}
-
 // Where the token begins with which the check stopped.
 const char *stop_position() { return begin_of(checked_end - 1); }
 

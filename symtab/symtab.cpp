@@ -8,6 +8,7 @@
 #include "expr/expr.h"
 #include "target/reloc.h"
 #include "util/buffer.h"
+#include "util/memory.h"
 #include "util/text.h"
 
 #include <algorithm>
@@ -222,7 +223,7 @@ const char *store_name(std::string_view name) {
     const std::size_t size = name.size() + 1;
     if (size > name_piece_left) {
         const std::size_t piece_size = std::max(size, kNamePieceSize);
-        name_pieces.push_back(std::make_unique_for_overwrite<char[]>(piece_size));
+        name_pieces.push_back(make_room(piece_size));
         name_piece_end = name_pieces.back().get() + piece_size;
         name_piece_left = piece_size;
     }

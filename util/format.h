@@ -2,6 +2,8 @@
 // part of it that they take.
 #pragma once
 
+#include "util/text.h"
+
 #include <array>
 #include <charconv>
 #include <cstddef>
@@ -49,5 +51,5 @@ inline std::string_view hex_text(NumberText &text, std::uint64_t value, unsigned
 
 // Signed decimal.
 inline std::string_view decimal_text(NumberText &text, std::int64_t value) {
-    return {text.data(), std::to_chars(text.begin(), text.end(), value).ptr};
+    return text_between(text.data(), std::to_chars(text.begin(), text.end(), value).ptr);
 }

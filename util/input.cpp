@@ -1,6 +1,7 @@
 #include "util/input.h"
 
 #include "util/buffer.h"
+#include "util/memory.h"
 
 #include <cerrno>
 #include <cstring>
@@ -15,7 +16,7 @@ namespace {
 constexpr std::size_t kFirstCapacity = buffer_size(65536);
 
 void grow(FileText &text, std::size_t capacity) {
-    auto larger = std::make_unique_for_overwrite<char[]>(capacity + kFileGuard);
+    auto larger = make_room(capacity + kFileGuard);
     if (text.size > 0) {
         std::memcpy(larger.get(), text.data.get(), text.size);
     }

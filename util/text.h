@@ -13,6 +13,7 @@
 #include <cstdint>
 #include <cstring>
 #include <string>
+#include <string_view>
 
 // Character classes, one bit each.
 enum CharClass : std::uint8_t {
@@ -56,6 +57,11 @@ consteval std::array<std::uint8_t, 256> make_char_classes() {
 }
 
 inline constexpr std::array<std::uint8_t, 256> kCharClasses = make_char_classes();
+
+// The characters from begin up to end.
+constexpr std::string_view text_between(const char *begin, const char *end) {
+    return {begin, static_cast<std::size_t>(end - begin)};
+}
 
 constexpr bool has_class(char ch, unsigned classes) {
     return (kCharClasses[static_cast<unsigned char>(ch)] & classes) != 0;
