@@ -186,9 +186,10 @@ namespace {
 // ---- The index of the table: a row is found at once instead of by a search along its letter ----
 
 // A mnemonic as a number, its first character lowest, in lower case.
+// The rest of the row is copied: a pointer would have to be relocated at each start.
 struct IndexedRow {
     std::uint64_t word = 0; // 0: none
-    const InstructionEntry *row = nullptr;
+    MnemonicRecord record{};
 };
 
 constexpr unsigned kIndexBits = 8;
@@ -213,7 +214,9 @@ consteval RowIndex make_index() {
                 place = next_place(place);
             }
             if (index[place].word == 0) { // the first of two rows counts
-                index[place] = {word, row};
+                index[place] = {word,
+                                {static_cast<std::uint16_t>(row->opcode), row->mode_mask,
+                                 static_cast<std::uint16_t>(row->coder)}};
             }
         }
     }
@@ -222,13 +225,13 @@ consteval RowIndex make_index() {
 
 constexpr RowIndex kRowIndex = make_index();
 
-// The row of a word, or none.
-const InstructionEntry *find_row(std::uint64_t word) {
+// The row of a word, or one without a word.
+const IndexedRow &find_row(std::uint64_t word) {
     std::size_t place = first_place(word);
     while (kRowIndex[place].word != word && kRowIndex[place].word != 0) {
         place = next_place(place);
     }
-    return kRowIndex[place].row;
+    return kRowIndex[place];
 }
 
 } // namespace
@@ -243,13 +246,11 @@ int ZIRPA_getmnem(MnemonicRecord *record) {
     // Letters of either case are equal, and no other character becomes a lower-case letter by the
     // bit that is set.
     const std::uint64_t mask = (std::uint64_t{1} << 8 * length) - 1;
-    const InstructionEntry *row = find_row((characters | 0x2020202020202020U) & mask);
-    if (row == nullptr) {
+    const IndexedRow &row = find_row((characters | 0x2020202020202020U) & mask);
+    if (row.word == 0) {
         return 0;
     }
-    record->opcode = static_cast<std::uint16_t>(row->opcode);
-    record->mode_mask = row->mode_mask;
-    record->coder = static_cast<std::uint16_t>(row->coder);
+    *record = row.record;
     Col_Ptr = word + length;
     return 1;
 }
