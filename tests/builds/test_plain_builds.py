@@ -1,0 +1,42 @@
+"""`cmake -B build && cmake --build build`, with no further word, works with each compiler and library."""
+
+import os
+import pathlib
+import shutil
+import subprocess
+
+import pytest
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+COMPILERS = {
+    "g++": ("g++", ""),
+    "clang++": ("clang++-14", "-stdlib=libstdc++"),
+    "clang++ with libc++": ("clang++-14", "-stdlib=libc++"),
+}
+SANITIZERS = {"plain": [], "sanitized": ["-DHXZIRPA_SANITIZE=ON"]}
+SOURCE = " ORG $10\n FCB 1,2,3\n"
+# Three bytes at $10: checksum $FF - ($06 + $10 + $01 + $02 + $03). They begin at $10: $FF - ($03 + $10).
+RECORDS = "S1060010010203E3\nS9030010EC\n"
+
+
+def call(command, **options):
+    process = subprocess.run(
+        command, text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=600,
+        check=False, **options,
+    )
+    assert process.returncode == 0, process.stdout
+    return process.stdout
+
+
+@pytest.mark.parametrize("options", SANITIZERS.values(), ids=SANITIZERS.keys())
+@pytest.mark.parametrize("compiler, flags", COMPILERS.values(), ids=COMPILERS.keys())
+def test_plain_build(compiler, flags, options, tmp_path):
+    assert shutil.which(compiler), f"{compiler} is missing"
+    environment = {**os.environ, "CXX": compiler, "CXXFLAGS": flags}
+    build = tmp_path / "build"
+    call(["cmake", "-S", ROOT, "-B", build, *options], env=environment)
+    output = call(["cmake", "--build", build, "--parallel", str(os.cpu_count())], env=environment)
+    assert "warning:" not in output
+    (tmp_path / "short.szirpa").write_text(SOURCE)
+    call([build / "HXzirpa", "short.szirpa"], cwd=tmp_path)
+    assert (tmp_path / "short.s19").read_text() == RECORDS
