@@ -6,7 +6,7 @@ import shlex
 import subprocess
 
 import pytest
-from building import ROOT, build_directory, expected_files, need, project_version, run
+from building import ROOT, expected_files, need, project_version, run
 
 SCRIPT = pathlib.Path(__file__).resolve().parent / "in_fresh_root.sh"
 # A root with no more than dpkg and what the script calls; apt adds what these depend on.
@@ -14,15 +14,6 @@ ROOT_PACKAGES = "base-files,coreutils,dash,diffutils,dpkg,findutils,libc-bin,sed
 MERGED_USR = "/usr/share/mmdebstrap/hooks/merged-usr"
 # What the package has beside the files of an installation.
 PACKAGE_ONLY = {"share/lintian/overrides/hxzirpa"}
-
-
-@pytest.fixture(scope="module")
-def package(request, tmp_path_factory):
-    directory = tmp_path_factory.mktemp("package")
-    config = build_directory(request) / "CPackConfig.cmake"
-    run("cpack", "--config", str(config), "-B", str(directory))
-    (path,) = directory.glob("*.deb")
-    return path
 
 
 def control_field(package, name):
