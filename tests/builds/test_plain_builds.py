@@ -15,7 +15,8 @@ COMPILERS = {
 }
 SANITIZERS = {"plain": [], "sanitized": ["-DHXZIRPA_SANITIZE=ON"]}
 SOURCE = " ORG $10\n FCB 1,2,3\n"
-# Three bytes at $10: checksum $FF - ($06 + $10 + $01 + $02 + $03). They begin at $10: $FF - ($03 + $10).
+# Three bytes at $10, which is the start address too. The checksums are $FF less the sum of the rest:
+# $06 + $10 + $01 + $02 + $03, and $03 + $10.
 RECORDS = "S1060010010203E3\nS9030010EC\n"
 
 
