@@ -190,10 +190,9 @@ void Destination::withdraw() {
     if (!S_ISREG(status.st_mode) || !is_file(identity_of(status))) {
         return;
     }
-    if (is_link_ || is_handed_over_) {
-        (void)::truncate(path_.c_str(), 0);
-    }
-    if (!is_handed_over_ && ::unlink(name_.c_str()) != 0) {
-        (void)::truncate(path_.c_str(), 0);
+    const bool is_deleted = !is_handed_over_ && ::unlink(name_.c_str()) == 0;
+    if (!is_deleted || is_link_) {
+        // Where this fails too, nothing more can be done.
+        [[maybe_unused]] const int result = ::truncate(path_.c_str(), 0);
     }
 }
