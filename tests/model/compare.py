@@ -8,6 +8,7 @@ still shows it, the others are counted.
 """
 
 import argparse
+import contextlib
 import multiprocessing
 import os
 import re
@@ -272,12 +273,27 @@ def tasks(first, count):
     return [range(start, min(start + CASES_A_TASK, end)) for start in starts]
 
 
+@contextlib.contextmanager
+def mapping(jobs, start):
+    """A map over so many processes. One job needs no other process, nor what they share."""
+    if jobs == 1:
+        Worker.start(*start)
+        yield map
+        return
+    try:
+        pool = multiprocessing.Pool(jobs, Worker.start, start)
+    except OSError as error:
+        sys.exit(f"several jobs need /dev/shm, one (--jobs 1) does not: {error}")
+    with pool:
+        yield pool.imap_unordered
+
+
 def compare_all(arguments, base):
     total = Tally()
     start = (os.path.abspath(arguments.program), base, arguments.seed)
-    with multiprocessing.Pool(arguments.jobs, Worker.start, start) as pool:
+    with mapping(arguments.jobs, start) as mapped:
         ranges = tasks(arguments.first, arguments.count)
-        for tally in pool.imap_unordered(Worker.compare_range, ranges):
+        for tally in mapped(Worker.compare_range, ranges):
             for kind in tally.examples.keys() - total.kinds.keys():
                 print(f"--- {kind.decode(errors='replace')}\n{tally.examples[kind]}\n", flush=True)
             total.add(tally)
