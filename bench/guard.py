@@ -43,7 +43,7 @@ def guard(program, store):
         directory = pathlib.Path(name)
         reason = callgrind.obstacle(directory)
         if reason:
-            return f"SKIPPED: {reason}", 0
+            return f"SKIPPED: the number of instructions is not compared, since {reason}", 0
         try:
             counted = count(program, directory)
         except callgrind.Failure as failure:
@@ -62,7 +62,7 @@ def main():
     parser.add_argument("--store", action="store_true", help="store the figure instead")
     arguments = parser.parse_args()
     text, status = guard(arguments.program.resolve(), arguments.store)
-    print(f"instruction guard: {text}")
+    print(text)
     return status
 
 

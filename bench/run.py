@@ -25,9 +25,7 @@ import generate
 
 HERE = pathlib.Path(__file__).resolve().parent
 
-# Debian packages that a run needs.
-PACKAGES = ["gcc", "libc6-dev", "hyperfine", "valgrind", "time", "64tass", "acme",
-            "binutils-m68hc1x"]
+# Commands that a run needs.
 TOOLS = ["gcc", "hyperfine", "valgrind", "/usr/bin/time", "64tass", "acme", "m68hc11-as"]
 
 MIB = 1024 * 1024
@@ -319,15 +317,15 @@ def main():
     parser.add_argument("--program", type=pathlib.Path, default=HERE.parent / "build" / "HXzirpa")
     parser.add_argument("--workloads", type=pathlib.Path, metavar="DIRECTORY",
                         help="where to write workloads and outputs; a temporary one if not named")
-    parser.add_argument("--packages", action="store_true",
-                        help="only print the Debian packages that a run needs")
+    parser.add_argument("--tools", action="store_true",
+                        help="only print the commands that a run needs")
     arguments = parser.parse_args()
-    if arguments.packages:
-        print(*PACKAGES)
+    if arguments.tools:
+        print(*TOOLS)
         return 0
     missing = missing_tools()
     if missing:
-        parser.error(f"missing {', '.join(missing)}; install {' '.join(PACKAGES)}")
+        parser.error(f"missing {', '.join(missing)} (./dev bench installs them)")
     program = arguments.program.resolve()
     # In RAM, so that no disk takes part. The programs lie on disk, where installed programs do.
     parent = "/dev/shm" if os.access("/dev/shm", os.W_OK) else None

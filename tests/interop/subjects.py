@@ -113,3 +113,16 @@ def find_subjects():
         OVERLAPPING_STEM, run_overlapping, OVERLAPPING_STEM + ".s19", OVERLAPPING_RECORDS, True
     )
     return [*golden_subjects(), *example_subjects(), overlapping]
+
+
+def read_by(directory, *command):
+    """Runs a reader; returns the finished process."""
+    return subprocess.run(
+        command,
+        cwd=directory,
+        stdin=subprocess.DEVNULL,
+        capture_output=True,
+        timeout=TIME_LIMIT_SECONDS,
+        check=False,
+        encoding="ascii",
+    )

@@ -1,60 +1,32 @@
 """Other people's readers agree on what the outputs say.
 
-The S-records are read by srec_info and srec_cat (package srecord) and by objcopy (binutils), the C
-array by a C compiler. What they find is compared with the expected S-records of the golden cases
-and of the examples, which a small parser in subjects.py reads on its own.
+The S-records are read by objcopy (binutils), the C array by a C compiler. What they find is compared
+with the expected S-records of the golden cases and of the examples, which a small parser in
+subjects.py reads on its own.
 
 Programs without a byte are left out where the readers are asked: objcopy refuses a file that holds
-nothing but an end record. Of the output of -g, srecord is given the S-records only, since it
-refuses debug records; objcopy, which stops at the end record, reads the file as it is.
+nothing but an end record. Of the output of -g it reads the S-records only, since it stops at the end
+record.
 """
 
 import re
-import subprocess
 
 import pytest
 from golden_case import pairs_of_records
-from subjects import ADDRESS_MASK, ARRAY_START, ARRAY_SUFFIX, find_subjects, record_lines
+from subjects import (
+    ADDRESS_MASK,
+    ARRAY_START,
+    ARRAY_SUFFIX,
+    find_subjects,
+    read_by,
+    record_lines,
+)
 
-TIME_LIMIT_SECONDS = 60
 # Beyond this size the image with its gaps filled is no use, and the sparse form is asked for.
 LARGEST_IMAGE = 1 << 20
 SCRIPT_LINE = re.compile(rb"\n #setMemory  ([0-9A-F]{2})=([0-9A-F]{2})")
 COMPILER = "cc"
 COMPILER_FLAGS = ["-std=c99", "-Wall", "-Wextra", "-Wpedantic", "-Werror"]
-
-
-def read_by(directory, *command):
-    """Runs a reader; returns the finished process."""
-    return subprocess.run(
-        command,
-        cwd=directory,
-        stdin=subprocess.DEVNULL,
-        capture_output=True,
-        timeout=TIME_LIMIT_SECONDS,
-        check=False,
-        encoding="ascii",
-    )
-
-
-def ranges_of(addresses):
-    """[first, last] of every run of adjacent addresses."""
-    ranges = []
-    for address in sorted(addresses):
-        if ranges and ranges[-1][1] == address - 1:
-            ranges[-1][1] = address
-        else:
-            ranges.append([address, address])
-    return ranges
-
-
-def runs_past_the_last_address(subject):
-    """Whether adjacent bytes lie at the last address of 32 bits and at address 0."""
-    return any(address == ADDRESS_MASK for address, _ in subject.data)
-
-
-def write_plain_records(path, content):
-    path.write_bytes(b"".join(line + b"\n" for line in record_lines(content)))
 
 
 # ---- S-records ----------------------------------------------------------------------------------
@@ -73,39 +45,6 @@ def test_lengths_and_checksums(subject, outputs):
 def test_one_end_record_behind_the_data(subject, outputs):
     kinds = [line[1:2] for line in record_lines(outputs.records(subject))]
     assert [kind in b"789" for kind in kinds] == [False] * (len(kinds) - 1) + [True]
-
-
-def test_srec_info(data_subject, outputs, tmp_path):
-    write_plain_records(tmp_path / "in.s19", outputs.records(data_subject))
-    process = read_by(tmp_path, "srec_info", "in.s19")
-    assert process.returncode == 0, process.stderr
-    entry = re.search(r"^Execution Start Address: ([0-9A-F]+)$", process.stdout, re.MULTILINE)
-    assert int(entry[1], 16) == data_subject.entry
-    # A range that goes on at address 0 is shown with its ends exchanged: nothing to compare.
-    if not runs_past_the_last_address(data_subject):
-        shown = re.findall(r"\b([0-9A-F]+) - ([0-9A-F]+)$", process.stdout, re.MULTILINE)
-        found = [[int(first, 16), int(last, 16)] for first, last in shown]
-        assert found == ranges_of(data_subject.memory)
-
-
-def memory_of_hex_dump(text):
-    """The bytes of a dump: lines "00000010: F0 05 ...  #..", blank where there is no byte."""
-    memory = {}
-    for line in text.splitlines():
-        address, cells = line.split(":", 1)
-        for index in range(16):
-            cell = cells[3 * index : 3 * index + 3].strip()
-            if cell:
-                memory[int(address, 16) + index] = int(cell, 16)
-    return memory
-
-
-def test_srec_cat(data_subject, outputs, tmp_path):
-    write_plain_records(tmp_path / "in.s19", outputs.records(data_subject))
-    # Where data overlap, srec_cat wants to be told that the later byte counts.
-    process = read_by(tmp_path, "srec_cat", "-multiple", "in.s19", "-o", "-", "-hex-dump")
-    assert process.returncode == 0, process.stderr
-    assert memory_of_hex_dump(process.stdout) == data_subject.memory
 
 
 def memory_of_verilog(text):
