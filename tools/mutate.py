@@ -631,8 +631,8 @@ def arguments():
 
 
 def main():
-    protect_devices()
     given = arguments()
+    protect_devices()
     with tempfile.TemporaryDirectory(prefix="mutate", dir=MEMORY) as name:
         directory = pathlib.Path(name)
         base = Build(directory / "base")
