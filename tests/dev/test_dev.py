@@ -41,6 +41,7 @@ WRONG = [
     ["fuzz", "expr"],
     ["fuzz", "nothing", "1"],
     ["fuzz", "expr", "long"],
+    ["fuzz", "expr", "0"],
     ["minimise"],
     ["minimise", "nothing"],
     ["mutate", "--cuont", "3"],
