@@ -330,8 +330,8 @@ int DoEnd() {
     }
     const Symbol *symbol = getsym(name);
     if (symbol == nullptr || symbol->has(SYM_UNDEFINED)) {
-        // Quirk (start-wording): the text says the opposite of what is wrong. The name is as END has
-        // it, also where case does not count and the table holds it in upper case.
+        // Quirk (start-wording): the text says the opposite of what is wrong. The name is as END
+        // has it, also where case does not count and the table holds it in upper case.
         vpWarning("start symbol '%s' is defined", name.c_str());
     } else if (entry_is_defined == 0) {
         entryLC = symbol->value;

@@ -1,6 +1,6 @@
 // Files in memory, in place of the operating system's: while a MemoryFiles object lives, the
-// program's calls that open, read, write, rename and delete files see its one source and the outputs of the
-// run. The linker puts these calls in place (--wrap).
+// program's calls that open, read, write, rename and delete files see its one source and the
+// outputs of the run. The linker puts these calls in place (--wrap).
 #pragma once
 
 #include <map>
