@@ -3,6 +3,7 @@
 #include "as/asDiag.h"
 #include "as/asList.h"
 #include "as/asOutput.h"
+#include "as/asPlace.h"
 #include "as/asSource.h"
 #include "expr/expr.h"
 #include "symtab/symtab.h"

@@ -2,7 +2,7 @@
 
 #include "as/asOptions.h"
 #include "as/asOutput.h"
-#include "as/asSource.h"
+#include "as/asPlace.h"
 
 #include <algorithm>
 #include <cstdio>

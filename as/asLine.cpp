@@ -6,6 +6,7 @@
 #include "as/asEqu.h"
 #include "as/asList.h"
 #include "as/asOptions.h"
+#include "as/asPlace.h"
 #include "as/asPseudo.h"
 #include "as/asSource.h"
 #include "symtab/symtab.h"

@@ -5,6 +5,7 @@
 #include "as/asLine.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
+#include "as/asPlace.h"
 #include "as/asSource.h"
 #include "target/emit.h"
 #include "target/encode.h"

@@ -10,6 +10,7 @@
 #include "as/asListing.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
+#include "as/asPlace.h"
 #include "as/asPseudo.h"
 #include "as/asSource.h"
 #include "symtab/symtab.h"

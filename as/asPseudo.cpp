@@ -7,6 +7,7 @@
 #include "as/asList.h"
 #include "as/asListing.h"
 #include "as/asOptions.h"
+#include "as/asPlace.h"
 #include "as/asSource.h"
 #include "expr/expr.h"
 #include "symtab/symtab.h"

@@ -3,11 +3,13 @@
 #include "as/asDiag.h"
 #include "as/asLine.h"
 #include "as/asOptions.h"
+#include "as/asPlace.h"
 #include "expr/expr.h"
 #include "target/emit.h"
 #include "target/encode.h"
 #include "target/operand.h"
 #include "target/scan.h"
+#include "util/input.h"
 #include "util/path.h"
 #include "util/text.h"
 
@@ -17,18 +19,10 @@
 
 std::string AsmStartDirectory;
 std::string AsmCurrentDirectory;
-std::deque<FileEntry> file_entry;
-int file_entry_ptr = -1;
 int source_stack_ptr = -1;
 int pplevel = -1;
 std::vector<int> file_entry_index;
 std::vector<std::string> include_stack;
-LineBuffer Line;
-const char *Line_Ptr = Line.begin();
-const char *Col_Ptr = Line.begin();
-int Line_no = 0;
-int realline = 0;
-int listline = 0;
 int newuse = 0;
 int endflag = 0;
 
@@ -142,8 +136,12 @@ FileEntry *file_of_step(int step) {
     return file < 0 ? nullptr : &file_entry[static_cast<std::size_t>(file)];
 }
 
-// Makes the file of the current step the one that is read.
-void select_file() { file_being_read = file_of_step(pplevel); }
+// Makes the file of the current step the one that is read. Once the last file has been left,
+// reports name no file of the stack any more, whatever the step says.
+void select_file() {
+    file_being_read = file_of_step(pplevel);
+    place_file = source_stack_ptr < 0 ? -1 : file_at_step(pplevel);
+}
 
 int replay_push() {
     if (FileEntry *file = file_of_step(pplevel); file != nullptr) {
@@ -185,12 +183,6 @@ bool is_indented_word(const char *start, std::size_t size) {
     return start[size - 1] == '\n' && has_class(*skip_blanks_and_tabs(start), kClassLetter);
 }
 
-void count_line() {
-    ++Line_no;
-    ++realline;
-    ++listline;
-}
-
 // Reads the next piece of a file into Line.
 bool read_piece(FileEntry &file) {
     const FileText &text = *file.text;
@@ -226,48 +218,21 @@ std::string start_directory(const char *invocation) {
 
 } // namespace
 
-void LineBuffer::assign(const char *text, std::size_t size) {
-    const std::size_t taken = std::min(size, kLineReadLimit);
-    std::memcpy(text_.data(), text, taken);
-    terminate(taken);
-    terminate(std::strlen(text_.data()));
-}
-
-void LineBuffer::assign_without_nul(const char *text, std::size_t size) {
-    const std::size_t taken = std::min(size, kLineReadLimit);
-    // In whole pieces, for which there is room behind the file's text and the line's. Most lines
-    // are one.
-    std::size_t i = 0;
-    do {
-        std::memcpy(&text_[i], &text[i], kFileGuard);
-        i += kFileGuard;
-    } while (i < taken);
-    terminate(taken);
-}
-
-void LineBuffer::end_in_line_feed() {
-    text_[length_ - 2] = '\n';
-    terminate(length_ - 1);
-}
-
 void source_new_run(const char *invocation) {
     AsmStartDirectory = start_directory(invocation);
     AsmCurrentDirectory = getMyDirectory();
     loaded_files.clear();
     init_as_include_stack();
+    place_new_run();
     source_new_pass();
-    Line.assign("", 0);
-    Line_Ptr = Line.begin();
-    Col_Ptr = Line.begin();
 }
 
 void source_new_pass() {
+    place_new_pass();
     source_new_counts();
     newuse = 0;
     source_stack_ptr = -1;
-    file_entry_ptr = -1;
     pplevel = -1;
-    file_entry.clear();
     file_entry_index.clear();
     file_being_read = nullptr;
 }
@@ -278,13 +243,12 @@ void source_rewind() {
     }
     source_stack_ptr = -1;
     pplevel = -1;
+    place_file = -1;
     file_being_read = nullptr;
 }
 
 void source_new_counts() {
-    Line_no = 0;
-    realline = 0;
-    listline = 0;
+    place_new_counts();
     endflag = 0;
 }
 
@@ -340,8 +304,7 @@ int as_read_line() {
         }
     }
     count_line();
-    Col_Ptr = Line.begin();
-    Line_Ptr = Line.begin();
+    scan_from_start();
     const std::size_t length = Line.length();
     if (length > kLineWarningLimit) {
         // Quirk (long-line): the spelling, and a limit three below the room for a line.
@@ -369,13 +332,6 @@ void skip_lines_without_label() {
         start += size;
     }
 }
-
-const FileEntry *getCurrentFileInfo(int n) {
-    const int index = n < 0 ? std::max(current_file_index(), 0) : n;
-    return index <= file_entry_ptr ? &file_entry[static_cast<std::size_t>(index)] : nullptr;
-}
-
-int current_file_index() { return source_stack_ptr < 0 ? -1 : file_at_step(pplevel); }
 
 const char *GetAsmStartDirectory() {
     return AsmStartDirectory.empty() ? nullptr : AsmStartDirectory.c_str();

@@ -8,19 +8,11 @@
 #pragma once
 
 #include "util/destination.h"
-#include "util/input.h"
 
-#include <array>
 #include <cstddef>
-#include <cstdint>
-#include <cstring>
-#include <deque>
 #include <string>
-#include <string_view>
 #include <vector>
 
-// Longest piece of a line that is read at once, in characters; a rest comes as the next line.
-inline constexpr std::size_t kLineReadLimit = 4095;
 // Longer lines, newline included, draw a warning.
 inline constexpr std::size_t kLineWarningLimit = 4093;
 // Longest name of a source file, in characters.
@@ -30,62 +22,14 @@ inline constexpr int kSourceStackTop = 18;
 // Include directories that are kept.
 inline constexpr std::size_t kIncludeDirectoryLimit = 21;
 
-// The text of one line: always NUL-terminated, with further NULs behind the terminator, so that a
-// position in it can be read a few characters ahead without a check.
-class LineBuffer {
-  public:
-    constexpr LineBuffer() = default;
-
-    // Takes at most kLineReadLimit bytes; a NUL among them ends the text.
-    void assign(const char *text, std::size_t size);
-
-    // The same for bytes of a file, of which none is a NUL.
-    void assign_without_nul(const char *text, std::size_t size);
-
-    // Cuts the last two characters and ends the line in a line feed instead.
-    void end_in_line_feed();
-
-    const char *begin() const { return text_.data(); }
-    std::size_t length() const { return length_; }
-    std::string_view view() const { return {text_.data(), length_}; }
-
-  private:
-    static constexpr std::size_t kGuard = 16; // NULs behind a line
-
-    void terminate(std::size_t length) {
-        length_ = length;
-        std::memset(&text_[length], 0, kGuard);
-    }
-
-    std::size_t length_ = 0;
-    std::array<char, kLineReadLimit + kFileGuard> text_{};
-};
-
-// A file opened in a pass.
-struct FileEntry {
-    std::string name;               // without directories; shown in the listing
-    std::string pathname;           // absolute; shown on standard output
-    int saved_line = 0;             // line number to resume at
-    const FileText *text = nullptr; // the file's bytes, owned by the module for the run
-    std::size_t position = 0;       // offset of the next byte to read
-};
-
 // ---- State owned here ----
 
 extern std::string AsmStartDirectory;   // the program's own directory, without a trailing separator
 extern std::string AsmCurrentDirectory; // working directory at start
-extern std::deque<FileEntry> file_entry; // files in opening order; rebuilt in passes 0 and 1
-extern int file_entry_ptr;               // index of the last file, -1: none
-extern int source_stack_ptr;             // nesting depth; 0: main file, -1: none
+extern int source_stack_ptr;            // nesting depth; 0: main file, -1: none
 extern int pplevel; // step in the sequence of file switches, -1 before the first
 extern std::vector<int> file_entry_index;      // per step: the current file's index, -1: none
 extern std::vector<std::string> include_stack; // include directories in the order given
-extern LineBuffer Line;                        // the current line
-extern const char *Line_Ptr;                   // its start
-extern const char *Col_Ptr;                    // scan position in it, advanced by every reader
-extern int Line_no;                            // 1-based line number within the current file
-extern int realline;                           // lines read in this pass, over all files
-extern int listline;                           // line number in the listing
 extern int newuse;  // the current file has changed; cleared by the listing
 extern int endflag; // the current file is to be left before the next line
 
@@ -100,7 +44,7 @@ void source_new_pass();
 // Before the final pass: rewinds every file and restarts the recorded sequence.
 void source_rewind();
 
-// Resets the line counters and endflag; part of source_new_pass too.
+// Restarts the line counters and clears endflag; part of source_new_pass too.
 void source_new_counts();
 
 // Makes name the current file, or takes the next recorded step in the final pass. Returns 1, also
@@ -116,13 +60,6 @@ int as_read_line();
 // Counts the next lines without reading them, as long as they are empty, comments, or begin with a
 // blank, behind which the first character is a letter: what pass 0 has no use for.
 void skip_lines_without_label();
-
-// n < 0: the current file, or the first when none is on the stack; else file n. None if there is no
-// such file.
-const FileEntry *getCurrentFileInfo(int n);
-
-// Index of the current file in the file table, -1: none.
-int current_file_index();
 
 // The module's directories, or none when empty.
 const char *GetAsmStartDirectory();

@@ -2,7 +2,7 @@
 
 #include "as/asDiag.h"
 #include "as/asOptions.h"
-#include "as/asSource.h"
+#include "as/asPlace.h"
 #include "symtab/symtab.h"
 #include "target/operand.h"
 #include "target/scan.h"

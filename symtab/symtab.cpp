@@ -4,7 +4,7 @@
 #include "as/asList.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
-#include "as/asSource.h"
+#include "as/asPlace.h"
 #include "expr/expr.h"
 #include "target/reloc.h"
 #include "util/buffer.h"

@@ -1,7 +1,7 @@
 #include "target/operand.h"
 
 #include "as/asOptions.h"
-#include "as/asSource.h"
+#include "as/asPlace.h"
 #include "expr/expr.h"
 #include "target/optab.h"
 #include "target/scan.h"

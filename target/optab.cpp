@@ -1,6 +1,6 @@
 #include "target/optab.h"
 
-#include "as/asSource.h"
+#include "as/asPlace.h"
 #include "util/text.h"
 
 #include <array>

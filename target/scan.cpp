@@ -1,7 +1,7 @@
 #include "target/scan.h"
 
 #include "as/asDiag.h"
-#include "as/asSource.h"
+#include "as/asPlace.h"
 #include "util/text.h"
 
 std::string_view yytext;

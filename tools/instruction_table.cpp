@@ -7,7 +7,7 @@
 #include "as/asList.h"
 #include "as/asMain.h"
 #include "as/asOptions.h"
-#include "as/asSource.h"
+#include "as/asPlace.h"
 #include "target/emit.h"
 #include "target/encode.h"
 #include "target/optab.h"

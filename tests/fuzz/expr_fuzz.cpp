@@ -2,7 +2,7 @@
 #include "as/asMain.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
-#include "as/asSource.h"
+#include "as/asPlace.h"
 #include "expr/expr.h"
 #include "symtab/symtab.h"
 #include "target/operand.h"

@@ -1,6 +1,6 @@
 // The token scanner, over a random line in either mode, until it has passed the end of the text.
 #include "as/asDiag.h"
-#include "as/asSource.h"
+#include "as/asPlace.h"
 #include "target/operand.h"
 #include "target/optab.h"
 #include "target/scan.h"

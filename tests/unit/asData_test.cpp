@@ -4,7 +4,7 @@
 #include "as/asLine.h"
 #include "as/asList.h"
 #include "as/asOptions.h"
-#include "as/asSource.h"
+#include "as/asPlace.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"
 #include "tests/unit/support.h"

@@ -2,6 +2,7 @@
 #include "as/asDiag.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
+#include "as/asPlace.h"
 #include "as/asSource.h"
 #include "tests/unit/support.h"
 

@@ -5,6 +5,7 @@
 #include "as/asList.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
+#include "as/asPlace.h"
 #include "as/asSource.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"

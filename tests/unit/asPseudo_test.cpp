@@ -5,6 +5,7 @@
 #include "as/asList.h"
 #include "as/asListing.h"
 #include "as/asOptions.h"
+#include "as/asPlace.h"
 #include "as/asPseudo.h"
 #include "as/asSource.h"
 #include "symtab/symtab.h"

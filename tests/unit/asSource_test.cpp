@@ -2,6 +2,7 @@
 #include "as/asDiag.h"
 #include "as/asLine.h"
 #include "as/asOptions.h"
+#include "as/asPlace.h"
 #include "as/asSource.h"
 #include "expr/expr.h"
 #include "target/emit.h"

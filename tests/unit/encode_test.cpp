@@ -1,11 +1,11 @@
 // The instruction encoders.
+#include "as/asPlace.h"
 #include "target/encode.h"
 
 #include "as/asDiag.h"
 #include "as/asLine.h"
 #include "as/asList.h"
 #include "as/asOptions.h"
-#include "as/asSource.h"
 #include "target/emit.h"
 #include "target/operand.h"
 #include "target/optab.h"

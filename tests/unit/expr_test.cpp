@@ -1,8 +1,8 @@
 // The expression evaluator.
+#include "as/asPlace.h"
 #include "expr/expr.h"
 
 #include "as/asOptions.h"
-#include "as/asSource.h"
 #include "symtab/symtab.h"
 #include "target/operand.h"
 #include "target/scan.h"

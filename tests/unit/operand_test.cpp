@@ -1,7 +1,7 @@
 // The operand parser.
+#include "as/asPlace.h"
 #include "target/operand.h"
 
-#include "as/asSource.h"
 #include "symtab/symtab.h"
 #include "target/optab.h"
 #include "target/scan.h"

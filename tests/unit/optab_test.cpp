@@ -1,7 +1,7 @@
 // The instruction table and the lookup of mnemonics.
+#include "as/asPlace.h"
 #include "target/optab.h"
 
-#include "as/asSource.h"
 #include "tests/unit/support.h"
 
 #include <cctype>

@@ -1,9 +1,9 @@
 // The token scanner and the scanner of names.
+#include "as/asPlace.h"
 #include "target/scan.h"
 
 #include "as/asDiag.h"
 #include "as/asOptions.h"
-#include "as/asSource.h"
 #include "tests/unit/support.h"
 
 #include <algorithm>

@@ -1,4 +1,6 @@
 #include "tests/unit/support.h"
+#include "as/asPlace.h"
+#include "as/asSource.h"
 
 #include "as/asDiag.h"
 #include "as/asLine.h"
@@ -8,7 +10,6 @@
 #include "as/asOptions.h"
 #include "as/asOutput.h"
 #include "as/asPseudo.h"
-#include "as/asSource.h"
 #include "expr/expr.h"
 #include "target/emit.h"
 #include "target/encode.h"

@@ -4,6 +4,7 @@
 #include "as/asList.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
+#include "as/asPlace.h"
 #include "as/asSource.h"
 #include "expr/expr.h"
 #include "symtab/symtab.h"

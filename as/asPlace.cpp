@@ -1,0 +1,62 @@
+#include "as/asPlace.h"
+
+#include <algorithm>
+
+LineBuffer Line;
+const char *Line_Ptr = Line.begin();
+const char *Col_Ptr = Line.begin();
+int Line_no = 0;
+int realline = 0;
+int listline = 0;
+
+std::deque<FileEntry> file_entry;
+int file_entry_ptr = -1;
+int place_file = -1;
+
+void LineBuffer::assign(const char *text, std::size_t size) {
+    const std::size_t taken = std::min(size, kLineReadLimit);
+    std::memcpy(text_.data(), text, taken);
+    terminate(taken);
+    terminate(std::strlen(text_.data()));
+}
+
+void LineBuffer::assign_without_nul(const char *text, std::size_t size) {
+    const std::size_t taken = std::min(size, kLineReadLimit);
+    // In whole pieces, for which there is room behind the file's text and the line's. Most lines
+    // are one.
+    std::size_t i = 0;
+    do {
+        std::memcpy(&text_[i], &text[i], kFileGuard);
+        i += kFileGuard;
+    } while (i < taken);
+    terminate(taken);
+}
+
+void LineBuffer::end_in_line_feed() {
+    text_[length_ - 2] = '\n';
+    terminate(length_ - 1);
+}
+
+const FileEntry *getCurrentFileInfo(int n) {
+    const int index = n < 0 ? std::max(place_file, 0) : n;
+    return index <= file_entry_ptr ? &file_entry[static_cast<std::size_t>(index)] : nullptr;
+}
+
+void place_new_run() {
+    place_new_pass();
+    Line.assign("", 0);
+    scan_from_start();
+}
+
+void place_new_pass() {
+    place_new_counts();
+    file_entry.clear();
+    file_entry_ptr = -1;
+    place_file = -1;
+}
+
+void place_new_counts() {
+    Line_no = 0;
+    realline = 0;
+    listline = 0;
+}
