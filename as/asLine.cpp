@@ -4,12 +4,12 @@
 #include "as/asDebug.h"
 #include "as/asDiag.h"
 #include "as/asEqu.h"
+#include "as/asLabel.h"
 #include "as/asList.h"
 #include "as/asOptions.h"
 #include "as/asPlace.h"
 #include "as/asPseudo.h"
 #include "as/asSource.h"
-#include "symtab/symtab.h"
 #include "target/encode.h"
 #include "target/optab.h"
 #include "target/scan.h"
@@ -17,21 +17,10 @@
 
 #include <cstring>
 
-int label = 0;
-int IsEqu = 0;
-int IsEquDirective = 0;
-int pending_listLC = 0;
-std::uint32_t listLC = 0;
-
-std::string last_seen_label;
-std::uint32_t last_seen_label_value = 0;
-std::uint32_t last_seen_label_offset = 0;
-
 namespace {
 
+// Coders from 1 to this one read operands.
 constexpr std::uint16_t kLastOperandCoder = 127;
-
-std::size_t label_length = 0; // characters of the label, which starts the line
 
 void done_without_address() {
     Line_Done = 1;
@@ -40,40 +29,51 @@ void done_without_address() {
 
 bool is_line_text_end(char ch) { return ch == '\n' || ch == '\0'; }
 
-// Carries out a conditional word, on every line, also while lines are skipped. The word stands
-// behind any characters that count as blanks; field is the line's first behind blanks and tabs.
-void conditional_word(const char *field) {
-    const char *p = skipblanc(field);
-    const int token = is_conditional_macro_directive(p);
-    if (token != 0) {
-        Col_Ptr = p;
-        if (DoCond(token) != 0) {
-            done_without_address();
-        }
-    }
+// ---- The steps of a line, in their order ----
+
+void begin_statement() {
+    mp->coder = kNoCoder;
+    dotLC = LC;
+    pending_listLC = 1;
 }
 
-bool is_debugger_line() { return *Line_Ptr == '.' && std::strncmp(Line_Ptr, ".stab", 5) == 0; }
+// Carries out a conditional word, which counts on every line, also while lines are skipped. The
+// word stands after any characters that count as blanks; field is the line's first after blanks and
+// tabs. True when the line is done with that.
+bool conditional_word(const char *field) {
+    const char *p = skipblanc(field);
+    const int token = is_conditional_macro_directive(p);
+    if (token == 0) {
+        return false;
+    }
+    Col_Ptr = p;
+    return DoCond(token) != 0;
+}
 
-// Skips a debugger line together with its continuation lines. False when the source ends inside.
-bool skip_debugger_line() {
-    while (line_divided(Line_Ptr)) {
-        if (as_read_line() == 0) {
-            Error("Read Error: Possibly last line continuation");
-            return false;
+// Quirk (indented-comment): a comment in the first column has no address in the listing, one after
+// blanks has.
+bool is_empty_or_comment() { return is_line_text_end(*Line_Ptr) || IsCommentChar(*Line_Ptr) != 0; }
+
+// Pass 0 takes such a line for an ordinary one, whose label is faulty.
+bool is_debugger_line(int pass) {
+    return pass != 0 && *Line_Ptr == '.' && std::strncmp(Line_Ptr, ".stab", 5) == 0;
+}
+
+// Records a debugger line, or skips it together with its continuation lines. False when the source
+// ends inside.
+bool debugger_line(int pass) {
+    if (pass == 2 && O_symdebug != 0) {
+        ProcessStab();
+    } else {
+        while (line_divided(Line_Ptr)) {
+            if (as_read_line() == 0) {
+                Error("Read Error: Possibly last line continuation");
+                return false;
+            }
         }
     }
     Line_Done = 1;
     return true;
-}
-
-bool debugger_line(int pass) {
-    if (pass == 2 && O_symdebug != 0) {
-        ProcessStab();
-        Line_Done = 1;
-        return true;
-    }
-    return skip_debugger_line();
 }
 
 // The label field, or the blanks in its place up to the operation at field.
@@ -88,46 +88,28 @@ void label_field(const char *field) {
     }
 }
 
-// The fields ahead of the operation. False when the source ended within a debugger line.
-bool leading_fields(int pass) {
-    // Quirk (indented-comment): a comment in the first column has no address in the listing, one
-    // after blanks has.
-    if (is_line_text_end(*Line_Ptr) || IsCommentChar(*Line_Ptr) != 0) {
-        done_without_address();
-        return true;
-    }
-    const char *field = skip_blanks_and_tabs(Line_Ptr);
-    conditional_word(field);
-    if (is_true_level() == 0) {
-        done_without_address();
-        return true;
-    }
-    if (Line_Done != 0) {
-        return true;
-    }
-    if (pass == 0 && isblanc(*Line_Ptr)) {
-        // Without a label there is no constant to define.
+// The blanks after the label; a line that ends there, or goes on with a comment, is done.
+void skip_to_operation() {
+    if (Line_Done == 0 && SkipSpace() != nullptr && IsCommentChar(*Col_Ptr) != 0) {
         Line_Done = 1;
-        return true;
     }
-    if (pass != 0 && is_debugger_line()) {
-        return debugger_line(pass);
-    }
-    label_field(field);
-    return true;
 }
 
-// In pass 0 only constants are defined. Quirk (equ-of-labels): no label has an address yet, so a
-// constant made of labels is computed with 0 for them, and anew only at its line in the final pass.
-// Quirk (equ-after-end): END is not carried out either, so constants after it count.
+// In pass 0 only constants are defined, and a constant needs a label. Quirk (equ-of-labels): no
+// label has an address yet, so a constant made of labels is computed with 0 for them, and anew only
+// at its line in the final pass. Quirk (equ-after-end): END is not carried out either, so constants
+// after it count.
 void constants_only() {
-    if (Line_Done == 0 && isPseudoEqu() != 0) {
+    if (Line_Done == 0 && label != 0 && isPseudoEqu() != 0) {
         DoEqu(0);
     }
 }
 
 // The operation field: a directive is carried out at once, an instruction is left in mp.
 void operation_field() {
+    if (Line_Done != 0) {
+        return;
+    }
     if (PseudoOp() != 0) {
         Line_Done = 1;
     } else if (ZIRPA_getmnem(mp) == 0) {
@@ -136,46 +118,25 @@ void operation_field() {
     }
 }
 
-void define_label(std::uint32_t value) {
-    const std::string_view name = label_name();
-    defsym(name, value, 1);
-    pending_listLC = 1;
-    SetLastLabel(name, value);
-}
-
-} // namespace
-
-void assaline(int pass) {
-    mp->coder = kNoCoder;
-    dotLC = LC;
-    pending_listLC = 1;
-    const std::uint32_t label_value = LC;
-    if (!leading_fields(pass)) {
-        return;
-    }
-    if (Line_Done == 0 && SkipSpace() != nullptr && IsCommentChar(*Col_Ptr) != 0) {
-        Line_Done = 1;
-    }
-    if (pass == 0) {
-        constants_only();
-        return;
-    }
-    listLC = LC;
-    if (Line_Done != 0 && label == 0) {
-        return;
-    }
-    if (Line_Done == 0) {
-        operation_field();
-    }
+// Data after an instruction belongs to no label any more.
+void forget_label_of_data() {
     if (mp->coder >= 1 && mp->coder <= kLastOperandCoder) {
         resetLabel();
     }
-    // The label takes the location from before the line's directive has changed it.
+}
+
+// Defines the label unless a directive has done so. It takes the location from before the line's
+// directive has changed it.
+void define_line_label(std::uint32_t location) {
     if (label != 0 && IsEqu == 0) {
-        define_label(label_value);
+        define_label(location);
+        pending_listLC = 1;
     }
-    // Quirk (faulty-label): an error of the label leaves out the instruction; a directive has been
-    // carried out above.
+}
+
+// Quirk (faulty-label): an error of the label leaves out the instruction, while a directive has
+// been carried out before.
+void instruction() {
     if (Line_Done == 0) {
         SkipSpace();
         CodeLine();
@@ -183,16 +144,32 @@ void assaline(int pass) {
     }
 }
 
-int IsLabel() {
-    if (valid_sym() == 0) {
-        return 0;
-    }
-    label_length = yytext.size();
-    lookahead(':');
-    return 1;
-}
+} // namespace
 
-std::string_view label_name() { return {Line_Ptr, label_length}; }
+void assaline(int pass) {
+    begin_statement(); // 1
+    const std::uint32_t location = LC;
+    const char *field = skip_blanks_and_tabs(Line_Ptr);
+    if (conditional_word(field) || is_true_level() == 0 || is_empty_or_comment()) { // 2
+        done_without_address();
+    } else if (is_debugger_line(pass)) { // 3
+        if (!debugger_line(pass)) {
+            return;
+        }
+    } else {
+        label_field(field); // 4
+    }
+    skip_to_operation(); // 5
+    if (pass == 0) {
+        constants_only(); // 6
+        return;
+    }
+    listLC = LC;
+    operation_field();           // 7
+    forget_label_of_data();      // 8
+    define_line_label(location); // 9
+    instruction();               // 10
+}
 
 int Skip_Delimiter() {
     const char delimiter = *Col_Ptr++;
@@ -214,31 +191,3 @@ const char *SkipSpace() {
     }
     return Col_Ptr;
 }
-
-void resetLabel() {
-    last_seen_label.clear();
-    last_seen_label_value = 0;
-    last_seen_label_offset = 0;
-}
-
-void SetLastLabel(std::string_view name, std::uint32_t value) {
-    last_seen_label = name;
-    last_seen_label_value = value;
-    last_seen_label_offset = 0;
-}
-
-void define_directive_label() {
-    if (label != 0) {
-        const std::string_view name = label_name();
-        defsym(name, LC, 1);
-        SetLastLabel(name, LC);
-        IsEqu = 1;
-    }
-}
-
-void line_new_run() {
-    resetLabel();
-    line_new_pass();
-}
-
-void line_new_pass() { listLC = 0; }

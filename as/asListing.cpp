@@ -2,7 +2,7 @@
 
 #include "as/asCond.h"
 #include "as/asDebug.h"
-#include "as/asLine.h"
+#include "as/asLabel.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
 #include "as/asPlace.h"

@@ -5,6 +5,7 @@
 #include "as/asDebug.h"
 #include "as/asDiag.h"
 #include "as/asFiles.h"
+#include "as/asLabel.h"
 #include "as/asLine.h"
 #include "as/asList.h"
 #include "as/asListing.h"
@@ -27,7 +28,7 @@ constexpr int kStatusMask = 0xFF;
 // What every pass begins with.
 void reset_pass_state() {
     location_new_pass();
-    line_new_pass();
+    label_new_pass();
     listing_new_pass();
     pseudo_new_pass();
 }
@@ -178,7 +179,7 @@ void start_up(const char *invocation) {
     source_new_run(invocation);
     command_new_run();
     files_new_run();
-    line_new_run();
+    label_new_run();
     location_new_pass();
     listing_new_run();
     pseudo_new_run();

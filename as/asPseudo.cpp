@@ -3,7 +3,7 @@
 #include "as/asData.h"
 #include "as/asDiag.h"
 #include "as/asEqu.h"
-#include "as/asLine.h"
+#include "as/asLabel.h"
 #include "as/asList.h"
 #include "as/asListing.h"
 #include "as/asOptions.h"

@@ -1,7 +1,7 @@
 #include "as/asSource.h"
 
 #include "as/asDiag.h"
-#include "as/asLine.h"
+#include "as/asLabel.h"
 #include "as/asOptions.h"
 #include "as/asPlace.h"
 #include "expr/expr.h"
@@ -202,7 +202,7 @@ bool read_piece(FileEntry &file) {
 
 void reset_line_state() {
     diag_new_line();
-    line_new_line();
+    label_new_line();
     emit_new_line();
     scan_new_line();
     operand_new_line();

@@ -1,7 +1,7 @@
 // Conditional assembly: the nesting, the names that tests and definitions enter, and every report.
 #include "as/asCond.h"
 #include "as/asDiag.h"
-#include "as/asLine.h"
+#include "as/asLabel.h"
 #include "as/asList.h"
 #include "as/asListing.h"
 #include "as/asOptions.h"

@@ -1,7 +1,7 @@
 // Data directives: what they emit, what they report, and the sizes they register for labels.
 #include "as/asData.h"
 #include "as/asDiag.h"
-#include "as/asLine.h"
+#include "as/asLabel.h"
 #include "as/asList.h"
 #include "as/asOptions.h"
 #include "as/asPlace.h"

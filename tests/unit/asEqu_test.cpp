@@ -1,7 +1,7 @@
 // EQU: constants, their redefinable form, and the checks of the final pass.
 #include "as/asDiag.h"
 #include "as/asEqu.h"
-#include "as/asLine.h"
+#include "as/asLabel.h"
 #include "as/asList.h"
 #include "as/asOptions.h"
 #include "as/asPlace.h"

@@ -1,6 +1,7 @@
 // The line assembler: its small functions, the fields of a line, and the label that data belongs
 // to.
 #include "as/asDiag.h"
+#include "as/asLabel.h"
 #include "as/asLine.h"
 #include "as/asList.h"
 #include "as/asOptions.h"
@@ -36,52 +37,6 @@ class AssembledLine : public RunTest {
 
 // ---- Helpers
 // ----------------------------------------------------------------------------------------
-
-TEST_F(AssembledLine, LabelIsReadWithOneColonBehindIt) {
-    set_line("LOOP NOP\n");
-    EXPECT_EQ(IsLabel(), 1);
-    EXPECT_EQ(column(), 4);
-    set_line("LOOP: NOP\n");
-    EXPECT_EQ(IsLabel(), 1);
-    EXPECT_EQ(column(), 5);
-    set_line("LOOP:: NOP\n");
-    EXPECT_EQ(IsLabel(), 1);
-    EXPECT_EQ(column(), 5);
-    set_line("LOOP : NOP\n");
-    EXPECT_EQ(IsLabel(), 1);
-    EXPECT_EQ(column(), 4);
-}
-
-TEST_F(AssembledLine, LabelHoldsDollarsAndDotsBehindALetterOrUnderscore) {
-    set_line("_a$.9+1\n");
-    EXPECT_EQ(IsLabel(), 1);
-    EXPECT_EQ(column(), 5);
-}
-
-TEST_F(AssembledLine, WhatIsNoLabelIsNotMovedPast) {
-    for (const char *text : {"1ABC\n", ".x\n", "$x\n", ":x\n", "\n", ""}) {
-        set_line(text);
-        EXPECT_EQ(IsLabel(), 0) << text;
-        EXPECT_EQ(column(), 0) << text;
-    }
-}
-
-TEST_F(AssembledLine, LabelIsCutBehind128Characters) {
-    for (const long size : {127L, 128L, 129L}) {
-        set_line(std::string(static_cast<std::size_t>(size), 'a') + ": NOP\n");
-        EXPECT_EQ(IsLabel(), 1);
-        EXPECT_EQ(column(), size <= 128 ? size + 1 : 128) << size;
-    }
-}
-
-TEST_F(AssembledLine, LabelsNameIsReadFromTheLine) {
-    set_line("LOOP: NOP\n");
-    label = IsLabel();
-    EXPECT_EQ(label_name(), "LOOP");
-    set_line("a.b\n");
-    label = IsLabel();
-    EXPECT_EQ(label_name(), "a.b");
-}
 
 TEST_F(AssembledLine, CommaIsTakenAsADelimiter) {
     begin_reports();
@@ -157,19 +112,6 @@ TEST_F(AssembledLine, SkippingToTheEndOfTheLineEndsWorkOnIt) {
 
 // ---- The last seen label
 // ----------------------------------------------------------------------------
-
-TEST_F(AssembledLine, LastLabelIsSetWithNothingRegisteredAndForgottenWhole) {
-    last_seen_label_offset = 9;
-    SetLastLabel("DATA", 0x123);
-    EXPECT_EQ(last_seen_label, "DATA");
-    EXPECT_EQ(last_seen_label_value, 0x123U);
-    EXPECT_EQ(last_seen_label_offset, 0U);
-    last_seen_label_offset = 2;
-    resetLabel();
-    EXPECT_EQ(last_seen_label, "");
-    EXPECT_EQ(last_seen_label_value, 0U);
-    EXPECT_EQ(last_seen_label_offset, 0U);
-}
 
 TEST_F(AssembledLine, LabelOfALineIsTheLastSeenOne) {
     LC = 0x20;
@@ -425,12 +367,6 @@ TEST_F(AssembledLine, DebuggerLineGoesToItsRecordsWithTheOptionAlone) {
     EXPECT_EQ(Line_Done, 1);
     assemble(" .stab type t\n", 2);
     EXPECT_EQ(take_output(), error("Illegal mnemonic"));
-}
-
-TEST_F(AssembledLine, NewPassClearsTheListedAddress) {
-    listLC = 5;
-    line_new_pass();
-    EXPECT_EQ(listLC, 0U);
 }
 
 } // namespace

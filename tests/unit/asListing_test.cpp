@@ -1,6 +1,6 @@
 // The listing of a line: its address, its bytes in both layouts, its continuation lines.
 #include "as/asCond.h"
-#include "as/asLine.h"
+#include "as/asLabel.h"
 #include "as/asList.h"
 #include "as/asListing.h"
 #include "as/asOptions.h"

@@ -1,7 +1,7 @@
 // Directives: their tables, the recognisers, the dispatcher with the numbers that no word has, and
 // ORG and END.
 #include "as/asDiag.h"
-#include "as/asLine.h"
+#include "as/asLabel.h"
 #include "as/asList.h"
 #include "as/asListing.h"
 #include "as/asOptions.h"

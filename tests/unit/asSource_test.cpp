@@ -1,6 +1,6 @@
 // Source files: nesting and its replay, the search for a file, and the reader of lines.
 #include "as/asDiag.h"
-#include "as/asLine.h"
+#include "as/asLabel.h"
 #include "as/asOptions.h"
 #include "as/asPlace.h"
 #include "as/asSource.h"

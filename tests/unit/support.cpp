@@ -3,7 +3,7 @@
 #include "as/asSource.h"
 
 #include "as/asDiag.h"
-#include "as/asLine.h"
+#include "as/asLabel.h"
 #include "as/asList.h"
 #include "as/asListing.h"
 #include "as/asMain.h"
@@ -62,7 +62,7 @@ void RunTest::begin_pass() {
     source_new_pass();
     diag_new_pass();
     location_new_pass();
-    line_new_pass();
+    label_new_pass();
     listing_new_pass();
     pseudo_new_pass();
     resetLabel();
@@ -77,7 +77,7 @@ void RunTest::set_line(const std::string &text) {
 
 void RunTest::begin_line(const std::string &text) {
     diag_new_line();
-    line_new_line();
+    label_new_line();
     emit_new_line();
     encode_new_line();
     operand_new_line();

@@ -1,6 +1,5 @@
 // The symbol table: creation, lookup, the rules of definition in each pass, and the printed table.
 #include "as/asDiag.h"
-#include "as/asLine.h"
 #include "as/asList.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"

@@ -1,0 +1,65 @@
+#include "as/asLabel.h"
+
+#include "as/asList.h"
+#include "as/asPlace.h"
+#include "symtab/symtab.h"
+#include "target/scan.h"
+
+int label = 0;
+int IsEqu = 0;
+int IsEquDirective = 0;
+int pending_listLC = 0;
+std::uint32_t listLC = 0;
+
+std::string last_seen_label;
+std::uint32_t last_seen_label_value = 0;
+std::uint32_t last_seen_label_offset = 0;
+
+namespace {
+
+std::size_t label_length = 0; // characters of the label, which starts the line
+
+} // namespace
+
+int IsLabel() {
+    if (valid_sym() == 0) {
+        return 0;
+    }
+    label_length = yytext.size();
+    lookahead(':');
+    return 1;
+}
+
+std::string_view label_name() { return {Line_Ptr, label_length}; }
+
+void resetLabel() {
+    last_seen_label.clear();
+    last_seen_label_value = 0;
+    last_seen_label_offset = 0;
+}
+
+void SetLastLabel(std::string_view name, std::uint32_t value) {
+    last_seen_label = name;
+    last_seen_label_value = value;
+    last_seen_label_offset = 0;
+}
+
+void define_label(std::uint32_t value) {
+    const std::string_view name = label_name();
+    defsym(name, value, 1);
+    SetLastLabel(name, value);
+}
+
+void define_directive_label() {
+    if (label != 0) {
+        define_label(LC);
+        IsEqu = 1;
+    }
+}
+
+void label_new_run() {
+    resetLabel();
+    label_new_pass();
+}
+
+void label_new_pass() { listLC = 0; }
