@@ -108,7 +108,7 @@ bool name_is_defined() {
 // lack.
 void start_skipping() {
     if (skipping == 0) {
-        as_write_listline();
+        as_write_listline(false);
     }
     skipping = ifdepth;
 }

@@ -4,7 +4,7 @@
 #include "as/asList.h"
 #include "as/asOutput.h"
 #include "as/asPlace.h"
-#include "as/asSource.h"
+#include "as/asRead.h"
 #include "expr/expr.h"
 #include "symtab/symtab.h"
 #include "util/format.h"

@@ -9,7 +9,7 @@
 #include "as/asOptions.h"
 #include "as/asPlace.h"
 #include "as/asPseudo.h"
-#include "as/asSource.h"
+#include "as/asRead.h"
 #include "target/encode.h"
 #include "target/optab.h"
 #include "target/scan.h"

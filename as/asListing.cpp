@@ -1,6 +1,5 @@
 #include "as/asListing.h"
 
-#include "as/asCond.h"
 #include "as/asDebug.h"
 #include "as/asLabel.h"
 #include "as/asOptions.h"
@@ -109,14 +108,14 @@ void put_file_header() {
 
 } // namespace
 
-void as_write_listline() {
+void as_write_listline(bool is_skipped) {
     if (O_symdebug != 0 && isinstruction != 0 && O_compiler_generated_input == 0) {
         asm_write_sd_exec(Line_no, 1, listLC);
     }
     if (O_list == 0 || listing_on == 0 || Pass2 == 0) {
         return;
     }
-    if (is_true_level() == 0 && uncond_listing_on == 0) {
+    if (is_skipped && uncond_listing_on == 0) {
         return;
     }
     put_line();

@@ -8,8 +8,9 @@ extern int uncond_listing_on; // skipped lines are listed too; reset at each pas
 
 // ---- Functions ----
 
-// Lists the current line and, with -g, records an instruction for the debugger.
-void as_write_listline();
+// Lists the current line and, with -g, records an instruction for the debugger. A line that
+// conditional assembly skips is listed only where that has been switched on.
+void as_write_listline(bool is_skipped);
 
 void listing_new_run();
 void listing_new_pass();

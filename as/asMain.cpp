@@ -13,9 +13,11 @@
 #include "as/asOutput.h"
 #include "as/asPlace.h"
 #include "as/asPseudo.h"
+#include "as/asRead.h"
 #include "as/asSource.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"
+#include "util/text.h"
 
 #include <csignal>
 #include <new>
@@ -47,10 +49,21 @@ int cannot_open(const char *file) {
     return 0;
 }
 
-// The next line for pass 0. Conditional words may begin with a letter in the other dialects only.
-int next_line_with_label() {
+// What pass 0 has no use for, because it looks for constants and conditional words only: empty
+// lines, comments, and lines that begin with a blank and a word. A piece without a line feed may be
+// followed by blanks without end, so it is read.
+bool has_no_constant(const char *text, std::size_t size) {
+    if (*text == ' ') {
+        return text[size - 1] == '\n' && has_class(*skip_blanks_and_tabs(text), kClassLetter);
+    }
+    return *text == ';' || *text == '\n';
+}
+
+// The next line for pass 0. To count the others instead of reading them halves the pass: most lines
+// are instructions. Conditional words may begin with a letter in the other dialects only.
+int next_line_with_constant() {
     if (O_directive_style_native == 0 && O_directive_style_gnu == 0) {
-        skip_lines_without_label();
+        skip_source_lines(has_no_constant);
     }
     return as_read_line();
 }
@@ -62,7 +75,7 @@ int constants_pass(const char *file) {
     if (push_source(file) == 0) {
         return cannot_open(file);
     }
-    while (next_line_with_label() != 0) {
+    while (next_line_with_constant() != 0) {
         assaline(0);
     }
     return 1;
@@ -101,7 +114,7 @@ void final_pass() {
     diag_new_counts();
     while (as_read_line() != 0) {
         assaline(2);
-        as_write_listline();
+        as_write_listline(is_true_level() == 0);
     }
     if (O_symtab != 0) {
         symwrite(O_list != 0 ? listfile : standard_output);

@@ -1,14 +1,8 @@
 #include "as/asSource.h"
 
 #include "as/asDiag.h"
-#include "as/asLabel.h"
 #include "as/asOptions.h"
 #include "as/asPlace.h"
-#include "expr/expr.h"
-#include "target/emit.h"
-#include "target/encode.h"
-#include "target/operand.h"
-#include "target/scan.h"
 #include "util/input.h"
 #include "util/path.h"
 #include "util/text.h"
@@ -177,12 +171,6 @@ inline std::size_t piece_size(const FileEntry &file) {
     return size_with_line_feed(&file.text->data[file.position], left);
 }
 
-// True when a letter follows the blanks at the start of a whole line. A piece without a line feed
-// may be followed by blanks without end.
-bool is_indented_word(const char *start, std::size_t size) {
-    return start[size - 1] == '\n' && has_class(*skip_blanks_and_tabs(start), kClassLetter);
-}
-
 // Reads the next piece of a file into Line.
 bool read_piece(FileEntry &file) {
     const FileText &text = *file.text;
@@ -198,16 +186,6 @@ bool read_piece(FileEntry &file) {
         Line.assign_without_nul(start, size);
     }
     return true;
-}
-
-void reset_line_state() {
-    diag_new_line();
-    label_new_line();
-    emit_new_line();
-    scan_new_line();
-    operand_new_line();
-    expr_new_line();
-    encode_new_line();
 }
 
 std::string start_directory(const char *invocation) {
@@ -293,14 +271,10 @@ int pop_source() {
     return source_stack_ptr >= 0 ? 1 : 0;
 }
 
-int as_read_line() {
-    if (endflag != 0 && pop_source() == 0) {
-        return 0;
-    }
-    reset_line_state();
+bool read_source_line() {
     while (file_being_read == nullptr || !read_piece(*file_being_read)) {
         if (pop_source() == 0) {
-            return 0;
+            return false;
         }
     }
     count_line();
@@ -313,23 +287,22 @@ int as_read_line() {
     if (length >= 2 && Line.begin()[length - 2] == '\r') {
         Line.end_in_line_feed();
     }
-    return 1;
+    return true;
 }
 
-void skip_lines_without_label() {
+void skip_source_lines(LineTest is_skipped) {
     if (file_being_read == nullptr || endflag != 0) {
         return;
     }
     FileEntry &file = *file_being_read;
-    const char *start = &file.text->data[file.position];
-    while (*start == ' ' || *start == ';' || *start == '\n') {
+    while (true) {
+        const char *start = &file.text->data[file.position];
         const std::size_t size = piece_size(file);
-        if (*start == ' ' && !is_indented_word(start, size)) {
+        if (size == 0 || !is_skipped(start, size)) {
             return;
         }
         count_line();
         file.position += size;
-        start += size;
     }
 }
 

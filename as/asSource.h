@@ -1,5 +1,5 @@
-// Source files: the stack of open files, the table of files of a pass, the include directories, and
-// the reader that delivers one line at a time.
+// Source files: the stack of open files, the search for a file, and the next line of the one that
+// is read.
 //
 // Passes 0 and 1 record the sequence of file switches; the final pass replays it instead of opening
 // anything, so that all passes see the same lines in the same order. A file's text is read into
@@ -54,12 +54,16 @@ int push_source(const char *name);
 // Leaves the current file. Returns 1 when a file remains, else 0.
 int pop_source();
 
-// Delivers the next line in Line. Returns 1, or 0 at the end of the main file.
-int as_read_line();
+// Puts the next line into Line and the scan position at its start, and counts it. False at the end
+// of the main file. The state of the line is as_read_line's to reset.
+bool read_source_line();
 
-// Counts the next lines without reading them, as long as they are empty, comments, or begin with a
-// blank, behind which the first character is a letter: what pass 0 has no use for.
-void skip_lines_without_label();
+// Whether a line is of no use to a pass. The text holds the size characters of the line, its line
+// feed included where it has one, and what follows it in the file.
+using LineTest = bool (*)(const char *text, std::size_t size);
+
+// Counts the lines that come next without reading them, up to the first that is of use.
+void skip_source_lines(LineTest is_skipped);
 
 // The module's directories, or none when empty.
 const char *GetAsmStartDirectory();

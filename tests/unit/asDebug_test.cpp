@@ -5,6 +5,7 @@
 #include "as/asOptions.h"
 #include "as/asOutput.h"
 #include "as/asPlace.h"
+#include "as/asRead.h"
 #include "as/asSource.h"
 #include "symtab/symtab.h"
 #include "tests/unit/support.h"

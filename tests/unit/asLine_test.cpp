@@ -7,6 +7,7 @@
 #include "as/asOptions.h"
 #include "as/asOutput.h"
 #include "as/asPlace.h"
+#include "as/asRead.h"
 #include "as/asSource.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"

@@ -228,4 +228,25 @@ TEST_F(WholeRun, SymbolTableIsPrintedAheadOfTheSummary) {
                                                   "\t0005\tA\n-- No errors.\n");
 }
 
+// Pass 0 counts the lines in which there is no constant, and must find the others among them.
+TEST_F(WholeRun, ConstantsAreFoundBetweenLinesOfAllKinds) {
+    const std::string comment = "; " + std::string(200, 'x') + "\n";
+    const std::string counted = "\n; c\n NOP\n\n;\n  \t LDA #1\n" + comment;
+    for (const std::string next : {"", "\tNOP\n", " ;\n", "  \n", "L NOP\n"}) {
+        write_file("t.szirpa", " ORG A\n" + counted + next + "A EQU 1\nA EQU 1\n");
+        const std::string line = std::to_string(next.empty() ? 9 : 10);
+        EXPECT_NE(run({"t.szirpa"})
+                      .output.find("Error: symbol 'A' previously defined at line " + line + "\n"),
+                  std::string::npos)
+            << next;
+    }
+}
+
+TEST_F(WholeRun, ConditionalWordsAreFoundBetweenCountedLines) {
+    write_file("t.szirpa", " NOP\n ##if 0\nA EQU 1\n #endif\n NOP\nB EQU 1\nB EQU 1\n");
+    const Result result = run({"-S", "t.szirpa"});
+    EXPECT_NE(result.output.find("'B' previously defined at line 6\n"), std::string::npos);
+    EXPECT_EQ(result.output.find("\tA\n"), std::string::npos);
+}
+
 } // namespace

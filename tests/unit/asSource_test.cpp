@@ -1,14 +1,9 @@
 // Source files: nesting and its replay, the search for a file, and the reader of lines.
 #include "as/asDiag.h"
-#include "as/asLabel.h"
 #include "as/asOptions.h"
 #include "as/asPlace.h"
+#include "as/asRead.h"
 #include "as/asSource.h"
-#include "expr/expr.h"
-#include "target/emit.h"
-#include "target/encode.h"
-#include "target/operand.h"
-#include "target/scan.h"
 #include "tests/unit/support.h"
 
 #include <algorithm>
@@ -634,85 +629,51 @@ TEST_F(Source, RestOfALineBeyond4095CharactersComesAsTheNextLine) {
     }
 }
 
-TEST_F(Source, EveryLineBeginsWithItsStateReset) {
-    open_source_file("main", "one\n");
-    Line_Done = 1;
-    LineError = 1;
-    label = 1;
-    IsEqu = 1;
-    IsEquDirective = 1;
-    pending_listLC = 1;
-    code_i = 5;
-    isinstruction = 1;
-    ctoken = 9;
-    commadel = 1;
-    Byte_Extension = 0;
-    ASSERT_EQ(as_read_line(), 1);
-    EXPECT_EQ(Line_Done, 0);
-    EXPECT_EQ(LineError, 0);
-    EXPECT_EQ(label, 0);
-    EXPECT_EQ(IsEqu, 0);
-    EXPECT_EQ(IsEquDirective, 0);
-    EXPECT_EQ(pending_listLC, 0);
-    EXPECT_EQ(code_i, 0U);
-    EXPECT_EQ(isinstruction, 0);
-    EXPECT_EQ(ctoken, 0);
-    EXPECT_EQ(commadel, 0);
-    EXPECT_EQ(Byte_Extension, 1);
-}
-
-TEST_F(Source, EveryLineBeginsWithoutForwardReferences) {
-    open_source_file("main", "one\n");
-    forwardref = 3;
-    ASSERT_EQ(as_read_line(), 1);
-    EXPECT_EQ(forwardref, 0);
-}
-
-TEST_F(Source, EveryLineBeginsWithItsBytesCleared) {
-    open_source_file("main", "one\n");
-    Code.fill(0xEE);
-    code_i = Code.size();
-    ASSERT_EQ(as_read_line(), 1);
-    EXPECT_TRUE(std::all_of(Code.begin(), Code.end(), [](std::uint8_t byte) { return byte == 0; }));
-}
-
 // ---- Lines that are only counted ----
 
-TEST_F(Source, LinesWithoutALabelAreCountedUpToTheFirstThatMayHaveOne) {
-    const std::string comment = "; " + std::string(200, 'x') + "\n";
-    const std::string counted = "\n; c\n NOP\n\n;\n  \t LDA #1\n" + comment;
-    for (const std::string next :
-         {"A EQU 1\n", "\tNOP\n", " ##if 1\n", " 5\n", " ;\n", "  \n", " \x80 NOP\n", " NOP", ""}) {
-        source_new_run("HXzirpa");
-        open_source_file("t.szirpa", counted + next);
-        skip_lines_without_label();
-        EXPECT_EQ(Line_no, 7) << next;
-        EXPECT_EQ(realline, 7) << next;
-        EXPECT_EQ(listline, 7) << next;
-        EXPECT_EQ(as_read_line(), next.empty() ? 0 : 1) << next;
-        if (!next.empty()) {
-            EXPECT_EQ(Line.view(), next);
-        }
-    }
+bool is_comment(const char *text, std::size_t /*size*/) { return *text == ';'; }
+
+TEST_F(Source, SkippedLinesAreCountedUpToTheFirstThatIsOfUse) {
+    open_source_file("t.szirpa", ";1\n;2\nA EQU 1\n;4\n");
+    skip_source_lines(is_comment);
+    EXPECT_EQ(Line_no, 2);
+    EXPECT_EQ(realline, 2);
+    EXPECT_EQ(listline, 2);
+    EXPECT_EQ(as_read_line(), 1);
+    EXPECT_EQ(line_text(), "A EQU 1\n");
+    skip_source_lines(is_comment);
+    EXPECT_EQ(Line_no, 4);
+    EXPECT_EQ(as_read_line(), 0);
 }
 
-TEST_F(Source, TheRestOfALongCommentIsALineOfItsOwn) {
+TEST_F(Source, TestOfALineIsGivenItsSizeWithTheLineFeed) {
+    static std::vector<std::size_t> sizes;
+    sizes.clear();
+    open_source_file("t.szirpa", "\n12\n1234");
+    skip_source_lines([](const char *, std::size_t size) {
+        sizes.push_back(size);
+        return true;
+    });
+    EXPECT_EQ(sizes, (std::vector<std::size_t>{1, 3, 4}));
+}
+
+TEST_F(Source, TheRestOfALongLineIsALineOfItsOwn) {
     open_source_file("t.szirpa", ";" + std::string(4094, 'x') + "A EQU 1\n; the last");
-    skip_lines_without_label();
+    skip_source_lines(is_comment);
     EXPECT_EQ(Line_no, 1);
     EXPECT_EQ(as_read_line(), 1);
     EXPECT_EQ(Line.view(), "A EQU 1\n");
-    skip_lines_without_label();
+    skip_source_lines(is_comment);
     EXPECT_EQ(Line_no, 3);
     EXPECT_EQ(as_read_line(), 0);
 }
 
-TEST_F(Source, NothingIsCountedOutsideASourceAndBehindItsEnd) {
-    skip_lines_without_label();
+TEST_F(Source, NothingIsCountedOutsideASourceAndAfterItsEnd) {
+    skip_source_lines(is_comment);
     EXPECT_EQ(Line_no, 0);
-    open_source_file("t.szirpa", "\n\n");
+    open_source_file("t.szirpa", ";\n;\n");
     endflag = 1;
-    skip_lines_without_label();
+    skip_source_lines(is_comment);
     EXPECT_EQ(Line_no, 0);
 }
 

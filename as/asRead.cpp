@@ -1,0 +1,33 @@
+#include "as/asRead.h"
+
+#include "as/asDiag.h"
+#include "as/asLabel.h"
+#include "as/asSource.h"
+#include "expr/expr.h"
+#include "target/emit.h"
+#include "target/encode.h"
+#include "target/operand.h"
+#include "target/scan.h"
+
+namespace {
+
+void reset_line_state() {
+    diag_new_line();
+    label_new_line();
+    emit_new_line();
+    scan_new_line();
+    operand_new_line();
+    expr_new_line();
+    encode_new_line();
+}
+
+} // namespace
+
+int as_read_line() {
+    // END takes effect here: the rest of its file is not read.
+    if (endflag != 0 && pop_source() == 0) {
+        return 0;
+    }
+    reset_line_state();
+    return read_source_line() ? 1 : 0;
+}
