@@ -4,6 +4,7 @@
 #include "as/asCond.h"
 #include "as/asDebug.h"
 #include "as/asDiag.h"
+#include "as/asDialect.h"
 #include "as/asFiles.h"
 #include "as/asLabel.h"
 #include "as/asLine.h"
@@ -32,7 +33,7 @@ void reset_pass_state() {
     location_new_pass();
     label_new_pass();
     listing_new_pass();
-    pseudo_new_pass();
+    dialect_new_pass();
 }
 
 // Before passes 0 and 1.

@@ -1,18 +1,20 @@
-// Directives: their words, their recognition and dispatch, and those that emit nothing.
+// Directives: from the word to its handler, and ORG and END, which move and end the program.
 //
-// A word is matched in any case and must end at a blank. Directives are numbered across all
-// dialects that share the dispatcher; only the three tables below have words for them here.
+// A word is matched in any case and must end at a blank. A new directive is one more row of
+// pseudo_zirpa. The numbers go through all dialects that share the tables' layout; conditional
+// words are known by theirs alone.
 #pragma once
 
 #include "as/asOptions.h"
 
 #include <cstdint>
 
-// A row of a directive table; none ends a table.
+// A row of a directive table; one without a name ends a table.
 struct DirectiveEntry {
     const char *name; // lower case
     std::uint32_t token;
     std::int32_t reserved; // 0
+    int (*handler)();      // with the scan position at the operand; null for conditional words
 };
 
 // Directive numbers.
@@ -44,16 +46,15 @@ enum DirectiveToken : std::uint32_t {
 };
 
 extern const DirectiveEntry pseudo_zirpa[]; // directives of the operation field
-extern const DirectiveEntry macro_pure[];   // conditional words behind a "#"
+extern const DirectiveEntry macro_pure[];   // conditional words after a "#"
 extern const DirectiveEntry macro_native[]; // dotted conditional words
 
 // ---- State owned here ----
 
-extern std::uint32_t MC6809_anticipated_dp; // direct page that token 53 assumes; reset at each pass
-extern int default_entry_seen;              // an ORG has been carried out; set once in a run
-extern std::uint32_t defaultentryLC;        // the operand of that first ORG
-extern int entry_is_defined;                // END has named a start symbol; set once in a run
-extern std::int64_t entryLC;                // its value
+extern int default_entry_seen;       // an ORG has been carried out; set once in a run
+extern std::uint32_t defaultentryLC; // the operand of that first ORG
+extern int entry_is_defined;         // END has named a start symbol; set once in a run
+extern std::int64_t entryLC;         // its value
 
 // ---- Functions ----
 
@@ -64,15 +65,11 @@ std::uint32_t GetPseudoToken(const char *word);
 // none; 1 or 2 when it was carried out; -1 when it failed or was ignored.
 int PseudoOp();
 
-// Carries out a directive by its number, with the scan position at its operand; as PseudoOp, with
-// -1 for numbers that do nothing.
-int do_directive(std::uint32_t token);
-
-// 1 when EQU stands at the scan position, which then moves past it and the blanks behind it; else
+// 1 when EQU stands at the scan position, which then moves past it and the blanks after it; else
 // 0.
 int isPseudoEqu();
 
-// The number 44 to 51 of a conditional word at position, which then moves behind it, or 0.
+// The number 44 to 51 of a conditional word at position, which then moves past it, or 0.
 int find_conditional_word(const char *&position);
 
 // The same, asked on every line: where only the "#" words count, most lines need no search.
@@ -88,4 +85,3 @@ int DoOrg();
 int DoEnd();
 
 void pseudo_new_run();
-void pseudo_new_pass();

@@ -1,16 +1,13 @@
-// Directives: their tables, the recognisers, the dispatcher with the numbers that no word has, and
-// ORG and END.
+// Directives: their tables, the recognisers, the way from a word to its handler, and ORG and END.
 #include "as/asDiag.h"
 #include "as/asLabel.h"
 #include "as/asList.h"
-#include "as/asListing.h"
 #include "as/asOptions.h"
 #include "as/asPlace.h"
 #include "as/asPseudo.h"
 #include "as/asSource.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"
-#include "target/operand.h"
 #include "tests/unit/support.h"
 
 #include <utility>
@@ -32,12 +29,6 @@ Words rows(const DirectiveEntry *table) {
 
 class Directives : public ReportTest {
   protected:
-    // Carries out a directive by its number on an operand.
-    static int directive(std::uint32_t token, const std::string &operand) {
-        begin_line(operand);
-        return do_directive(token);
-    }
-
     // The directive at the start of a text, as the dispatcher sees it.
     static int dispatch(const std::string &text) {
         begin_line(text);
@@ -259,178 +250,6 @@ TEST_F(Directives, LongWordIsNoDirectiveAndIsLeftWhole) {
     }
 }
 
-TEST_F(Directives, IncludeOpensTheFileForTheNextLine) {
-    write_file("part.szirpa", "p1\n");
-    SetLastLabel("DATA", 1);
-    newuse = 0;
-    begin_line("part.szirpa ; note\n");
-    pending_listLC = 1;
-    EXPECT_EQ(do_directive(2), 2);
-    EXPECT_EQ(pending_listLC, 0);
-    EXPECT_EQ(last_seen_label, "");
-    EXPECT_EQ(newuse, 1);
-    EXPECT_EQ(getCurrentFileInfo(-1)->name, "part.szirpa");
-    ASSERT_EQ(as_read_line(), 1);
-    EXPECT_EQ(Line.view(), "p1\n");
-}
-
-TEST_F(Directives, IncludeTakesAQuotedNameWithBlanks) {
-    write_file("my file;1", "p1\n");
-    EXPECT_EQ(directive(2, "\"my file;1\" ; note\n"), 2);
-    EXPECT_EQ(getCurrentFileInfo(-1)->name, "my file;1");
-}
-
-TEST_F(Directives, IncludeEndsAnUnquotedNameAtASemicolon) {
-    write_file("part", "p1\n");
-    EXPECT_EQ(directive(2, "part;x\n"), 2);
-    EXPECT_EQ(getCurrentFileInfo(-1)->name, "part");
-}
-
-TEST_F(Directives, IncludeOfAMissingFileEndsTheRun) {
-    Line_no = 4;
-    EXPECT_EQ(end_status([] { directive(2, "lost.szirpa\n"); }), 1);
-    EXPECT_EQ(take_output(),
-              directory + "/prog.szirpa (4)Fatal error: File 'lost.szirpa' not found\n");
-    EXPECT_EQ(end_status([] { directive(2, "; note\n"); }), 1);
-    EXPECT_EQ(take_output(), directory + "/prog.szirpa (4)Fatal error: File '' not found\n");
-}
-
-TEST_F(Directives, IncludeOfARecursiveFileIsIgnored) {
-    EXPECT_EQ(directive(2, directory + "/prog.szirpa\n"), 2);
-    EXPECT_EQ(source_stack_ptr, 0);
-}
-
-TEST_F(Directives, OldListingWordsSwitchTheListingIfThereIsOne) {
-    begin_reports();
-    O_list = 1;
-    listing_on = 0;
-    EXPECT_EQ(directive(3, "\n"), 1);
-    EXPECT_EQ(listing_on, 1);
-    EXPECT_EQ(directive(5, "\n"), 1);
-    EXPECT_EQ(listing_on, 0);
-    O_list = 0;
-    EXPECT_EQ(directive(3, "\n"), 1);
-    EXPECT_EQ(listing_on, 0);
-    listing_on = 1;
-    EXPECT_EQ(directive(5, "\n"), 1);
-    EXPECT_EQ(listing_on, 1);
-    const std::string list = warning("Old fashioned directive: 'LIST', use 'OPTION LIST' instead");
-    const std::string nolist =
-        warning("Old fashioned directive: 'NOLIST', use 'OPTION NOLIST' instead");
-    EXPECT_EQ(take_output(), list + nolist + list + nolist);
-    EXPECT_EQ(Line_Done, 0);
-}
-
-TEST_F(Directives, OldListingWordsSwitchTheListingOfSkippedLinesInAnyCase) {
-    begin_reports();
-    O_list = 0;
-    EXPECT_EQ(directive(4, "\n"), 1);
-    EXPECT_EQ(uncond_listing_on, 1);
-    EXPECT_EQ(take_output(),
-              warning("Old fashioned directive: 'LISTCOND', use 'OPTION LISTCOND' instead"));
-    EXPECT_EQ(directive(6, "\n"), 1);
-    EXPECT_EQ(uncond_listing_on, 0);
-    EXPECT_EQ(take_output(),
-              warning("Old fashioned directive: 'NOLISTCOND', use 'OPTION NOLISTCOND' instead"));
-}
-
-TEST_F(Directives, UnimplementedDirectivesForgetTheLabel) {
-    begin_reports();
-    for (const std::uint32_t token : {24U, 25U, 26U, 28U, 30U, 31U, 32U, 33U, 34U, 36U, 37U}) {
-        SetLastLabel("DATA", 1);
-        EXPECT_EQ(directive(token, "x\n"), -1) << token;
-        EXPECT_EQ(take_output(), warning("Unimplemented assembler directive, ignored")) << token;
-        EXPECT_EQ(last_seen_label, "") << token;
-        EXPECT_EQ(Line_Done, 0) << token;
-    }
-}
-
-TEST_F(Directives, OldImportAndExportWordsAreOldFashionedAndUnimplemented) {
-    begin_reports();
-    SetLastLabel("DATA", 1);
-    EXPECT_EQ(directive(27, "x\n"), -1);
-    EXPECT_EQ(take_output(),
-              warning("Old fashioned directive: 'DEFINE or XDEF', use 'EXPORT' instead") +
-                  warning("Unimplemented assembler directive, ignored"));
-    EXPECT_EQ(last_seen_label, "");
-    SetLastLabel("DATA", 1);
-    EXPECT_EQ(directive(29, "x\n"), -1);
-    EXPECT_EQ(take_output(),
-              warning("Old fashioned directive: 'EXTERN or XREF', use 'IMPORT' instead") +
-                  warning("Unimplemented assembler directive, ignored"));
-    EXPECT_EQ(last_seen_label, "");
-    EXPECT_EQ(Warnings, 4);
-}
-
-TEST_F(Directives, UnimplementedPageWordsKeepTheLabel) {
-    begin_reports();
-    for (const std::uint32_t token : {52U, 54U, 55U, 56U, 57U, 58U}) {
-        SetLastLabel("DATA", 1);
-        EXPECT_EQ(directive(token, "x\n"), -1) << token;
-        EXPECT_EQ(take_output(), warning("Unimplemented assembler directive, ignored")) << token;
-        EXPECT_EQ(last_seen_label, "DATA") << token;
-    }
-}
-
-TEST_F(Directives, OtherNumbersDoNothingSilently) {
-    begin_reports();
-    SetLastLabel("DATA", 1);
-    for (const std::uint32_t token :
-         {1U, 22U, 23U, 35U, 38U, 40U, 41U, 43U, 59U, 1000U, 0xFFFFFFFFU}) {
-        EXPECT_EQ(directive(token, "1\n"), -1) << token;
-    }
-    EXPECT_EQ(take_output(), "");
-    EXPECT_EQ(last_seen_label, "DATA");
-    EXPECT_EQ(LC, 0U);
-}
-
-TEST_F(Directives, DirectPageIsAnExpressionOfOneByte) {
-    begin_reports();
-    EXPECT_EQ(directive(53, "$20+1 rest\n"), 2);
-    EXPECT_EQ(MC6809_anticipated_dp, 0x21U);
-    EXPECT_EQ(directive(53, "255\n"), 2);
-    EXPECT_EQ(MC6809_anticipated_dp, 255U);
-    EXPECT_EQ(take_output(), "");
-    EXPECT_EQ(directive(53, "256\n"), -1);
-    EXPECT_EQ(take_output(), error("DPR register is 8 bits"));
-    EXPECT_EQ(MC6809_anticipated_dp, 255U);
-}
-
-TEST_F(Directives, DirectPageBeginsWithAClearOperand) {
-    opnd1.pc_bias = 1;
-    opnd1.symbol_count = 3;
-    EXPECT_EQ(directive(53, "7\n"), 2);
-    EXPECT_EQ(opnd1.pc_bias, 0);
-    EXPECT_EQ(opnd1.symbol_count, 0);
-}
-
-TEST_F(Directives, DirectPageFailsWithItsExpression) {
-    begin_reports();
-    EXPECT_EQ(directive(53, "+1\n"), -1);
-    EXPECT_EQ(take_output(), error("Operand expected, Position[0]"));
-}
-
-TEST_F(Directives, RedefinableFormNeedsALabelToo) {
-    begin_reports();
-    EXPECT_EQ(directive(9, "5\n"), -1);
-    EXPECT_EQ(take_output(), error("No label for \"equ\""));
-}
-
-TEST_F(Directives, DirectPageNeedsABlankBehindIt) {
-    begin_reports();
-    EXPECT_EQ(directive(53, "7,8\n"), -1);
-    EXPECT_EQ(take_output(), error("Bad constant delimiter"));
-    EXPECT_EQ(directive(53, "999;\n"), -1);
-    EXPECT_EQ(take_output(), error("Bad constant delimiter"));
-    EXPECT_EQ(MC6809_anticipated_dp, 0U);
-}
-
-TEST_F(Directives, NewPassForgetsTheDirectPage) {
-    directive(53, "7\n");
-    pseudo_new_pass();
-    EXPECT_EQ(MC6809_anticipated_dp, 0U);
-}
-
 // ---- ORG
 // --------------------------------------------------------------------------------------------
 
@@ -447,7 +266,7 @@ TEST_F(Directives, FirstOriginOfTheRunIsTheDefaultEntry) {
     EXPECT_EQ(default_entry_seen, 0);
     org("$20");
     org("$30");
-    pseudo_new_pass();
+    begin_pass();
     org("$40");
     EXPECT_EQ(default_entry_seen, 1);
     EXPECT_EQ(defaultentryLC, 0x20U);
@@ -573,7 +392,7 @@ TEST_F(Directives, EntryLastsForTheRun) {
     putsym("main", 0x20, 1, SYM_DEFINED, 0, nullptr, 0);
     begin_reports();
     end("main");
-    pseudo_new_pass();
+    begin_pass();
     EXPECT_EQ(entry_is_defined, 1);
     pseudo_new_run();
     EXPECT_EQ(entry_is_defined, 0);

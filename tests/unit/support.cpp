@@ -3,13 +3,13 @@
 #include "as/asSource.h"
 
 #include "as/asDiag.h"
+#include "as/asDialect.h"
 #include "as/asLabel.h"
 #include "as/asList.h"
 #include "as/asListing.h"
 #include "as/asMain.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
-#include "as/asPseudo.h"
 #include "expr/expr.h"
 #include "target/emit.h"
 #include "target/encode.h"
@@ -64,7 +64,7 @@ void RunTest::begin_pass() {
     location_new_pass();
     label_new_pass();
     listing_new_pass();
-    pseudo_new_pass();
+    dialect_new_pass();
     resetLabel();
     begin_line("");
 }
