@@ -36,18 +36,13 @@ void reset_pass_state() {
     dialect_new_pass();
 }
 
-// Before passes 0 and 1.
-void initpass1() {
+// Before passes 0 and 1, which open every file anew.
+void initpass1(int pass) {
+    Pass = pass;
     Pass2 = 0;
     reset_pass_state();
     diag_new_pass();
     source_new_pass();
-}
-
-int cannot_open(const char *file) {
-    standard_output.put({kProgramName, ": Can't open '", file, "'\n"});
-    standard_output.flush();
-    return 0;
 }
 
 // What pass 0 has no use for, because it looks for constants and conditional words only: empty
@@ -69,34 +64,8 @@ int next_line_with_constant() {
     return as_read_line();
 }
 
-// Constants become known. Returns 0 when the source cannot be opened, as first_pass does.
-int constants_pass(const char *file) {
-    Pass = 0;
-    initpass1();
-    if (push_source(file) == 0) {
-        return cannot_open(file);
-    }
-    while (next_line_with_constant() != 0) {
-        assaline(0);
-    }
-    return 1;
-}
-
-// Labels get their addresses.
-int first_pass(const char *file) {
-    Pass = 1;
-    initpass1();
-    if (openfiles(file) == 0) {
-        return cannot_open(file);
-    }
-    while (as_read_line() != 0) {
-        assaline(1);
-    }
-    return 1;
-}
-
-// Everything is evaluated, emitted, listed and reported.
-void final_pass() {
+// Before the final pass, which follows the recorded sequence of files.
+void begin_final_pass() {
     Pass = 2;
     Pass2 = 1;
     prep_undefine();
@@ -113,10 +82,10 @@ void final_pass() {
     reset_pass_state();
     source_new_counts();
     diag_new_counts();
-    while (as_read_line() != 0) {
-        assaline(2);
-        as_write_listline(is_true_level() == 0);
-    }
+}
+
+// What is known only after the last line.
+void write_symbols() {
     if (O_symtab != 0) {
         symwrite(O_list != 0 ? listfile : standard_output);
     }
@@ -143,6 +112,7 @@ void print_summary() {
     }
 }
 
+// The exit status of a run that has made its outputs.
 int finish() {
     CloseDown();
     if (report_write_failures()) {
@@ -160,28 +130,30 @@ int finish_without_source() {
     return standard_output.has_failed() ? kFailure : 0;
 }
 
-int assemble(const char *file) {
-    if (constants_pass(file) == 0 || first_pass(file) == 0) {
-        return kFailure;
-    }
-    final_pass();
-    return finish();
+int cannot_open(const char *file) {
+    standard_output.put({kProgramName, ": Can't open '", file, "'\n"});
+    standard_output.flush();
+    return kFailure;
 }
 
-int run(int argc, const char *const *argv) {
+int out_of_memory() {
+    abandon_outputs();
+    standard_output.put({kProgramName, ": Out of memory\n"});
+    standard_output.flush();
+    return kFailure;
+}
+
+// Starts up and reads the command line. The source's name, or null when there is nothing to do.
+const char *begin_run(int argc, const char *const *argv) {
     // A closed pipe or a file that grows too large is a write that fails, and is reported as one.
     (void)std::signal(SIGPIPE, SIG_IGN);
     (void)std::signal(SIGXFSZ, SIG_IGN);
     start_up(argc > 0 ? argv[0] : kProgramName);
     if (argc < 2) {
         print_usage();
-        return finish_without_source();
+        return nullptr;
     }
-    const char *file = read_command_line(argc, argv);
-    if (file == nullptr) {
-        return finish_without_source();
-    }
-    return assemble(file);
+    return read_command_line(argc, argv);
 }
 
 } // namespace
@@ -205,11 +177,35 @@ void start_up(const char *invocation) {
 
 int as_main(int argc, const char *const *argv) {
     try {
-        return run(argc, argv);
+        const char *file = begin_run(argc, argv);
+        if (file == nullptr) {
+            return finish_without_source();
+        }
+        // Pass 0: constants become known.
+        initpass1(0);
+        if (push_source(file) == 0) {
+            return cannot_open(file);
+        }
+        while (next_line_with_constant() != 0) {
+            assaline(0);
+        }
+        // Pass 1: labels get their addresses.
+        initpass1(1);
+        if (openfiles(file) == 0) {
+            return cannot_open(file);
+        }
+        while (as_read_line() != 0) {
+            assaline(1);
+        }
+        // The final pass: everything is evaluated, emitted, listed and reported.
+        begin_final_pass();
+        while (as_read_line() != 0) {
+            assaline(2);
+            as_write_listline(is_true_level() == 0);
+        }
+        write_symbols();
+        return finish();
     } catch (const std::bad_alloc &) {
-        abandon_outputs();
-        standard_output.put({kProgramName, ": Out of memory\n"});
-        standard_output.flush();
-        return kFailure;
+        return out_of_memory();
     }
 }
