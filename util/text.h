@@ -143,15 +143,9 @@ constexpr unsigned nonblanks_ahead(std::uint64_t characters) {
     return static_cast<unsigned>(std::countr_zero(blanks)) / 8;
 }
 
-// The first character that is no blank or tab. Blanks are counted eight at a time, so eight bytes
-// must be readable from the text's end on, one of which is no blank.
+// The first character that is no blank or tab. Unlike skipblanc it stops at other control
+// characters and at bytes of 128 or more: they end words but don't stand ahead of them.
 inline const char *skip_blanks_and_tabs(const char *p) {
-    constexpr std::uint64_t kEightBlanks = 0x2020202020202020U;
-    std::uint64_t others = 0;
-    do {
-        others = eight_characters(p) ^ kEightBlanks;
-        p += std::countr_zero(others) / 8;
-    } while (others == 0);
     while (*p == ' ' || *p == '\t') {
         ++p;
     }
