@@ -1,12 +1,15 @@
 // Numeric fields: bare numbers outside expressions, such as those of debugger lines.
 //
 // A field ends at a byte of 32 or below, at a colon or at the end of the text; anything else that
-// is no digit of the base makes the conversion fail. The functions print nothing.
+// is no digit of the base makes the conversion fail. The functions print nothing. The 64-bit ones,
+// which this assembler does not call, are in util/number_unused.h and read fields by the same code.
 #pragma once
 
 #include <cstdint>
 
 // Every function below returns 0 and stores the value, or returns -1 and leaves the value alone.
+
+// ---- The conversions ----
 
 // 32 bits, base 16, 10 or (anything else) 2; a leading "-" negates; wraps silently. Base 16 accepts
 // a prefix "0x", "0X" or "$".
@@ -15,13 +18,22 @@ int base_to_number(const char *text, std::uint32_t &value, int base);
 // 32 bits, the base chosen by the text: "-" decimal, "0x" and "$" hexadecimal, a digit decimal.
 int ascii_to_number(const char *text, std::uint32_t &value);
 
-// 64 bits, no sign; the base as in base_to_number.
-int to_ulonglong(const char *text, std::uint64_t &value, int base);
-int base_to_ulonglong(const char *text, std::uint64_t &value, int base);
+// ---- What they and the 64-bit ones are made of ----
 
-// 64 bits, a leading "-" negates; a magnitude of 2^63 or more fails.
-int base_to_longlong(const char *text, std::int64_t &value, int base);
+// A field's digits in 64 bits, and whether a "-" stood ahead of them. The digits wrap silently; the
+// low 32 bits are the same as those of a 32-bit accumulation.
+struct NumberField {
+    bool is_negative = false;
+    std::uint64_t magnitude = 0;
+};
 
-// 64 bits, the base chosen as in ascii_to_number; after "0x" and "$" a "-" negates too; a magnitude
-// of 2^63 or more fails.
-int ascii_to_longlong(const char *text, std::int64_t &value);
+// Reads the digits of a field without a sign. Base 16 skips its prefix.
+int read_field(const char *text, int base, std::uint64_t &magnitude);
+
+// Reads a field that may begin with "-". An empty text fails; a "-" alone is 0, like any field
+// without digits.
+int read_signed_field(const char *text, int base, NumberField &field);
+
+// Reads a field whose text chooses the base. After "0x" and "$" a "-" is accepted where
+// sign_after_prefix says so.
+int read_chosen_field(const char *text, bool sign_after_prefix, NumberField &field);

@@ -1,10 +1,12 @@
 // Text scanning: character classes and the family of small copy and skip functions.
 //
 // Sources are positions in a NUL-terminated text; each function returns the position where it
-// stopped, so that callers can chain them. "None" is a null pointer, for arguments and results.
+// stopped, so that callers can chain them. A function that may be handed a null source says so.
 // Characters are compared as signed bytes: a byte of 128 or more is negative there, so it counts
 // as a blank and ends words. The table below spells that out once; no locale takes part and the
 // signedness of plain char makes no difference.
+//
+// The members of the family that this assembler does not call are in util/text_unused.h.
 #pragma once
 
 #include <array>
@@ -24,7 +26,7 @@ enum CharClass : std::uint8_t {
     kClassSymbolMark = 0x10, // "$" and ".", allowed inside symbols
     kClassDelimiter = 0x20,  // ends a number: blanks and the operator and bracket characters
     kClassRegister = 0x40,   // A, C, S, X and Y in either case, with which a register name begins
-    kClassOperandEnd = 0x80, // blanks and ",", behind which no expression goes on
+    kClassOperandEnd = 0x80, // blanks and ",", after which no expression goes on
 };
 
 consteval std::array<std::uint8_t, 256> make_char_classes() {
@@ -162,59 +164,39 @@ inline const char *skipnonblanc(const char *p) {
     return p;
 }
 
-// Advances to the first c, or to the end.
-const char *skip_to(const char *p, char c);
+// True if the text has at least two characters and ends in mark and a line feed.
+bool ends_in_mark(const char *s, char mark);
 
-// Advances to the first name character; none if the text ends first.
-const char *skipNameDelimiter(const char *p);
-
-// Advances past characters below 33, "," and ";"; none if the text ends first.
-const char *skipFNameDelimiter(const char *p);
-
-// True if the text has at least two characters and ends in a backslash and a line feed.
-bool line_continued(const char *s);
-
-// True if the text has at least two characters and ends in "+" and a line feed.
+// True for a debugger line that the next line continues: it ends in "+" and a line feed.
 bool line_divided(const char *s);
-
-// Compares two texts up to their line ends: true if they agree up to a line end of either. A
-// carriage return in a ends the comparison with true whatever b holds there; a line feed in a is a
-// character like any other unless b has a line end there too.
-bool nlstrcmp(const char *a, const char *b);
 
 // True when the word at text equals name: letters of either case are equal, "/" and "\" are equal,
 // the word ends at the first blank (isblanc) and the name at its NUL, and both must end together.
 bool namecomparei(const char *text, const char *name);
 
-// ---- Copies: each empties the destination first, the ...cat forms append ----
+// ---- Copies: each replaces what the destination held ----
 
-// The text up to its line end; no source gives an empty destination.
+// Characters while keep holds, at most n of them: what all other copies are made of.
+template <typename Keep>
+const char *copy_while(std::string &d, const char *s, Keep keep,
+                       std::size_t n = std::string::npos) {
+    const char *p = s;
+    while (*p != '\0' && static_cast<std::size_t>(p - s) < n && keep(*p)) {
+        ++p;
+    }
+    d.assign(s, p);
+    return p;
+}
+
+// The text up to its line end; a null source gives an empty destination.
 const char *nlstrcpy(std::string &d, const char *s);
 
-// The text up to its line end, less a backslash ("+" for divstrcpy) as its last character. With no
-// source such a character is removed from the end of the destination instead.
-const char *clstrcpy(std::string &d, const char *s);
-const char *divstrcpy(std::string &d, const char *s);
-const char *clstrcat(std::string &d, const char *s);
-const char *divstrcat(std::string &d, const char *s);
-
-// Name characters. No source returns none.
-const char *extractname(std::string &d, const char *s);
-const char *copyCname(std::string &d, const char *s);
-
-// Name characters and "=".
-const char *copyMacroname(std::string &d, const char *s);
-
-// At most n name characters (extractsizedname) or characters above 32 (extractsizedtoblanc). With
-// n = 0 the destination is left unchanged and its own text is returned.
+// At most n name characters. With n = 0 the destination is left unchanged and its own text is
+// returned.
 const char *extractsizedname(std::string &d, const char *s, std::size_t n);
-const char *extractsizedtoblanc(std::string &d, const char *s, std::size_t n);
 
 // The text up to the first c or the end; returns the position of c.
 const char *extracttoskip(std::string &d, const char *s, char c);
-
-// The text up to ":" or the first blank (isblanc).
-const char *copyLabel(std::string &d, const char *s);
 
 // If s starts with a double quote: the text up to the next one or the end, and the result is after
 // it. Otherwise the characters above 32.
@@ -222,15 +204,3 @@ const char *copyquotedopt(std::string &d, const char *s);
 
 // The text, without an opening double quote, up to the next one or the end; the result is after it.
 const char *copyquoted(std::string &d, const char *s);
-
-// The text between the first double quote and the next or the end; the result is the position of
-// the closing quote or the end. With no quote: empty, and none.
-const char *extractquoted(std::string &d, const char *s);
-
-// The text from the first double quote up to one that is followed by a blank or the end. With no
-// quote: empty, and none.
-const char *extractquotedoption(std::string &d, const char *s);
-
-// The bracketed text from the first open to the next close, both included, within max characters
-// and before any control character. Returns the position after close, or none.
-const char *extract(std::string &d, const char *s, char open, char close, std::size_t max);

@@ -1,8 +1,10 @@
 // The text primitives, numbers and paths on two random texts. Every position that is returned must
 // lie within its text.
 #include "util/number.h"
+#include "util/number_unused.h"
 #include "util/path.h"
 #include "util/text.h"
+#include "util/text_unused.h"
 
 #include <algorithm>
 #include <cstddef>
