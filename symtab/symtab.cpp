@@ -6,7 +6,7 @@
 #include "as/asOutput.h"
 #include "as/asPlace.h"
 #include "expr/expr.h"
-#include "target/reloc.h"
+#include "util/bitsize.h"
 #include "util/buffer.h"
 #include "util/memory.h"
 #include "util/text.h"

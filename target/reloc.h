@@ -36,18 +36,5 @@ enum RelocCommand : int {
 // reported and emitted truncated.
 int do_reloc_cmd(const OperandRecord &operand, int command, std::uint32_t location);
 
-// The id of a command's name, or -1.
-int get_reloc_id(const char *name);
-
-// The name of a command's id, or none.
-const char *get_reloc_typename(int id);
-
 // 1: a branch to the next instruction is legal on this target.
 int is_nulldisp_allowed();
-
-// 0 when a value fits a data item of 1, 2 or 4 bytes, 1 when it does not; any other size is
-// reported as "(F1017)" and gives -1.
-int checkopsize(std::int64_t value, int size);
-
-// The smallest signed field that holds a value, in bits: 0, 5, 8, 9, 16 or 32.
-int bitsize(std::int64_t value);

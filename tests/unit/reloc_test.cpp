@@ -1,4 +1,4 @@
-// Value emission: commands, range checks, sizes.
+// Value emission: commands and their range checks.
 #include "target/reloc.h"
 
 #include "as/asDiag.h"
@@ -19,7 +19,6 @@ namespace {
 
 using Bytes = std::vector<unsigned>;
 
-constexpr std::int64_t kMost = std::numeric_limits<std::int64_t>::max();
 constexpr std::int64_t kLeast = std::numeric_limits<std::int64_t>::min();
 
 class ValueEmission : public RunTest {
@@ -234,78 +233,6 @@ TEST_F(ValueEmission, ReportsNothingBeforeTheFinalPass) {
     EXPECT_EQ(take_output(), "");
 }
 
-// ---- The names of the commands ----
-
-const std::vector<std::pair<int, const char *>> kCommands = {
-    {5, "REL_CMD_OFF_8"},      {6, "REL_CMD_OFF_16"},     {7, "REL_CMD_BEOFF_16"},
-    {8, "REL_CMD_OFF_32"},     {9, "REL_CMD_BEOFF_32"},   {10, "REL_CMD_OFF_64"},
-    {11, "REL_CMD_BEOFF_64"},  {12, "REL_CMD_PC_8"},      {13, "REL_CMD_PC_16"},
-    {14, "REL_CMD_BEPC_16"},   {15, "REL_CMD_PC_32"},     {16, "REL_CMD_BEPC_32"},
-    {17, "REL_CMD_PC_64"},     {18, "REL_CMD_BEPC_64"},   {19, "REL_CMD_OFF_LOW8"},
-    {20, "REL_CMD_OFF_HIGH8"}, {21, "REL_CMD_ZIRPA_PC9"}, {22, "UNDEFINED"}};
-
-TEST_F(ValueEmission, CommandsAreFoundByNameAndById) {
-    for (const auto &[id, name] : kCommands) {
-        EXPECT_EQ(get_reloc_id(name), id);
-        EXPECT_STREQ(get_reloc_typename(id), name);
-    }
-}
-
-TEST_F(ValueEmission, CommandNamesAreComparedExactly) {
-    for (const char *name :
-         {"", "rel_cmd_off_8", "REL_CMD_OFF", "REL_CMD_OFF_8 ", "REL_CMD_OFF_88", "undefined"}) {
-        EXPECT_EQ(get_reloc_id(name), -1) << name;
-    }
-}
-
-TEST_F(ValueEmission, OtherIdsHaveNoName) {
-    for (const int id : {-1, 0, 4, 23}) {
-        EXPECT_EQ(get_reloc_typename(id), nullptr) << id;
-    }
-}
-
-// ---- Sizes ----
-
 TEST_F(ValueEmission, ABranchToTheNextInstructionIsLegal) { EXPECT_EQ(is_nulldisp_allowed(), 1); }
-
-TEST_F(ValueEmission, DataItemsOfOneByteHoldMinus256To255) {
-    EXPECT_EQ(checkopsize(255, 1), 0);
-    EXPECT_EQ(checkopsize(256, 1), 1);
-    EXPECT_EQ(checkopsize(-256, 1), 0);
-    EXPECT_EQ(checkopsize(-257, 1), 1);
-}
-
-TEST_F(ValueEmission, DataItemsOfTwoBytesHoldMinus32768To65535) {
-    EXPECT_EQ(checkopsize(65535, 2), 0);
-    EXPECT_EQ(checkopsize(65536, 2), 1);
-    EXPECT_EQ(checkopsize(-32768, 2), 0);
-    EXPECT_EQ(checkopsize(-32769, 2), 1);
-}
-
-TEST_F(ValueEmission, DataItemsOfFourBytesHoldEverything) {
-    for (const std::int64_t value : {std::int64_t{0}, kMost, kLeast}) {
-        EXPECT_EQ(checkopsize(value, 4), 0);
-    }
-    EXPECT_EQ(take_output(), "");
-}
-
-TEST_F(ValueEmission, DataItemsOfOtherSizesAreAnInternalFault) {
-    for (const int size : {0, 3, 5, 8, -1}) {
-        diag_new_line();
-        EXPECT_EQ(checkopsize(0, size), -1) << size;
-        EXPECT_EQ(take_output(), report("Error: (F1017)")) << size;
-    }
-}
-
-TEST_F(ValueEmission, ASizeIsTheSmallestSignedField) {
-    const std::vector<std::pair<std::int64_t, int>> sizes = {
-        {0, 0},       {1, 5},       {15, 5},      {16, 8},     {127, 8},    {128, 9},
-        {255, 9},     {256, 16},    {32767, 16},  {32768, 32}, {kMost, 32}, {-1, 5},
-        {-16, 5},     {-17, 8},     {-128, 8},    {-129, 9},   {-256, 9},   {-257, 16},
-        {-32768, 16}, {-32769, 32}, {kLeast, 32}, {65535, 32}, {65536, 32}};
-    for (const auto &[value, size] : sizes) {
-        EXPECT_EQ(bitsize(value), size) << value;
-    }
-}
 
 } // namespace
