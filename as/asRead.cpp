@@ -3,7 +3,7 @@
 #include "as/asDiag.h"
 #include "as/asLabel.h"
 #include "as/asSource.h"
-#include "expr/expr.h"
+#include "symtab/symtab.h"
 #include "target/emit.h"
 #include "target/encode.h"
 #include "target/operand.h"
@@ -17,7 +17,7 @@ void reset_line_state() {
     emit_new_line();
     scan_new_line();
     operand_new_line();
-    expr_new_line();
+    symtab_new_line();
     encode_new_line();
 }
 

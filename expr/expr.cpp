@@ -17,7 +17,6 @@ int status = 0;
 int offset = 0;
 int in_paren = 0;
 int end_of_input = 0;
-std::int16_t forwardref = 0;
 Symbol *errorsp = nullptr;
 
 namespace {

@@ -40,7 +40,6 @@ extern int status;       // its result; STATUS_STOPPED ends evaluation steps ear
 extern int offset;       // 0-based column in the line of the token at which the check stopped
 extern int in_paren;     // parenthesis depth during evaluation
 extern int end_of_input; // evaluation has met the end of the expression
-extern std::int16_t forwardref; // references that count as forward or undefined
 extern Symbol *errorsp;         // the last symbol that counted as such in the final pass, or none
 
 // ---- Functions ----
@@ -65,5 +64,3 @@ int p00();
 // mode do not matter. Returns the new value.
 std::int64_t p0(std::int64_t accumulated, int node_kind, int depth, int mode,
                 OperandRecord *operand);
-
-inline void expr_new_line() { forwardref = 0; }

@@ -1,24 +1,17 @@
-// The symbol table: every name of the assembly, for the whole run and across all passes.
+// The symbol table: what the names of the assembly mean, and the rules of the passes.
 //
-// Pass 1 gives labels their values, the final pass defines them again and checks that they have not
-// moved. Names are found through an index; the 256 chains of symheads keep the order in which the
-// table is printed: by hash value, then by creation.
+// The table lives for the whole run. The passes before the final one give names their values; the
+// final pass defines every label again and checks that none has moved, but changes no value: what
+// came ahead of the label has used the first one already. Only the final pass reports, so a second
+// definition is noted in the flags when it is met, and both lines are reported when it comes by.
 #pragma once
 
+#include "symtab/names.h"
 #include "util/output.h"
 
-#include <array>
-#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
-
-struct Segment;
-
-// The table holds 199 blocks of 200 names; one name more ends the run.
-inline constexpr std::size_t kSymbolsPerBlock = 200;
-inline constexpr std::size_t kSymbolBlockLimit = 199;
-inline constexpr std::size_t kSymbolChains = 256;
 
 // Kind and element count with which names are created that have no data.
 inline constexpr int kNameKind = 32;
@@ -41,44 +34,20 @@ enum SymbolFlag : std::uint32_t {
     SYM_FORWARD = 0x2000, // referred to before its definition in passes 0 and 1
 };
 
-// Fills a cache line, so that a look-up touches one.
-struct alignas(64) Symbol {
-    const char *name = nullptr;  // NUL-terminated, owned by the table; upper case with nocase
-    std::uint64_t name_hash = 0; // its place in the index
-    std::uint32_t name_length = 0;
-    std::uint32_t flags = 0;
-    std::int32_t definition_line = 0; // realline of the definition; 1 for -D, 0 while undefined
-    std::int32_t value = 0;
-    std::int32_t first_reference_line = 0; // Line_no of the first use ahead of any definition
-    std::int32_t element_count = 0; // data elements behind the label; -1 for names without data
-    std::int32_t file = -1;         // index of the file entry it was created in, -1: none
-    std::uint16_t element_size = 0; // bytes of one element
-    std::int16_t bit_size = -1;     // signed width class of a constant's value, -1: none
-    Segment *segment = nullptr;
-    Symbol *next = nullptr; // next in the chain
+// ---- State owned here ----
 
-    bool has(std::uint32_t bits) const { return (flags & bits) != 0; }
-    std::string_view name_view() const { return {name, name_length}; }
-};
-static_assert(sizeof(Symbol) == 64);
-
-// ---- State owned here; emptied by init_as_symbol_table ----
-
-extern std::array<Symbol *, kSymbolChains> symheads; // heads of the chains, in print order
-extern std::size_t symlistcnt;                       // blocks handed out
-extern std::size_t symcnt;                           // records used in the current block
+// References of the current expression that count as forward or undefined. The evaluator counts on
+// from what refsym leaves.
+extern std::int16_t forwardref;
 
 // ---- Functions ----
 
-// Empties the table.
-void init_as_symbol_table();
-
-// Creates a record and returns it, or reports "(F1024)" and returns none if the name exists. The
+// Creates a record and returns it, or reports "(F1024)" and returns null if the name exists. The
 // name is taken up to its first blank. The kind and file arguments are not used.
 Symbol *putsym(std::string_view name, std::int32_t value, std::int32_t line, std::uint32_t flags,
                int kind, const char *file, std::int32_t count);
 
-// The record whose whole name equals the leading run of symbol characters, or none.
+// The record whose whole name equals the leading run of symbol characters, or null.
 Symbol *getsym(std::string_view name);
 
 // The record of a name as valid_sym reads it, entered as undefined if it is new.
@@ -91,18 +60,19 @@ Symbol *refsym(std::string_view name);
 // a value that has moved.
 void defsym(std::string_view name, std::int64_t value, int check);
 
-// In pass 1, enters a debug-information name: the text up to its first colon.
-void addstabsym(std::string_view text, std::int32_t value);
-
 // Prints the table. The header differs between the listing and standard output.
 void symwrite(OutputFile &stream);
 
 // The place of the type records of symbols with data (element count above 0), which follow the
-// debug records of the final pass. This target has no types to tell, so nothing is written.
+// debug records of the final pass. This target has no types to describe, so nothing is written.
 void symdebugwrite(std::string &stream);
 
 // Before the final pass: makes the names of conditional assembly undefined again.
 void prep_undefine();
 
-// Releases the table at the end of the run.
-void closesym();
+inline void symtab_new_line() { forwardref = 0; }
+
+// ---- Not called here: debugger lines keep their names out of the table ----
+
+// Before the final pass, enters a debug-information name: the text up to its first colon.
+void addstabsym(std::string_view text, std::int32_t value);

@@ -10,7 +10,7 @@
 #include "as/asMain.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
-#include "expr/expr.h"
+#include "symtab/symtab.h"
 #include "target/emit.h"
 #include "target/encode.h"
 #include "target/operand.h"

@@ -1,15 +1,13 @@
-// The symbol table: creation, lookup, the rules of definition in each pass, and the printed table.
+// The rules of the symbol table: creation, lookup, definition in each pass, and the printed table.
 #include "as/asDiag.h"
 #include "as/asList.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
 #include "as/asPlace.h"
 #include "as/asSource.h"
-#include "expr/expr.h"
 #include "symtab/symtab.h"
 #include "tests/unit/support.h"
 
-#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -39,8 +37,7 @@ class SymbolTable : public RunTest {
     }
 };
 
-// ---- Creation and lookup
-// ----------------------------------------------------------------------------
+// ---- Creation and lookup ----
 
 TEST_F(SymbolTable, CreatedRecordHoldsWhatWasGiven) {
     Symbol *symbol = putsym("loop", -5, 12, SYM_DEFINED, 32, "file", 3);
@@ -63,14 +60,6 @@ TEST_F(SymbolTable, NameIsTakenUpToItsFirstBlank) {
     EXPECT_STREQ(put("one two")->name, "one");
     EXPECT_STREQ(put("three\tfour")->name, "three");
     EXPECT_EQ(getsym("three")->name_length, 5U);
-}
-
-TEST_F(SymbolTable, LongNamesAreStoredWhole) {
-    for (const std::size_t size : {127U, 128U, 129U, 300U}) {
-        const std::string name(size, 'n');
-        ASSERT_NE(put(name), nullptr);
-        EXPECT_EQ(getsym(name)->name, name);
-    }
 }
 
 TEST_F(SymbolTable, NameOnceCreatedIsRefused) {
@@ -130,21 +119,6 @@ TEST_F(SymbolTable, StoredNameMustMatchWhole) {
     EXPECT_EQ(getsym("W,1"), nullptr);
 }
 
-TEST_F(SymbolTable, ChainsAreTheSumOfTheCharacters) {
-    Symbol *first = put("AB");
-    Symbol *second = put("BA");
-    EXPECT_EQ(symheads[131], first);
-    EXPECT_EQ(first->next, second);
-    EXPECT_EQ(second->next, nullptr);
-    EXPECT_EQ(symheads['a'], nullptr);
-    Symbol *lower = put("a");
-    EXPECT_EQ(symheads['a'], lower);
-    // "zzz" is 366, 110 modulo 256.
-    EXPECT_EQ(put("zzz"), symheads[110]);
-    // Only the leading run counts: the comma and what follows do not.
-    EXPECT_EQ(put("W,1"), symheads['W']);
-}
-
 TEST_F(SymbolTable, CaseCanBeIgnored) {
     O_symbol_case_sensitive = 0;
     Symbol *symbol = put("Loop");
@@ -153,9 +127,6 @@ TEST_F(SymbolTable, CaseCanBeIgnored) {
     EXPECT_EQ(getsym("lOOp+1"), symbol);
     EXPECT_EQ(put("LOOP"), nullptr);
     EXPECT_EQ(lookup("looP"), symbol);
-    Symbol *letter = put("a");
-    EXPECT_EQ(symheads['A'], letter);
-    EXPECT_EQ(symheads['a'], nullptr);
 }
 
 TEST_F(SymbolTable, CaseCountsByDefault) {
@@ -164,46 +135,7 @@ TEST_F(SymbolTable, CaseCountsByDefault) {
     EXPECT_EQ(getsym("loop"), nullptr);
 }
 
-TEST_F(SymbolTable, RecordsComeInBlocksOf200AndStayInPlace) {
-    init_as_symbol_table();
-    EXPECT_EQ(symlistcnt, 1U);
-    EXPECT_EQ(symcnt, 0U);
-    Symbol *first = put("first");
-    for (int number = 1; number < 200; ++number) {
-        put("n" + std::to_string(number));
-    }
-    EXPECT_EQ(symlistcnt, 1U);
-    EXPECT_EQ(symcnt, 200U);
-    put("next");
-    EXPECT_EQ(symlistcnt, 2U);
-    EXPECT_EQ(symcnt, 1U);
-    EXPECT_EQ(getsym("first"), first);
-    EXPECT_STREQ(first->name, "first");
-}
-
-TEST_F(SymbolTable, TableHolds39800NamesAndOneMoreEndsTheRun) {
-    for (int number = 1; number < 39800; ++number) {
-        put("n" + std::to_string(number));
-    }
-    EXPECT_EQ(end_status([] { put("n39800"); }), -1);
-    EXPECT_EQ(getsym("n39800")->name_length, 6U);
-    EXPECT_EQ(getsym("n1")->name_length, 2U);
-    EXPECT_EQ(take_output(), "");
-    EXPECT_EQ(end_status([] { lookup("n39801"); }), 255);
-    EXPECT_EQ(take_output(), "(F1010) Symbol table overflow\nTerminated due to fatal error(s)");
-}
-
-TEST_F(SymbolTable, TableEmptiesForANewRun) {
-    put("loop");
-    closesym();
-    init_as_symbol_table();
-    EXPECT_EQ(getsym("loop"), nullptr);
-    EXPECT_EQ(symheads[('l' + 'o' + 'o' + 'p') % 256], nullptr);
-    EXPECT_NE(put("loop"), nullptr);
-}
-
-// ---- References
-// -------------------------------------------------------------------------------------
+// ---- References ----
 
 TEST_F(SymbolTable, LookupEntersAnUndefinedName) {
     set_line("later+1\n");
@@ -266,8 +198,7 @@ TEST_F(SymbolTable, FinalPassDoesNotMarkUndefinedNames) {
     EXPECT_EQ(getsym("later")->first_reference_line, 0);
 }
 
-// ---- Definitions
-// ------------------------------------------------------------------------------------
+// ---- Definitions ----
 
 TEST_F(SymbolTable, DefinitionEntersItsName) {
     realline = 7;
@@ -376,8 +307,7 @@ TEST_F(SymbolTable, FinalPassNotesTheLineOfANameThatHasNone) {
     EXPECT_EQ(symbol->definition_line, 8);
 }
 
-// ---- Names for debuggers
-// ----------------------------------------------------------------------------
+// ---- Names for debuggers ----
 
 TEST_F(SymbolTable, DebugNameIsTheTextUpToAColon) {
     addstabsym("main:F1", 0x20);
@@ -415,8 +345,7 @@ TEST_F(SymbolTable, ConditionalAndDebugNamesAreUndefinedAheadOfTheFinalPass) {
     EXPECT_EQ(getsym("main")->value, 0x20);
 }
 
-// ---- The printed table
-// ------------------------------------------------------------------------------
+// ---- The printed table ----
 
 TEST_F(SymbolTable, TableIsPrintedByHashAndCreation) {
     put("BA", 1);
@@ -450,34 +379,6 @@ TEST_F(SymbolTable, TableInTheListingHasItsOwnHeader) {
 TEST_F(SymbolTable, EmptyTableHasNoHeader) {
     symwrite(standard_output);
     EXPECT_EQ(take_output(), "");
-}
-
-TEST_F(SymbolTable, NamesOfOneHashAreDifferentNames) {
-    // Short names can share a hash if they differ in size. Long ones are hashed in pieces of eight,
-    // of which at least two next to each other must differ; these were computed.
-    const std::vector<std::pair<std::string, std::string>> pairs = {
-        {"ab", "abc"},
-        {"interval_counter", "gncgwbxluuuQjzyd"},
-        {"interval_counter_of_port", "dwciqvalks573rjc_of_port"},
-        {"port_no_interval_counter", "port_no_sygwvnaogYMM$ab1"}};
-    for (const auto &[name, other] : pairs) {
-        Symbol *first = put(name, 1);
-        EXPECT_EQ(getsym(other), nullptr) << other;
-        Symbol *second = put(other, 2);
-        ASSERT_NE(second, nullptr) << other;
-        EXPECT_EQ(first->name_hash, second->name_hash) << other;
-        EXPECT_EQ(getsym(name), first);
-        EXPECT_EQ(getsym(other), second);
-    }
-}
-
-TEST_F(SymbolTable, ReleasedTableHasHandedOutNothing) {
-    put("a");
-    closesym();
-    EXPECT_EQ(symlistcnt, 0U);
-    EXPECT_EQ(symcnt, 0U);
-    EXPECT_TRUE(std::all_of(symheads.begin(), symheads.end(),
-                            [](const Symbol *head) { return head == nullptr; }));
 }
 
 } // namespace

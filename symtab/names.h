@@ -1,0 +1,72 @@
+// The names of the assembly: how their records are stored and found, whatever they mean.
+//
+// A record is made once, is never moved and lives until the end of the run, so the rest of the
+// program may keep pointers to it. It is reached in three ways: through the blocks that hold the
+// records in the order of their creation, through an index by name, and through 256 chains, which
+// keep only the order in which the table is printed. What a record says, and when it may change, is
+// decided in symtab/symtab.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+struct Segment;
+
+// The table holds 199 blocks of 200 names; one name more ends the run.
+inline constexpr std::size_t kSymbolsPerBlock = 200;
+inline constexpr std::size_t kSymbolBlockLimit = 199;
+inline constexpr std::size_t kSymbolChains = 256;
+
+// Fills a cache line, so that a look-up touches one.
+struct alignas(64) Symbol {
+    const char *name = nullptr;  // NUL-terminated, owned by the table; upper case with nocase
+    std::uint64_t name_hash = 0; // its place in the index
+    std::uint32_t name_length = 0;
+    std::uint32_t flags = 0;          // SymbolFlag
+    std::int32_t definition_line = 0; // realline of the definition; 1 for -D, 0 while undefined
+    std::int32_t value = 0;
+    std::int32_t first_reference_line = 0; // Line_no of the first use ahead of any definition
+    std::int32_t element_count = 0;        // data elements at the label; -1 for names without data
+    std::int32_t file = -1;                // index of the file entry it was created in; -1: no file
+    std::uint16_t element_size = 0;        // bytes of one element
+    std::int16_t bit_size = -1; // signed width class of a constant's value; -1: no constant
+    Segment *segment = nullptr; // null: no segment
+    Symbol *next = nullptr;     // next in the chain
+
+    bool has(std::uint32_t bits) const { return (flags & bits) != 0; }
+    std::string_view name_view() const { return {name, name_length}; }
+};
+static_assert(sizeof(Symbol) == 64);
+
+// A name as it is stored, and its hash. While case does not count, the text is a copy, good until
+// the next key is made.
+struct NameKey {
+    std::string_view name;
+    std::uint64_t hash;
+};
+
+// ---- State owned here; emptied by init_as_symbol_table ----
+
+extern std::array<Symbol *, kSymbolChains> symheads; // heads of the chains, in print order
+extern std::vector<std::vector<Symbol>> symlistptr;  // the blocks, in order of creation
+extern std::size_t symlistcnt;                       // blocks handed out
+extern std::size_t symcnt;                           // records used in the current block
+
+// ---- Functions ----
+
+// Empties the table, but for one fresh block.
+void init_as_symbol_table();
+
+// Releases the table at the end of the run.
+void closesym();
+
+NameKey name_key(std::string_view name);
+
+// The record whose stored name is exactly this one, or null.
+Symbol *find_name(const NameKey &key);
+
+// A fresh record for a name that has none yet. Ends the run when the table is full.
+Symbol *add_name(const NameKey &key);

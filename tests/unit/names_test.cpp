@@ -1,0 +1,156 @@
+// The storage of names: records, chains, the index and the limit of the table.
+#include "symtab/names.h"
+
+#include "as/asOptions.h"
+#include "tests/unit/support.h"
+
+#include <algorithm>
+#include <string>
+#include <utility>
+#include <vector>
+
+namespace {
+
+class Names : public RunTest {
+  protected:
+    static Symbol *add(const std::string &name) { return add_name(name_key(name)); }
+    static Symbol *find(const std::string &name) { return find_name(name_key(name)); }
+};
+
+TEST_F(Names, RecordBeginsWithItsNameAlone) {
+    const Symbol *symbol = add("loop");
+    EXPECT_STREQ(symbol->name, "loop");
+    EXPECT_EQ(symbol->name_view(), "loop");
+    EXPECT_EQ(symbol->flags, 0U);
+    EXPECT_EQ(symbol->file, -1);
+    EXPECT_EQ(symbol->bit_size, -1);
+    EXPECT_EQ(symbol->segment, nullptr);
+    EXPECT_EQ(symbol->next, nullptr);
+}
+
+TEST_F(Names, FoundNameIsExactlyTheStoredOne) {
+    const Symbol *symbol = add("a+b");
+    EXPECT_EQ(find("a+b"), symbol);
+    for (const char *other : {"", "a", "a+", "a+b ", "A+B", "a+c", "b+a"}) {
+        EXPECT_EQ(find(other), nullptr) << other;
+    }
+}
+
+TEST_F(Names, NamesOfEverySizeAreApart) {
+    // Sizes on either side of what the hash takes at a time; the last characters differ.
+    for (std::size_t size = 1; size <= 33; ++size) {
+        const std::string stem(size - 1, 'n');
+        const Symbol *first = add(stem + "a");
+        const Symbol *second = add(stem + "b");
+        EXPECT_EQ(find(stem + "a"), first) << size;
+        EXPECT_EQ(find(stem + "b"), second) << size;
+        EXPECT_EQ(find(stem + "c"), nullptr) << size;
+    }
+}
+
+TEST_F(Names, TextIsTheTablesOwn) {
+    std::string name = "loop";
+    const Symbol *symbol = add(name);
+    name = "pool";
+    EXPECT_STREQ(symbol->name, "loop");
+}
+
+TEST_F(Names, AreStoredInUpperCaseWhileCaseDoesNotCount) {
+    O_symbol_case_sensitive = 0;
+    Symbol *letter = add("a");
+    EXPECT_STREQ(letter->name, "A");
+    EXPECT_EQ(find("A"), letter);
+    EXPECT_EQ(symheads['A'], letter);
+    EXPECT_EQ(symheads['a'], nullptr);
+}
+
+TEST_F(Names, LongNamesAreStoredWhole) {
+    for (const std::size_t size : {127U, 128U, 129U, 300U}) {
+        const std::string name(size, 'n');
+        add(name);
+        ASSERT_NE(find(name), nullptr);
+        EXPECT_EQ(find(name)->name, name);
+    }
+}
+
+TEST_F(Names, ChainsAreTheSumOfTheCharacters) {
+    Symbol *first = add("AB");
+    Symbol *second = add("BA");
+    EXPECT_EQ(symheads[131], first);
+    EXPECT_EQ(first->next, second);
+    EXPECT_EQ(second->next, nullptr);
+    EXPECT_EQ(symheads['a'], nullptr);
+    Symbol *lower = add("a");
+    EXPECT_EQ(symheads['a'], lower);
+    // "zzz" is 366, 110 modulo 256.
+    EXPECT_EQ(add("zzz"), symheads[110]);
+    // Only the leading run counts: the comma and what follows do not.
+    EXPECT_EQ(add("W,1"), symheads['W']);
+}
+
+TEST_F(Names, RecordsComeInBlocksOf200AndStayInPlace) {
+    init_as_symbol_table();
+    EXPECT_EQ(symlistcnt, 1U);
+    EXPECT_EQ(symcnt, 0U);
+    Symbol *first = add("first");
+    for (int number = 1; number < 200; ++number) {
+        add("n" + std::to_string(number));
+    }
+    EXPECT_EQ(symlistcnt, 1U);
+    EXPECT_EQ(symcnt, 200U);
+    add("next");
+    EXPECT_EQ(symlistcnt, 2U);
+    EXPECT_EQ(symcnt, 1U);
+    EXPECT_EQ(find("first"), first);
+    EXPECT_STREQ(first->name, "first");
+}
+
+TEST_F(Names, TableHolds39800NamesAndOneMoreEndsTheRun) {
+    for (int number = 1; number < 39800; ++number) {
+        add("n" + std::to_string(number));
+    }
+    EXPECT_EQ(end_status([] { add("n39800"); }), -1);
+    EXPECT_EQ(find("n39800")->name_length, 6U);
+    EXPECT_EQ(find("n1")->name_length, 2U);
+    EXPECT_EQ(take_output(), "");
+    EXPECT_EQ(end_status([] { add("n39801"); }), 255);
+    EXPECT_EQ(take_output(), "(F1010) Symbol table overflow\nTerminated due to fatal error(s)");
+}
+
+TEST_F(Names, TableEmptiesForANewRun) {
+    add("loop");
+    closesym();
+    init_as_symbol_table();
+    EXPECT_EQ(find("loop"), nullptr);
+    EXPECT_EQ(symheads[('l' + 'o' + 'o' + 'p') % 256], nullptr);
+    EXPECT_EQ(add("loop"), find("loop"));
+}
+
+TEST_F(Names, NamesOfOneHashAreDifferentNames) {
+    // Short names can share a hash if they differ in size. Long ones are hashed in pieces of eight,
+    // of which at least two next to each other must differ; these were computed.
+    const std::vector<std::pair<std::string, std::string>> pairs = {
+        {"ab", "abc"},
+        {"interval_counter", "gncgwbxluuuQjzyd"},
+        {"interval_counter_of_port", "dwciqvalks573rjc_of_port"},
+        {"port_no_interval_counter", "port_no_sygwvnaogYMM$ab1"}};
+    for (const auto &[name, other] : pairs) {
+        Symbol *first = add(name);
+        EXPECT_EQ(find(other), nullptr) << other;
+        Symbol *second = add(other);
+        EXPECT_EQ(first->name_hash, second->name_hash) << other;
+        EXPECT_EQ(find(name), first);
+        EXPECT_EQ(find(other), second);
+    }
+}
+
+TEST_F(Names, ReleasedTableHasHandedOutNothing) {
+    add("a");
+    closesym();
+    EXPECT_EQ(symlistcnt, 0U);
+    EXPECT_EQ(symcnt, 0U);
+    EXPECT_TRUE(std::all_of(symheads.begin(), symheads.end(),
+                            [](const Symbol *head) { return head == nullptr; }));
+}
+
+} // namespace
