@@ -202,30 +202,17 @@ void add_to_index() {
     insert_into_index(last_record());
 }
 
-bool has_name(const Symbol &symbol, const NameKey &key) {
+// A name as it is stored, and its hash.
+struct Key {
+    std::string_view name;
+    std::uint64_t hash;
+};
+
+inline bool has_name(const Symbol &symbol, const Key &key) {
     return symbol.name_hash == key.hash && symbol.name_view() == key.name;
 }
 
-// ---- Keys ----
-
-std::string folded_name; // the name of a key while case does not count
-
-[[gnu::noinline]] std::string_view fold(std::string_view name) {
-    folded_name.assign(name);
-    std::transform(folded_name.begin(), folded_name.end(), folded_name.begin(), to_upper);
-    return folded_name;
-}
-
-} // namespace
-
-NameKey name_key(std::string_view name) {
-    if (O_symbol_case_sensitive == 0) {
-        name = fold(name);
-    }
-    return {name, name_hash(name)};
-}
-
-Symbol *find_name(const NameKey &key) {
+inline Symbol *find(const Key &key) {
     std::size_t place = first_place(key.hash);
     while (symbol_index[place] != kFree) {
         Symbol *symbol = record(symbol_index[place]);
@@ -237,7 +224,22 @@ Symbol *find_name(const NameKey &key) {
     return nullptr;
 }
 
-Symbol *add_name(const NameKey &key) {
+std::string folded_name; // the name of a key while case does not count
+
+[[gnu::noinline]] std::string_view fold(std::string_view name) {
+    folded_name.assign(name);
+    std::transform(folded_name.begin(), folded_name.end(), folded_name.begin(), to_upper);
+    return folded_name;
+}
+
+inline Key key_of(std::string_view name) {
+    if (O_symbol_case_sensitive == 0) {
+        name = fold(name);
+    }
+    return {name, name_hash(name)};
+}
+
+Symbol *add(const Key &key) {
     Symbol *symbol = next_record();
     symbol->name = store_name(key.name);
     symbol->name_length = static_cast<std::uint32_t>(key.name.size());
@@ -245,6 +247,16 @@ Symbol *add_name(const NameKey &key) {
     append_to_chain(symbol);
     add_to_index();
     return symbol;
+}
+
+} // namespace
+
+Symbol *find_name(std::string_view name) { return find(key_of(name)); }
+
+EnteredName enter_name(std::string_view name) {
+    const Key key = key_of(name);
+    Symbol *symbol = find(key);
+    return symbol != nullptr ? EnteredName{symbol, false} : EnteredName{add(key), true};
 }
 
 void init_as_symbol_table() {

@@ -41,11 +41,10 @@ struct alignas(64) Symbol {
 };
 static_assert(sizeof(Symbol) == 64);
 
-// A name as it is stored, and its hash. While case does not count, the text is a copy, good until
-// the next key is made.
-struct NameKey {
-    std::string_view name;
-    std::uint64_t hash;
+// What entering a name gives.
+struct EnteredName {
+    Symbol *symbol;
+    bool is_new; // all of the record but its name is still to be filled in
 };
 
 // ---- State owned here; emptied by init_as_symbol_table ----
@@ -63,10 +62,9 @@ void init_as_symbol_table();
 // Releases the table at the end of the run.
 void closesym();
 
-NameKey name_key(std::string_view name);
+// The record whose stored name is exactly this one, or null. While case does not count, names are
+// stored and looked for in upper case.
+Symbol *find_name(std::string_view name);
 
-// The record whose stored name is exactly this one, or null.
-Symbol *find_name(const NameKey &key);
-
-// A fresh record for a name that has none yet. Ends the run when the table is full.
-Symbol *add_name(const NameKey &key);
+// The same, with a fresh record for a name that has none yet. Ends the run when the table is full.
+EnteredName enter_name(std::string_view name);

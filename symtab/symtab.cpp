@@ -33,9 +33,8 @@ Segment *segment_of_new(std::uint32_t flags) {
     return (flags & SYM_UNDEFINED) != 0 ? absolute_segment() : current_seg;
 }
 
-Symbol *create(const NameKey &key, std::int32_t value, std::int32_t line, std::uint32_t flags,
-               std::int32_t count) {
-    Symbol *symbol = add_name(key);
+Symbol *fill_in(Symbol *symbol, std::int32_t value, std::int32_t line, std::uint32_t flags,
+                std::int32_t count) {
     symbol->definition_line = line;
     symbol->value = value;
     symbol->segment = segment_of_new(flags);
@@ -88,20 +87,19 @@ void define_before_final_pass(Symbol &symbol, std::int64_t value) {
 
 Symbol *putsym(std::string_view name, std::int32_t value, std::int32_t line, std::uint32_t flags,
                int /*kind*/, const char * /*file*/, std::int32_t count) {
-    const NameKey key = name_key(up_to_blank(name));
-    if (find_name(key) != nullptr) {
+    const EnteredName entered = enter_name(up_to_blank(name));
+    if (!entered.is_new) {
         Error("(F1024)");
         return nullptr;
     }
-    return create(key, value, line, flags, count);
+    return fill_in(entered.symbol, value, line, flags, count);
 }
 
-Symbol *getsym(std::string_view name) { return find_name(name_key(leading_run(name))); }
+Symbol *getsym(std::string_view name) { return find_name(leading_run(name)); }
 
 Symbol *lookup(std::string_view name) {
-    const NameKey key = name_key(name);
-    Symbol *symbol = find_name(key);
-    return symbol != nullptr ? symbol : create(key, 0, 0, SYM_UNDEFINED, 0);
+    const EnteredName entered = enter_name(name);
+    return entered.is_new ? fill_in(entered.symbol, 0, 0, SYM_UNDEFINED, 0) : entered.symbol;
 }
 
 Symbol *refsym(std::string_view name) {

@@ -13,8 +13,8 @@ namespace {
 
 class Names : public RunTest {
   protected:
-    static Symbol *add(const std::string &name) { return add_name(name_key(name)); }
-    static Symbol *find(const std::string &name) { return find_name(name_key(name)); }
+    static Symbol *add(const std::string &name) { return enter_name(name).symbol; }
+    static Symbol *find(const std::string &name) { return find_name(name); }
 };
 
 TEST_F(Names, RecordBeginsWithItsNameAlone) {
@@ -46,6 +46,15 @@ TEST_F(Names, NamesOfEverySizeAreApart) {
         EXPECT_EQ(find(stem + "b"), second) << size;
         EXPECT_EQ(find(stem + "c"), nullptr) << size;
     }
+}
+
+TEST_F(Names, EnteringANameTwiceGivesOneRecord) {
+    const EnteredName first = enter_name("loop");
+    const EnteredName second = enter_name("loop");
+    EXPECT_TRUE(first.is_new);
+    EXPECT_FALSE(second.is_new);
+    EXPECT_EQ(second.symbol, first.symbol);
+    EXPECT_EQ(symcnt, 1U);
 }
 
 TEST_F(Names, TextIsTheTablesOwn) {
