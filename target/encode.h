@@ -1,4 +1,5 @@
 // The instruction encoders: from a mnemonic's row and its operand to the bytes of the instruction.
+// There is one for each way of reading an operand; the table names the encoder of each mnemonic.
 //
 // A fault in the operand is found before the first byte, so a faulty instruction emits nothing. A
 // value out of range is emitted truncated, so that all passes agree on every length.

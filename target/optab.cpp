@@ -1,23 +1,32 @@
+// The table is written for people: whole mnemonics, forms and encoders by name. What the look-up
+// needs besides, where the rows of a letter begin and what a form adds by the number of its bit,
+// the compiler works out from it, so nothing can be added to one and be missing in the other.
 #include "target/optab.h"
 
 #include "as/asPlace.h"
+#include "target/scan.h"
 #include "util/text.h"
 
-#include <array>
+#include <bit>
+
+MnemonicRecord mnemonic;
+MnemonicRecord *mp = &mnemonic;
 
 namespace {
 
-// Sets of operand forms.
+// Sets of operand forms, each for a family of instructions.
 constexpr std::uint64_t kInherent = ADR_INH;
 constexpr std::uint64_t kImmediate = ADR_IMM;
 constexpr std::uint64_t kBranch = ADR_ABS;
 constexpr std::uint64_t kByteOperand = kByteOperandModes;
 constexpr std::uint64_t kMemory = ADR_ABS | ADR_SP_OFF | ADR_X_OFF | ADR_A_X | ADR_Y_OFF | ADR_A_Y;
+// Jumps have no form relative to SP: those opcodes are RTS and RTI.
 constexpr std::uint64_t kJump = ADR_ABS | ADR_X_OFF | ADR_A_X | ADR_Y_OFF | ADR_A_Y;
 constexpr std::uint64_t kAutoX = ADR_X_POSTINC | ADR_X_POSTDEC | ADR_X_PREINC | ADR_X_PREDEC;
 constexpr std::uint64_t kAutoY = ADR_Y_POSTINC | ADR_Y_POSTDEC | ADR_Y_PREINC | ADR_Y_PREDEC;
 constexpr std::uint64_t kStore = kMemory | kAutoX | kAutoY;
 constexpr std::uint64_t kLoad = kStore | ADR_IMM;
+// Comparisons and address loads of single registers, which miss some of the byte operands.
 constexpr std::uint64_t kCompareIndex = ADR_IMM | ADR_ABS | ADR_SP_OFF;
 constexpr std::uint64_t kCompareStack = ADR_IMM | ADR_ABS;
 constexpr std::uint64_t kLeaX = ADR_SP_OFF | ADR_X_OFF;
@@ -27,230 +36,241 @@ static_assert(kMemory == 0x1874 && kJump == 0x1864 && kLoad == 0x1fff6 && kStore
 static_assert(kCompareIndex == 0x16 && kCompareStack == 0x6);
 static_assert(kLeaX == 0x30 && kLeaY == 0x810 && kLeaStack == 0x830);
 
-constexpr InstructionEntry kEnd = {nullptr, 0, 0, 0};
+} // namespace
 
 // Quirk (shared-opcodes): several mnemonics share an opcode, which no disassembler can tell apart,
 // and DAA's is that of STA's unused immediate form.
 //
-// Rows: mnemonic without its first letter, base opcode, operand forms, encoder. The order within a
-// letter is the order of the search.
 // clang-format off
-constexpr InstructionEntry opNoneentry[] = {
-    kEnd,
-};
-constexpr InstructionEntry opaentry[] = {
-    {"dca",  0x05, kByteOperand,   4}, // ADCA
-    {"dda",  0x06, kByteOperand,   4}, // ADDA
-    {"nda",  0x09, kByteOperand,   4}, // ANDA
-    {"ndcc", 0x01, kImmediate,     1}, // ANDCC
-    {"sla",  0x0B, kInherent,      0}, // ASLA
-    {"sra",  0x0F, kInherent,      0}, // ASRA
-    {"sl",   0x0B, kMemory,        3}, // ASL
-    {"sr",   0x0F, kMemory,        3}, // ASR
-    kEnd,
-};
-constexpr InstructionEntry opbentry[] = {
-    {"sr",   0x20, kBranch,        2}, // BSR
-    {"ra",   0x21, kBranch,        2}, // BRA
-    {"mi",   0x22, kBranch,        2}, // BMI
-    {"pl",   0x23, kBranch,        2}, // BPL
-    {"eq",   0x24, kBranch,        2}, // BEQ
-    {"ne",   0x25, kBranch,        2}, // BNE
-    {"vs",   0x26, kBranch,        2}, // BVS
-    {"vc",   0x27, kBranch,        2}, // BVC
-    {"cs",   0x28, kBranch,        2}, // BCS
-    {"lo",   0x28, kBranch,        2}, // BLO
-    {"cc",   0x29, kBranch,        2}, // BCC
-    {"hs",   0x29, kBranch,        2}, // BHS
-    {"hi",   0x2A, kBranch,        2}, // BHI
-    {"ls",   0x2B, kBranch,        2}, // BLS
-    {"gt",   0x2C, kBranch,        2}, // BGT
-    {"ge",   0x2D, kBranch,        2}, // BGE
-    {"le",   0x2E, kBranch,        2}, // BLE
-    {"lt",   0x2F, kBranch,        2}, // BLT
-    {"ita",  0x08, kByteOperand,   4}, // BITA
-    kEnd,
-};
-constexpr InstructionEntry opcentry[] = {
-    {"lra",  0x05, kInherent,      0}, // CLRA
-    {"lr",   0x05, kMemory,        3}, // CLR
-    {"mpa",  0x07, kByteOperand,   4}, // CMPA
-    {"oma",  0x0A, kInherent,      0}, // COMA
-    {"om",   0x0A, kMemory,        3}, // COM
-    {"mpx",  0x0C, kCompareIndex,  4}, // CMPX
-    {"mpy",  0x0D, kCompareIndex,  4}, // CMPY
-    {"mpsp", 0x0E, kCompareStack,  4}, // CMPSP
-    kEnd,
-};
-constexpr InstructionEntry opdentry[] = {
-    {"eca",  0x08, kInherent,      0}, // DECA
-    {"ec",   0x08, kMemory,        3}, // DEC
-    {"aa",   0xE0, kInherent,      0}, // DAA
-    kEnd,
-};
-constexpr InstructionEntry opeentry[] = {
-    {"ora",  0x0B, kByteOperand,   4}, // EORA
-    {"xg",   0x00, kInherent,      6}, // EXG
-    kEnd,
-};
-constexpr InstructionEntry opientry[] = {
-    {"nca",  0x07, kInherent,      0}, // INCA
-    {"nc",   0x07, kMemory,        3}, // INC
-    kEnd,
-};
-constexpr InstructionEntry opjentry[] = {
-    {"mp",   0x03, kJump,          3}, // JMP
-    {"sr",   0x04, kJump,          3}, // JSR
-    kEnd,
-};
-constexpr InstructionEntry oplentry[] = {
-    {"sla",  0x0B, kInherent,      0}, // LSLA
-    {"sra",  0x0C, kInherent,      0}, // LSRA
-    {"sl",   0x0B, kMemory,        3}, // LSL
-    {"sr",   0x0C, kMemory,        3}, // LSR
-    {"da",   0xF0, kLoad,          1}, // LDA
-    {"dx",   0x00, kByteOperand,   4}, // LDX
-    {"dy",   0x01, kByteOperand,   4}, // LDY
-    {"dsp",  0x02, kByteOperand,   4}, // LDSP
-    {"eax",  0x0C, kLeaX,          7}, // LEAX
-    {"eay",  0x0D, kLeaY,          7}, // LEAY
-    {"easp", 0x0E, kLeaStack,      4}, // LEASP
-    kEnd,
-};
-constexpr InstructionEntry opnentry[] = {
-    {"ega",  0x06, kInherent,      0}, // NEGA
-    {"eg",   0x06, kMemory,        3}, // NEG
-    {"op",   0x00, kInherent,      0}, // NOP
-    kEnd,
-};
-constexpr InstructionEntry opoentry[] = {
-    {"ra",   0x0A, kByteOperand,   4}, // ORA
-    {"rcc",  0x02, kImmediate,     1}, // ORCC
-    kEnd,
-};
-constexpr InstructionEntry oppentry[] = {
-    {"sha",  0x10, kInherent,      0}, // PSHA
-    {"shx",  0x11, kInherent,      0}, // PSHX
-    {"shy",  0x12, kInherent,      0}, // PSHY
-    {"shc",  0x13, kInherent,      0}, // PSHC
-    {"shcc", 0x13, kInherent,      0}, // PSHCC
-    {"ula",  0x14, kInherent,      0}, // PULA
-    {"ulx",  0x15, kInherent,      0}, // PULX
-    {"uly",  0x16, kInherent,      0}, // PULY
-    {"ulc",  0x17, kInherent,      0}, // PULC
-    {"ulcc", 0x17, kInherent,      0}, // PULCC
-    kEnd,
-};
-constexpr InstructionEntry oprentry[] = {
-    {"ola",  0x0D, kInherent,      0}, // ROLA
-    {"ora",  0x0E, kInherent,      0}, // RORA
-    {"ol",   0x0D, kMemory,        3}, // ROL
-    {"or",   0x0E, kMemory,        3}, // ROR
-    {"ts",   0x43, kInherent,      0}, // RTS
-    {"ti",   0x44, kInherent,      0}, // RTI
-    kEnd,
-};
-constexpr InstructionEntry opsentry[] = {
-    {"bca",  0x03, kByteOperand,   4}, // SBCA
-    {"uba",  0x04, kByteOperand,   4}, // SUBA
-    {"ta",   0xE0, kStore,         1}, // STA
-    {"tx",   0x00, kMemory,        3}, // STX
-    {"ty",   0x01, kMemory,        3}, // STY
-    {"tsp",  0x02, kMemory,        3}, // STSP
-    kEnd,
-};
-constexpr InstructionEntry optentry[] = {
-    {"fr",   0x00, kInherent,      5}, // TFR
-    {"sta",  0x09, kInherent,      0}, // TSTA
-    {"st",   0x09, kMemory,        3}, // TST
-    kEnd,
-};
+constexpr std::array<Instruction, kInstructions> optab = {{
+    {"ADCA",  kByteOperand,  0x05, kCodeByte},
+    {"ADDA",  kByteOperand,  0x06, kCodeByte},
+    {"ANDA",  kByteOperand,  0x09, kCodeByte},
+    {"ANDCC", kImmediate,    0x01, kCodeLoadStore},
+    {"ASLA",  kInherent,     0x0B, kCodeInherent},
+    {"ASRA",  kInherent,     0x0F, kCodeInherent},
+    {"ASL",   kMemory,       0x0B, kCodeMemory},
+    {"ASR",   kMemory,       0x0F, kCodeMemory},
+    {"BSR",   kBranch,       0x20, kCodeBranch},
+    {"BRA",   kBranch,       0x21, kCodeBranch},
+    {"BMI",   kBranch,       0x22, kCodeBranch},
+    {"BPL",   kBranch,       0x23, kCodeBranch},
+    {"BEQ",   kBranch,       0x24, kCodeBranch},
+    {"BNE",   kBranch,       0x25, kCodeBranch},
+    {"BVS",   kBranch,       0x26, kCodeBranch},
+    {"BVC",   kBranch,       0x27, kCodeBranch},
+    {"BCS",   kBranch,       0x28, kCodeBranch},
+    {"BLO",   kBranch,       0x28, kCodeBranch},
+    {"BCC",   kBranch,       0x29, kCodeBranch},
+    {"BHS",   kBranch,       0x29, kCodeBranch},
+    {"BHI",   kBranch,       0x2A, kCodeBranch},
+    {"BLS",   kBranch,       0x2B, kCodeBranch},
+    {"BGT",   kBranch,       0x2C, kCodeBranch},
+    {"BGE",   kBranch,       0x2D, kCodeBranch},
+    {"BLE",   kBranch,       0x2E, kCodeBranch},
+    {"BLT",   kBranch,       0x2F, kCodeBranch},
+    {"BITA",  kByteOperand,  0x08, kCodeByte},
+    {"CLRA",  kInherent,     0x05, kCodeInherent},
+    {"CLR",   kMemory,       0x05, kCodeMemory},
+    {"CMPA",  kByteOperand,  0x07, kCodeByte},
+    {"COMA",  kInherent,     0x0A, kCodeInherent},
+    {"COM",   kMemory,       0x0A, kCodeMemory},
+    {"CMPX",  kCompareIndex, 0x0C, kCodeByte},
+    {"CMPY",  kCompareIndex, 0x0D, kCodeByte},
+    {"CMPSP", kCompareStack, 0x0E, kCodeByte},
+    {"DECA",  kInherent,     0x08, kCodeInherent},
+    {"DEC",   kMemory,       0x08, kCodeMemory},
+    {"DAA",   kInherent,     0xE0, kCodeInherent},
+    {"EORA",  kByteOperand,  0x0B, kCodeByte},
+    {"EXG",   kInherent,     0x00, kCodeExchange},
+    {"INCA",  kInherent,     0x07, kCodeInherent},
+    {"INC",   kMemory,       0x07, kCodeMemory},
+    {"JMP",   kJump,         0x03, kCodeMemory},
+    {"JSR",   kJump,         0x04, kCodeMemory},
+    {"LSLA",  kInherent,     0x0B, kCodeInherent},
+    {"LSRA",  kInherent,     0x0C, kCodeInherent},
+    {"LSL",   kMemory,       0x0B, kCodeMemory},
+    {"LSR",   kMemory,       0x0C, kCodeMemory},
+    {"LDA",   kLoad,         0xF0, kCodeLoadStore},
+    {"LDX",   kByteOperand,  0x00, kCodeByte},
+    {"LDY",   kByteOperand,  0x01, kCodeByte},
+    {"LDSP",  kByteOperand,  0x02, kCodeByte},
+    {"LEAX",  kLeaX,         0x0C, kCodeAddress},
+    {"LEAY",  kLeaY,         0x0D, kCodeAddress},
+    {"LEASP", kLeaStack,     0x0E, kCodeByte},
+    {"NEGA",  kInherent,     0x06, kCodeInherent},
+    {"NEG",   kMemory,       0x06, kCodeMemory},
+    {"NOP",   kInherent,     0x00, kCodeInherent},
+    {"ORA",   kByteOperand,  0x0A, kCodeByte},
+    {"ORCC",  kImmediate,    0x02, kCodeLoadStore},
+    {"PSHA",  kInherent,     0x10, kCodeInherent},
+    {"PSHX",  kInherent,     0x11, kCodeInherent},
+    {"PSHY",  kInherent,     0x12, kCodeInherent},
+    {"PSHC",  kInherent,     0x13, kCodeInherent},
+    {"PSHCC", kInherent,     0x13, kCodeInherent},
+    {"PULA",  kInherent,     0x14, kCodeInherent},
+    {"PULX",  kInherent,     0x15, kCodeInherent},
+    {"PULY",  kInherent,     0x16, kCodeInherent},
+    {"PULC",  kInherent,     0x17, kCodeInherent},
+    {"PULCC", kInherent,     0x17, kCodeInherent},
+    {"ROLA",  kInherent,     0x0D, kCodeInherent},
+    {"RORA",  kInherent,     0x0E, kCodeInherent},
+    {"ROL",   kMemory,       0x0D, kCodeMemory},
+    {"ROR",   kMemory,       0x0E, kCodeMemory},
+    {"RTS",   kInherent,     0x43, kCodeInherent},
+    {"RTI",   kInherent,     0x44, kCodeInherent},
+    {"SBCA",  kByteOperand,  0x03, kCodeByte},
+    {"SUBA",  kByteOperand,  0x04, kCodeByte},
+    {"STA",   kStore,        0xE0, kCodeLoadStore},
+    {"STX",   kMemory,       0x00, kCodeMemory},
+    {"STY",   kMemory,       0x01, kCodeMemory},
+    {"STSP",  kMemory,       0x02, kCodeMemory},
+    {"TFR",   kInherent,     0x00, kCodeTransfer},
+    {"TSTA",  kInherent,     0x09, kCodeInherent},
+    {"TST",   kMemory,       0x09, kCodeMemory},
+}};
+
+// LEAX and LEAY add the same for an index register as for the other one: what they accept keeps them
+// apart.
+constexpr std::array<OperandForm, kOperandForms> operand_forms = {{
+    // form         text    load_store memory byte address
+    {ADR_IMM,       "#n",   0x00,      0,     0x90, 0},
+    {ADR_ABS,       "n",    0x01,      0x30,  0xA0, 0},
+    {ADR_SP_OFF,    "n,SP", 0x02,      0x40,  0xB0, 0xD0},
+    {ADR_X_OFF,     "n,X",  0x03,      0x50,  0xC0, 0xC0},
+    {ADR_A_X,       "A,X",  0x04,      0x60,  0,    0},
+    {ADR_X_POSTINC, ",X+",  0x05,      0,     0,    0},
+    {ADR_X_POSTDEC, ",X-",  0x06,      0,     0,    0},
+    {ADR_X_PREINC,  ",+X",  0x07,      0,     0,    0},
+    {ADR_X_PREDEC,  ",-X",  0x08,      0,     0,    0},
+    {ADR_Y_OFF,     "n,Y",  0x09,      0x70,  0xD0, 0xC0},
+    {ADR_A_Y,       "A,Y",  0x0A,      0x80,  0,    0},
+    {ADR_Y_POSTINC, ",Y+",  0x0B,      0,     0,    0},
+    {ADR_Y_POSTDEC, ",Y-",  0x0C,      0,     0,    0},
+    {ADR_Y_PREINC,  ",+Y",  0x0D,      0,     0,    0},
+    {ADR_Y_PREDEC,  ",-Y",  0x0E,      0,     0,    0},
+}};
 // clang-format on
-
-} // namespace
-
-// clang-format off
-constexpr const InstructionEntry *const optab[kLetters] = {
-    opaentry,    opbentry,    opcentry,    opdentry,    opeentry,    opNoneentry, opNoneentry,
-    opNoneentry, opientry,    opjentry,    opNoneentry, oplentry,    opNoneentry, opnentry,
-    opoentry,    oppentry,    opNoneentry, oprentry,    opsentry,    optentry,    opNoneentry,
-    opNoneentry, opNoneentry, opNoneentry, opNoneentry, opNoneentry,
-};
-// clang-format on
-
-MnemonicRecord mnemonic;
-MnemonicRecord *mp = &mnemonic;
 
 namespace {
 
-// ---- The index of the table: a row is found at once instead of by a search along its letter ----
+// The order counts: from the first register to the second one.
+constexpr std::array<RegisterPair, 8> kTransferPairs = {{
+    {TOK_A, TOK_CC, 0x18},
+    {TOK_CC, TOK_A, 0x19},
+    {TOK_X, TOK_Y, 0x1A},
+    {TOK_Y, TOK_X, 0x1B},
+    {TOK_X, TOK_SP, 0x1C},
+    {TOK_SP, TOK_X, 0x1D},
+    {TOK_Y, TOK_SP, 0x1E},
+    {TOK_SP, TOK_Y, 0x1F},
+}};
 
-// A mnemonic as a number, its first character lowest, in lower case.
-// The rest of the row is copied: a pointer would have to be relocated at each start.
-struct IndexedRow {
-    std::uint64_t word = 0; // 0: none
-    MnemonicRecord record{};
-};
+// An exchange means the same in either order.
+constexpr std::array<RegisterPair, 8> kExchangePairs = {{
+    {TOK_A, TOK_CC, 0x9F},
+    {TOK_CC, TOK_A, 0x9F},
+    {TOK_X, TOK_Y, 0xAF},
+    {TOK_Y, TOK_X, 0xAF},
+    {TOK_X, TOK_SP, 0xBF},
+    {TOK_SP, TOK_X, 0xBF},
+    {TOK_Y, TOK_SP, 0xCF},
+    {TOK_SP, TOK_Y, 0xCF},
+}};
 
-constexpr unsigned kIndexBits = 8;
-using RowIndex = std::array<IndexedRow, std::size_t{1} << kIndexBits>;
-
-// The place at which a word is looked for first.
-constexpr std::size_t first_place(std::uint64_t word) {
-    return static_cast<std::size_t>(word * 0x9E3779B97F4A7C15U >> (64U - kIndexBits));
+constexpr std::size_t bit_number(std::uint64_t mode) {
+    return static_cast<std::size_t>(std::countr_zero(mode));
 }
 
-constexpr std::size_t next_place(std::size_t place) {
-    return (place + 1) % (std::size_t{1} << kIndexBits);
+// What each form adds, by the number of its bit.
+using ModeBits = std::array<std::uint8_t, std::bit_width(std::uint64_t{ADR_Y_PREDEC})>;
+
+consteval std::array<ModeBits, kCoders> bits_by_coder() {
+    std::array<ModeBits, kCoders> bits{};
+    for (const OperandForm &form : operand_forms) {
+        const std::size_t number = bit_number(form.mode);
+        bits[kCodeLoadStore][number] = form.load_store;
+        bits[kCodeMemory][number] = form.memory;
+        bits[kCodeByte][number] = form.byte;
+        bits[kCodeAddress][number] = form.address;
+    }
+    return bits;
 }
 
-consteval RowIndex make_index() {
-    RowIndex index{};
-    for (std::size_t letter = 0; letter < kLetters; ++letter) {
-        for (const InstructionEntry *row = optab[letter]; row->key != 0; ++row) {
-            const std::uint64_t word = ('a' + letter) | std::uint64_t{row->key} << 8U;
-            std::size_t place = first_place(word);
-            while (index[place].word != 0 && index[place].word != word) {
-                place = next_place(place);
-            }
-            if (index[place].word == 0) { // the first of two rows counts
-                index[place] = {word,
-                                {static_cast<std::uint16_t>(row->opcode), row->mode_mask,
-                                 static_cast<std::uint16_t>(row->coder)}};
-            }
+constexpr std::array<ModeBits, kCoders> kBitsByCoder = bits_by_coder();
+
+// ---- Look-up: along the rows of the first letter, which are few ----
+
+constexpr std::size_t kLetters = 26;
+
+// The place of a letter of either case in the alphabet; some other number for other characters.
+constexpr std::size_t letter_number(char ch) {
+    return static_cast<std::size_t>(static_cast<unsigned char>(to_upper(ch)) - 'A');
+}
+
+// The first row of each letter; it ends where the rows of the next letter begin.
+consteval std::array<std::uint8_t, kLetters + 1> first_rows() {
+    std::array<std::uint8_t, kLetters + 1> rows{};
+    std::size_t letter = 0;
+    for (std::size_t row = 0; row < optab.size(); ++row) {
+        const std::size_t number = letter_number(optab[row].mnemonic[0]);
+        if (number + 1 < letter) { // a compile error, since nothing can be thrown there
+            throw "a mnemonic stands below those of a later letter";
+        }
+        for (; letter <= number; ++letter) {
+            rows[letter] = static_cast<std::uint8_t>(row);
         }
     }
-    return index;
+    for (; letter <= kLetters; ++letter) {
+        rows[letter] = static_cast<std::uint8_t>(optab.size());
+    }
+    return rows;
 }
 
-constexpr RowIndex kRowIndex = make_index();
+constexpr std::array<std::uint8_t, kLetters + 1> kFirstRows = first_rows();
 
-// The row of a word, or one without a word.
-const IndexedRow &find_row(std::uint64_t word) {
-    std::size_t place = first_place(word);
-    while (kRowIndex[place].word != word && kRowIndex[place].word != 0) {
-        place = next_place(place);
+// The bit that tells the cases of a letter apart. No character but a letter becomes one without it.
+constexpr int kCaseBit = 0x20;
+
+// The end of the word if it is that mnemonic, or null. The first letter is known to be right.
+const char *mnemonic_end(const char *word, const char *name) {
+    for (++word, ++name; *name != '\0'; ++word, ++name) {
+        if ((*word & ~kCaseBit) != *name) {
+            return nullptr;
+        }
     }
-    return kRowIndex[place];
+    return isblanc(*word) ? word : nullptr;
 }
 
 } // namespace
 
+// A line has few words to be looked up and a letter few rows, most of which differ in the second
+// character, so walking along the rows costs hardly more than an index of all mnemonics.
 int ZIRPA_getmnem(MnemonicRecord *record) {
-    const std::uint64_t characters = eight_characters(Col_Ptr);
-    const unsigned length = nonblanks_ahead(characters);
     const char *word = Col_Ptr++;
-    if (length == 0 || length > 1 + kTailLimit) {
+    const std::size_t letter = letter_number(*word);
+    if (letter >= kLetters) {
         return 0;
     }
-    // Letters of either case are equal, and no other character becomes a lower-case letter by the
-    // bit that is set.
-    const std::uint64_t mask = (std::uint64_t{1} << 8 * length) - 1;
-    const IndexedRow &row = find_row((characters | 0x2020202020202020U) & mask);
-    if (row.word == 0) {
-        return 0;
+    for (std::size_t i = kFirstRows[letter]; i < kFirstRows[letter + 1]; ++i) {
+        const Instruction &row = optab[i];
+        if (const char *end = mnemonic_end(word, row.mnemonic); end != nullptr) {
+            *record = {row.opcode, row.mode_mask, row.coder};
+            Col_Ptr = end;
+            return 1;
+        }
     }
-    *record = row.record;
-    Col_Ptr = word + length;
-    return 1;
+    return 0;
+}
+
+unsigned mode_bits(Coder coder, std::uint64_t mode) {
+    return kBitsByCoder[coder][bit_number(mode)];
+}
+
+std::span<const RegisterPair> register_pairs(Coder coder) {
+    switch (coder) {
+    case kCodeTransfer: return kTransferPairs;
+    case kCodeExchange: return kExchangePairs;
+    default: return {};
+    }
 }

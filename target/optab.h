@@ -1,12 +1,17 @@
-// The instruction table: the definition of the ZIRPA's mnemonics, and their lookup.
+// The instruction table: all that is known about the processor's instructions, and the look-up of
+// their mnemonics.
 //
-// Mnemonics are grouped by first letter; a row holds the rest of the mnemonic, the base opcode, the
-// set of operand forms that it accepts and the number of its encoder. Rows that share an opcode are
-// separate mnemonics on purpose.
+// It reads like a data sheet. A row of optab holds a mnemonic, the operand forms that it takes, its
+// base opcode and its encoder; a row of operand_forms says how a form is written and what each
+// encoder adds to the base opcode for it; register_pairs has the opcodes of the instructions that
+// take two registers. Encoders, documents and everything else that needs an opcode ask here, so an
+// instruction is added or corrected in one place.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 
 // Operand forms, one bit each; bit 0x8 is not assigned.
 enum AddressingMode : std::uint64_t {
@@ -33,40 +38,67 @@ inline constexpr std::uint64_t kByteOperandModes =
     ADR_IMM | ADR_ABS | ADR_SP_OFF | ADR_X_OFF | ADR_Y_OFF;
 static_assert(kByteOperandModes == 0x836);
 
+// The encoders by what they are for; the number is that of the function, coder0 to coder7.
+enum Coder : std::uint16_t {
+    kCodeInherent = 0,  // the opcode alone
+    kCodeLoadStore = 1, // LDA and STA, which take nearly every form, and the masks of CC
+    kCodeBranch = 2,    // the opcode and a distance
+    kCodeMemory = 3,    // operations on memory, jumps, stores of X, Y and SP
+    kCodeByte = 4,      // operations with a byte operand
+    kCodeTransfer = 5,  // TFR
+    kCodeExchange = 6,  // EXG
+    kCodeAddress = 7,   // LEAX, LEAY
+};
+inline constexpr std::size_t kCoders = 8;
+
 // Coder number of the current mnemonic while there is no instruction.
 inline constexpr std::uint16_t kNoCoder = 65535;
 
-// Longest mnemonic without its first letter, in characters.
-inline constexpr std::size_t kTailLimit = 4;
+// Longest mnemonic, in characters.
+inline constexpr std::size_t kMnemonicLimit = 5;
 
 // A row of the table.
-struct InstructionEntry {
-    consteval InstructionEntry(const char *row_tail, std::uint32_t row_opcode,
-                               std::uint64_t row_mode_mask, std::uint32_t row_coder)
-        : tail(row_tail), opcode(row_opcode), mode_mask(row_mode_mask), coder(row_coder) {
-        for (std::size_t i = 0; row_tail != nullptr && row_tail[i] != '\0'; ++i) {
-            key |= static_cast<std::uint32_t>(row_tail[i]) << 8 * i;
-        }
-    }
-
-    const char *tail;        // mnemonic without its first letter, lower case; none ends a table
-    std::uint32_t opcode;    // base opcode, low 8 bits used
-    std::uint64_t mode_mask; // accepted operand forms
-    std::uint32_t coder;     // 0 to 7
-    std::uint32_t key = 0;   // the tail as a number, its first character lowest; 0 ends a table
+struct Instruction {
+    char mnemonic[kMnemonicLimit + 1]; // upper case; a pointer would be relocated at each start
+    std::uint64_t mode_mask;           // accepted operand forms
+    std::uint8_t opcode;               // base opcode
+    Coder coder;
 };
 
-// What a lookup found; TFR and EXG store the opcode they chose here.
+inline constexpr std::size_t kInstructions = 85;
+
+// All instructions by their first letters; within a letter the order is that of the search.
+extern const std::array<Instruction, kInstructions> optab;
+
+// An operand form, and what the encoders of instructions with operands add to the base opcode for
+// it: 0 where no instruction of theirs takes the form.
+struct OperandForm {
+    std::uint64_t mode;
+    char text[5]; // as it is written, with n for the operand byte
+    std::uint8_t load_store;
+    std::uint8_t memory;
+    std::uint8_t byte;
+    std::uint8_t address;
+};
+
+inline constexpr std::size_t kOperandForms = 15;
+
+// All forms but that without an operand.
+extern const std::array<OperandForm, kOperandForms> operand_forms;
+
+// Two registers, as tokens, and the opcode that stands for them.
+struct RegisterPair {
+    int first;
+    int second;
+    std::uint8_t opcode;
+};
+
+// What a look-up found; TFR and EXG store the opcode they chose here.
 struct MnemonicRecord {
     std::uint16_t opcode = 0;
     std::uint64_t mode_mask = 0;
     std::uint16_t coder = kNoCoder;
 };
-
-inline constexpr std::size_t kLetters = 26;
-
-// The rows of each letter, a = 0 to z = 25, each table ended by a row without a mnemonic.
-extern const InstructionEntry *const optab[kLetters];
 
 // ---- State owned here ----
 
@@ -76,5 +108,11 @@ extern MnemonicRecord *mp;      // always points at it
 // ---- Functions ----
 
 // Looks up the word at the scan position, in any case. 1 and the record filled, with the scan
-// position behind the word; or 0, with the scan position one character on.
+// position after the word; or 0, with the scan position one character on.
 int ZIRPA_getmnem(MnemonicRecord *record);
+
+// What an encoder adds to the base opcode for the form of that one bit.
+unsigned mode_bits(Coder coder, std::uint64_t mode);
+
+// The pairs that an encoder takes; none for encoders without pairs.
+std::span<const RegisterPair> register_pairs(Coder coder);

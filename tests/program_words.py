@@ -155,9 +155,4 @@ def directives():
 
 
 def mnemonics():
-    tables = re.findall(r"\bop([a-z])entry\[\] = \{(.*?)^\};", sources(), re.DOTALL | re.MULTILINE)
-    return {
-        (letter + tail).upper()
-        for letter, rows in tables
-        for tail in re.findall(r'\{"(\w+)",', rows)
-    }
+    return set(re.findall(r'^ +\{"([A-Z]+)", +k', sources(), re.MULTILINE))

@@ -12,35 +12,15 @@
 #include "target/encode.h"
 #include "target/optab.h"
 #include "target/scan.h"
-#include "util/text.h"
 
 #include <algorithm>
 #include <array>
-#include <cstddef>
 #include <cstdio>
 #include <string>
 #include <vector>
 
 namespace {
 
-// The forms as the table shows them; "n" is any expression.
-constexpr std::array<const char *, 15> kOperandForms = {{
-    "#n",
-    "n",
-    "n,SP",
-    "n,X",
-    "A,X",
-    ",X+",
-    ",X-",
-    ",+X",
-    ",-X",
-    "n,Y",
-    "A,Y",
-    ",Y+",
-    ",Y-",
-    ",+Y",
-    ",-Y",
-}};
 constexpr std::array<const char *, 5> kRegisters = {{"A", "CC", "X", "Y", "SP"}};
 
 // Stands for "n": a value that every form can hold, and that a branch at address 0 can reach.
@@ -48,7 +28,10 @@ constexpr char kValue = '5';
 
 // Those forms and all register pairs; some pairs are among the forms already.
 std::vector<std::string> all_forms() {
-    std::vector<std::string> forms(kOperandForms.begin(), kOperandForms.end());
+    std::vector<std::string> forms;
+    for (const OperandForm &form : operand_forms) {
+        forms.emplace_back(form.text);
+    }
     for (const char *first : kRegisters) {
         for (const char *second : kRegisters) {
             const std::string pair = std::string(first) + "," + second;
@@ -107,24 +90,14 @@ void print_rows(const std::string &mnemonic_text, const std::vector<std::string>
     }
 }
 
-std::string mnemonic_of(std::size_t letter, const char *tail) {
-    std::string text(1, static_cast<char>('A' + letter));
-    for (; *tail != '\0'; ++tail) {
-        text += to_upper(*tail);
-    }
-    return text;
-}
-
 } // namespace
 
 int main() {
     start_up("instruction_table");
     const std::vector<std::string> forms = all_forms();
     std::puts("mnemonic\tform\topcode\tlength");
-    for (std::size_t letter = 0; letter < kLetters; ++letter) {
-        for (const InstructionEntry *entry = optab[letter]; entry->tail != nullptr; ++entry) {
-            print_rows(mnemonic_of(letter, entry->tail), forms);
-        }
+    for (const Instruction &row : optab) {
+        print_rows(row.mnemonic, forms);
     }
     return std::fflush(stdout) == 0 ? 0 : 1;
 }

@@ -12,7 +12,6 @@
 #include "target/scan.h"
 #include "tests/unit/support.h"
 
-#include <cctype>
 #include <cstddef>
 #include <cstdint>
 #include <map>
@@ -133,37 +132,27 @@ const std::map<unsigned, std::map<std::uint64_t, unsigned>> kModeValues = {
     {7, {{ADR_SP_OFF, 0xD0}, {ADR_X_OFF, 0xC0}, {ADR_Y_OFF, 0xC0}}},
 };
 
-std::string mnemonic_of(std::size_t letter, const InstructionEntry &entry) {
-    std::string name(1, static_cast<char>('A' + letter));
-    for (const char *tail = entry.tail; *tail != '\0'; ++tail) {
-        name += static_cast<char>(std::toupper(static_cast<unsigned char>(*tail)));
-    }
-    return name;
-}
-
 TEST_F(Encoder, CombinesOpcodeAndFormOfEveryMnemonicWithAnOperand) {
     std::size_t allowed = 0;
     std::size_t forbidden = 0;
-    for (std::size_t letter = 0; letter < kLetters; ++letter) {
-        for (const InstructionEntry *entry = optab[letter]; entry->tail != nullptr; ++entry) {
-            const auto values = kModeValues.find(entry->coder);
-            if (values == kModeValues.end()) {
+    for (const Instruction &row : optab) {
+        const auto values = kModeValues.find(row.coder);
+        if (values == kModeValues.end()) {
+            continue;
+        }
+        for (const Form &form : kForms) {
+            const std::string statement = std::string(row.mnemonic) + " " + form.operand;
+            if ((row.mode_mask & form.mode) == 0) {
+                expect_fault(statement, kBadMode);
+                ++forbidden;
                 continue;
             }
-            for (const Form &form : kForms) {
-                const std::string statement = mnemonic_of(letter, *entry) + " " + form.operand;
-                if ((entry->mode_mask & form.mode) == 0) {
-                    expect_fault(statement, kBadMode);
-                    ++forbidden;
-                    continue;
-                }
-                Bytes expected{entry->opcode | values->second.at(form.mode)};
-                if (form.has_byte) {
-                    expected.push_back(5);
-                }
-                EXPECT_EQ(good(statement), expected) << statement;
-                ++allowed;
+            Bytes expected{row.opcode | values->second.at(form.mode)};
+            if (form.has_byte) {
+                expected.push_back(5);
             }
+            EXPECT_EQ(good(statement), expected) << statement;
+            ++allowed;
         }
     }
     // 39 mnemonics in 15 forms.

@@ -250,25 +250,56 @@ TEST_F(MnemonicLookup, DaaAndStaShareE0UnderDifferentForms) {
 }
 
 TEST_F(MnemonicLookup, TheTableHoldsExactlyTheseRowsInThisOrder) {
-    std::size_t index = 0;
-    for (std::size_t letter = 0; letter < kLetters; ++letter) {
-        ASSERT_NE(optab[letter], nullptr);
-        for (const InstructionEntry *entry = optab[letter]; entry->tail != nullptr; ++entry) {
-            ASSERT_LT(index, kRowCount);
-            const Row &row = kRows[index++];
-            EXPECT_EQ(static_cast<char>('a' + letter) + std::string(entry->tail),
-                      lower(row.mnemonic));
-            EXPECT_EQ(entry->opcode & 0xFFU, row.opcode) << row.mnemonic;
-            EXPECT_EQ(entry->mode_mask, row.mode_mask) << row.mnemonic;
-            EXPECT_EQ(entry->coder, row.coder) << row.mnemonic;
-        }
+    ASSERT_EQ(optab.size(), kRowCount);
+    for (std::size_t i = 0; i < kRowCount; ++i) {
+        EXPECT_STREQ(optab[i].mnemonic, kRows[i].mnemonic);
+        EXPECT_EQ(optab[i].opcode, kRows[i].opcode) << kRows[i].mnemonic;
+        EXPECT_EQ(optab[i].mode_mask, kRows[i].mode_mask) << kRows[i].mnemonic;
+        EXPECT_EQ(optab[i].coder, kRows[i].coder) << kRows[i].mnemonic;
     }
-    EXPECT_EQ(index, kRowCount);
 }
 
 TEST_F(MnemonicLookup, TwelveLettersBeginNoMnemonic) {
-    for (const char letter : std::string("fghkmquvwxyz")) {
-        EXPECT_EQ(optab[static_cast<std::size_t>(letter - 'a')]->tail, nullptr) << letter;
+    for (const char letter : std::string("FGHKMQUVWXYZ")) {
+        for (const Instruction &row : optab) {
+            EXPECT_NE(row.mnemonic[0], letter);
+        }
+        for (const Row &row : kRows) {
+            EXPECT_FALSE(is_found(letter + std::string(row.mnemonic + 1))) << letter;
+        }
+    }
+}
+
+TEST(OperandForms, AreAllModesButTheInherentOneInTheOrderOfTheirBits) {
+    std::uint64_t modes = ADR_INH;
+    for (const OperandForm &form : operand_forms) {
+        EXPECT_GT(form.mode, modes) << form.text;
+        modes |= form.mode;
+    }
+    EXPECT_EQ(modes, 0x1FFF7U);
+}
+
+TEST(OperandForms, ShowAnOperandByteWhereTheyCarryOne) {
+    for (const OperandForm &form : operand_forms) {
+        const bool has_byte = (form.mode & kByteOperandModes) != 0;
+        EXPECT_EQ(std::string(form.text).find('n') != std::string::npos, has_byte) << form.text;
+    }
+}
+
+TEST(OperandForms, AddNothingForEncodersWithoutForms) {
+    for (const OperandForm &form : operand_forms) {
+        for (const Coder coder : {kCodeInherent, kCodeBranch, kCodeTransfer, kCodeExchange}) {
+            EXPECT_EQ(mode_bits(coder, form.mode), 0U) << form.text;
+        }
+    }
+}
+
+TEST(RegisterPairs, BelongToTransfersAndExchanges) {
+    EXPECT_EQ(register_pairs(kCodeTransfer).size(), 8U);
+    EXPECT_EQ(register_pairs(kCodeExchange).size(), 8U);
+    for (const Coder coder :
+         {kCodeInherent, kCodeLoadStore, kCodeBranch, kCodeMemory, kCodeByte, kCodeAddress}) {
+        EXPECT_TRUE(register_pairs(coder).empty());
     }
 }
 
