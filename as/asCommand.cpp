@@ -6,8 +6,7 @@
 #include "symtab/symtab.h"
 #include "util/text.h"
 
-#include <array>
-#include <string_view>
+#include <algorithm>
 
 std::string OutputTitle;
 std::string DbgSrcDir;
@@ -39,60 +38,33 @@ void set_output_title(const char *name) {
     O_oflag = 1;
 }
 
-void set_compatibility(const char *word) {
-    const std::string_view name = word;
-    if (name == "nopure") {
-        O_directive_style_pure = 0;
-    } else if (name == "nonative") {
-        O_directive_style_native = 0;
-    } else if (name == "nocase") {
-        O_symbol_case_sensitive = 0;
+// The row of that text, or null.
+template <typename Table> auto find_row(const Table &table, std::string_view text) {
+    const auto *row = std::find_if(table.begin(), table.end(),
+                                   [=](const auto &each) { return each.text == text; });
+    return row != table.end() ? row : nullptr;
+}
+
+void set_compatibility(const char *name) {
+    if (const CompatibilityWord *word = find_row(kCompatibilityWords, name); word != nullptr) {
+        *word->flag = 0;
     } else {
         standard_output.put(
             {kProgramName, ": Unknown compatibility option -C '", name, "' is ignored.\n"});
     }
 }
 
-// An option without a value.
-struct Switch {
-    std::string_view text;
-    std::int16_t *flag;
-};
-const std::array<Switch, 5> kSwitches = {{
-    {"-L", &O_list},
-    {"-S", &O_symtab},
-    {"-A", &O_cout},
-    {"-g", &O_symdebug},
-    {"-w", &O_warn},
-}};
-
 bool take_switch(std::string_view argument) {
-    for (const Switch &option : kSwitches) {
-        if (argument == option.text) {
-            *option.flag = 1;
-            return true;
-        }
+    if (const Switch *option = find_row(kSwitches, argument); option != nullptr) {
+        *option->flag = 1;
+        return true;
     }
-    if (argument == "-S1" || argument == "-S2" || argument == "-S3") {
-        record_type = argument[2] - '0';
+    if (const RecordOption *option = find_row(kRecordOptions, argument); option != nullptr) {
+        record_type = option->type;
         return true;
     }
     return false;
 }
-
-// An option with a value: in the next argument, or joined, for some only in double quotes.
-struct ValueOption {
-    char letter;
-    bool joined_in_quotes_only;
-    void (*carry_out)(const char *value);
-};
-constexpr std::array<ValueOption, 5> kValueOptions = {{
-    {'d', true, set_source_directory},
-    {'o', true, set_output_title},
-    {'D', false, define_symbol},
-    {'I', false, push_include},
-    {'C', false, set_compatibility},
-}};
 
 const ValueOption *find_value_option(const char *argument) {
     for (const ValueOption &option : kValueOptions) {
@@ -105,6 +77,34 @@ const ValueOption *find_value_option(const char *argument) {
 }
 
 } // namespace
+
+const std::array<Switch, 5> kSwitches = {{
+    {"-L", &O_list},
+    {"-S", &O_symtab},
+    {"-A", &O_cout},
+    {"-g", &O_symdebug},
+    {"-w", &O_warn},
+}};
+
+const std::array<RecordOption, 3> kRecordOptions = {{
+    {"-S1", 1},
+    {"-S2", 2},
+    {"-S3", 3},
+}};
+
+const std::array<ValueOption, 5> kValueOptions = {{
+    {'d', true, set_source_directory},
+    {'o', true, set_output_title},
+    {'D', false, define_symbol},
+    {'I', false, push_include},
+    {'C', false, set_compatibility},
+}};
+
+const std::array<CompatibilityWord, 3> kCompatibilityWords = {{
+    {"nopure", &O_directive_style_pure},
+    {"nonative", &O_directive_style_native},
+    {"nocase", &O_symbol_case_sensitive},
+}};
 
 void command_new_run() {
     OutputTitle.clear();

@@ -1,7 +1,42 @@
 // The command line: options, their oddities, and the usage text.
+//
+// The options stand in tables, which documents, completions and tests are held against; the usage
+// text stays as it is, oddities included, because users know it.
 #pragma once
 
+#include <array>
+#include <cstdint>
 #include <string>
+#include <string_view>
+
+// An option without a value, and the flag that it sets.
+struct Switch {
+    std::string_view text;
+    std::int16_t *flag;
+};
+extern const std::array<Switch, 5> kSwitches;
+
+// An option for the width of the addresses in the records.
+struct RecordOption {
+    std::string_view text;
+    int type;
+};
+extern const std::array<RecordOption, 3> kRecordOptions;
+
+// An option with a value: in the next argument, or joined, for some only in double quotes.
+struct ValueOption {
+    char letter;
+    bool joined_in_quotes_only;
+    void (*carry_out)(const char *value);
+};
+extern const std::array<ValueOption, 5> kValueOptions;
+
+// A value of -C, and the flag that it clears.
+struct CompatibilityWord {
+    std::string_view text;
+    std::int16_t *flag;
+};
+extern const std::array<CompatibilityWord, 3> kCompatibilityWords;
 
 // ---- State owned here; set by read_command_line ----
 
@@ -12,7 +47,7 @@ extern std::string DbgSrcDir;   // directory of -d, without its quotes
 
 void command_new_run();
 
-// Carries out the options. Returns the source's name, or none when the options use up all
+// Carries out the options. Returns the source's name, or null when the options use up all
 // arguments.
 const char *read_command_line(int argc, const char *const *argv);
 
