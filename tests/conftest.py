@@ -1,14 +1,18 @@
-"""The option that all tests of whole runs share: which program is run."""
+"""The options that tests share: which program is run, and what prints its words."""
 
 import pathlib
+
+import program_words
 
 
 def pytest_addoption(parser):
     parser.addoption(
         "--program", type=pathlib.Path, required=True, help="the assembler under test"
     )
+    parser.addoption("--words", type=pathlib.Path, help="the built tools/program_words.cpp")
 
 
 def pytest_configure(config):
     # Tests change the working directory of the program, not their own; an absolute path suits both.
     config.option.program = str(config.option.program.resolve())
+    program_words.tool = config.option.words and config.option.words.resolve()

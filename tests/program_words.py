@@ -1,158 +1,49 @@
-"""The words that a user meets, as the program's sources hold them: messages, options, directives.
+"""The words of the language and of the command line, as the program's own tables have them.
 
-Documents and expected outputs are held against these, so that nothing can be added to the program
-and left out there. A format holds `%s` and its like for values.
+tools/program_words.cpp prints them. Documents, completions and the editors' files are held against
+these, so that nothing can be added to the program and left out there.
 """
 
-import pathlib
-import re
+import functools
+import json
+import subprocess
 
-ROOT = pathlib.Path(__file__).resolve().parents[1]
-MODULES = ("as", "target", "expr", "symtab", "util")
-
-LITERAL = r'"((?:[^"\\]|\\.)*)"'
-# open_conditional hands its text on.
-ERROR_CALL = r"\b(?:Error|vpError|fail|open_conditional)\(\s*"
-WARNING_CALL = r"\b(?:Warning|vpWarning|ExtendedWarning)\(\s*"
-FATAL_CALL = r"\bvpFatal\(\s*"
-REPORTER = r"\b(?:Error|vpError|Warning|vpWarning|ExtendedWarning|vpFatal|fail)"
-# Parameters by which a text is handed on to a reporter.
-HANDED_ON = {"too_deep", "text", "text.c_str()"}
-# Functions that choose a text.
-TEXT_FUNCTION = re.compile(r"^const char \*(\w+_text)\(.*?^\}", re.DOTALL | re.MULTILINE)
-# Faults of expressions are told with their place.
-PLACED_FORMAT = "%s, Position[%d]"
-# What is printed without a reporter: texts that begin with the program's name, and totals.
-OWN_TEXT = re.compile(r'\{kProgramName,\s*(": [^{}]*)\}')
-TOTAL = re.compile(r'\bput\("((?:[^"\\]|\\.)*(?:rror|arning)(?:[^"\\]|\\.)*)"\)')
-OVERFLOW = re.compile(r'put\("(\(F1010\)[^"\\]*)')
-PLACEHOLDERS = re.compile(r"(?:%[0-9.]*[a-zA-Z])+")
-
-SWITCH = re.compile(r'\{"(-\w)", &O_')
-RECORD_OPTION = re.compile(r'argument == "(-\w\d)"')
-VALUE_OPTION = re.compile(r"\{'(\w)', (?:true|false), ")
+tool = None  # the built tool; set by conftest.py
 
 
-def sources():
-    return "\n".join(
-        path.read_text() for module in MODULES for path in sorted((ROOT / module).glob("*.cpp"))
-    )
+@functools.cache
+def words():
+    assert tool and tool.is_file(), "build the target program_words and name it with --words"
+    process = subprocess.run([tool], stdout=subprocess.PIPE, check=True, timeout=60)
+    return json.loads(process.stdout)
 
 
-def unescaped(literal):
-    return literal.replace('\\"', '"').replace("\\n", "\n").strip()
+def value_options():
+    """The options that take a value."""
+    return set(words()["value_options"])
 
 
-# ---- Messages ----
+def all_options():
+    return {*words()["switches"], *words()["record_options"], *value_options()}
 
 
-def texts_of(call):
-    """The formats that stand in the calls."""
-    return {unescaped(text) for text in re.findall(call + LITERAL, sources())}
-
-
-def chosen_texts(name=r"\w+"):
-    """What the functions of that name choose from."""
-    return {
-        unescaped(text)
-        for function in TEXT_FUNCTION.finditer(sources())
-        if re.fullmatch(name, function[1])
-        for text in re.findall(r"\breturn " + LITERAL, function[0])
-    }
-
-
-def expression_faults():
-    return chosen_texts("status_text")
-
-
-def errors():
-    return (texts_of(ERROR_CALL) | chosen_texts()) - {PLACED_FORMAT}
-
-
-def warnings():
-    return texts_of(WARNING_CALL)
-
-
-def fatal_errors():
-    return texts_of(FATAL_CALL)
-
-
-def reported_messages():
-    """The formats of all errors, warnings and fatal errors, those of expressions with their place."""
-    placed = {PLACED_FORMAT.replace("%s", text) for text in expression_faults()}
-    plain = (errors() | warnings() | fatal_errors()) - expression_faults()
-    return sorted(plain | placed)
-
-
-def unknown_arguments():
-    """First arguments of reporters that are neither a text nor known to be one of those above."""
-    found = re.findall(REPORTER + r'\(([^"\s][^,;{]*)\)', sources())
-    names = {argument for argument in found if not argument.startswith("const char *")}
-    return {name for name in names - HANDED_ON if not re.match(r"\w+_text\(", name)}
-
-
-def own_messages():
-    """What the program prints about itself."""
-    messages = set()
-    for call in OWN_TEXT.findall(sources()):
-        pieces = re.findall(LITERAL + r"|([^\s,\"][^,]*)", call)
-        messages.add("HXzirpa" + "".join("%s" if word else text for text, word in pieces))
-    return sorted(unescaped(message) for message in messages)
-
-
-def overflow_messages():
-    return {unescaped(text) for text in OVERFLOW.findall(sources())}
-
-
-def messages():
-    """The formats of everything that the program reports or prints about itself."""
-    everything = errors() | warnings() | fatal_errors() | overflow_messages()
-    return sorted(everything | set(own_messages()))
-
-
-def totals():
-    """Pieces of the lines that end a run."""
-    return sorted({line for text in TOTAL.findall(sources()) for line in unescaped(text).split("\n")})
-
-
-def pattern_of(message, value=".+?"):
-    """A regular expression for the texts of a format; value is what stands for its values."""
-    return value.join(re.escape(piece) for piece in PLACEHOLDERS.split(message))
-
-
-# ---- Options ----
-
-
-def compatibility_options():
-    function = re.search(r"^void set_compatibility\(.*?^\}", sources(), re.DOTALL | re.MULTILINE)[0]
-    return set(re.findall("name == " + LITERAL, function))
-
-
-def options():
-    """All options, as `-L`, or `-C nocase` for those that are words."""
-    text = sources()
-    return sorted(
-        SWITCH.findall(text)
-        + RECORD_OPTION.findall(text)
-        + ["-" + letter for letter in VALUE_OPTION.findall(text) if letter != "C"]
-        + ["-C " + word for word in compatibility_options()]
-    )
-
-
-# ---- The language ----
-
-
-def table_words(name):
-    """The words of a table of directives."""
-    body = re.search(rf"\b{name}\[\] = \{{(.*?)^\}};", sources(), re.DOTALL | re.MULTILINE)[1]
-    return re.findall(r'\{"([^"]+)",', body)
+def compatibility_words():
+    """What -C takes."""
+    return set(words()["compatibility_words"])
 
 
 def directives():
-    """The directives in capitals and the conditional words with their hash."""
-    plain = [word.upper() for word in table_words("pseudo_zirpa")]
-    return plain + ["#" + word for word in table_words("macro_pure")]
+    return [word.upper() for word in words()["directives"]]
 
 
-def mnemonics():
-    return set(re.findall(r'^ +\{"([A-Z]+)", +k', sources(), re.MULTILINE))
+def conditionals():
+    """The conditional words with their hash."""
+    return ["#" + word for word in words()["conditionals"]]
+
+
+def instructions():
+    """A dictionary of the mnemonics: the sets of what they take, "" for no operand."""
+    found = {}
+    for row in words()["instructions"]:
+        found.setdefault(row["mnemonic"], set()).add(row["form"])
+    return found

@@ -17,7 +17,6 @@ NO_DIGIT = rf"(?!{DIGIT})"
 # At most 128 characters; a character that is not ASCII right behind makes it no name.
 NAME = r"(?>[A-Za-z_][A-Za-z0-9_$.]{0,127})(?![^\x00-\x7F])"
 NO_NAME = "(?![A-Za-z0-9_])"
-REGISTER = rf"(?i:a|x|y|sp|cc){NO_NAME}"
 INDEX = rf"(?i:x|y){NO_NAME}"
 # Behind an operand "%" is the remainder, elsewhere it begins a binary number.
 BEHIND_OPERAND = r"(?<=[A-Za-z0-9_$.')])"
@@ -93,40 +92,40 @@ def operators():
     ]
 
 
-def expression():
+def expression(register):
     return [
         *numbers(),
-        match(REGISTER, "invalid.illegal.reserved-word"),
+        match(register, "invalid.illegal.reserved-word"),
         match(NAME, "variable.other"),
         *operators(),
     ]
 
 
-def expression_rules():
+def expression_rules(register):
     return {
         "character": {"patterns": [match("'.'", "constant.character")]},
         # A conditional line is cut at blanks before its expression is read.
         "nonblank-character": {"patterns": [match(rf"'{NONBLANK}'", "constant.character")]},
-        "expression": {"patterns": expression()},
-        "index": {"patterns": index()},
+        "expression": {"patterns": expression(register)},
+        "index": {"patterns": index(register)},
     }
 
 
-def register_pair():
+def register_pair(register):
     captures = [REGISTER_SCOPE, COMMA_SCOPE, REGISTER_SCOPE]
-    return match(rf"\G({REGISTER})(,)({REGISTER})", captures=captures)
+    return match(rf"\G({register})(,)({register})", captures=captures)
 
 
-def index():
+def index(register):
     """What an operand has besides an expression: registers, and the signs of their steps."""
-    comma, register, step = COMMA_SCOPE, REGISTER_SCOPE, STEP_SCOPE
+    comma, name, step = COMMA_SCOPE, REGISTER_SCOPE, STEP_SCOPE
     return [
-        match(rf"\G(,)([+\-])({INDEX})", captures=[comma, step, register]),
-        match(rf"\G(,)({INDEX})([+\-])", captures=[comma, register, step]),
-        match(rf"\G(?i:(a)(,)(x|y)){NO_NAME}", captures=[register, comma, register]),
+        match(rf"\G(,)([+\-])({INDEX})", captures=[comma, step, name]),
+        match(rf"\G(,)({INDEX})([+\-])", captures=[comma, name, step]),
+        match(rf"\G(?i:(a)(,)(x|y)){NO_NAME}", captures=[name, comma, name]),
         # Without an offset there is no index: it is written "0,X".
-        match(rf"\G,{REGISTER}", "invalid.illegal.operand"),
-        match(rf"(,)((?i:x|y|sp){NO_NAME})", captures=[comma, register]),
+        match(rf"\G,{register}", "invalid.illegal.operand"),
+        match(rf"(,)((?i:x|y|sp){NO_NAME})", captures=[comma, name]),
     ]
 
 
@@ -148,14 +147,14 @@ def immediate(patterns):
     return region(r"\G(#)", WORD_END, [*patterns, ILLEGAL_CHARACTER], captures=mark)
 
 
-def operand_rules():
+def operand_rules(register):
     values = include("character", "expression")
     conditional_value = include("nonblank-character", "expression")
     return {
         "operand": {
             "patterns": [immediate(values), operand([*include("index"), *values])],
         },
-        "registers": {"patterns": [register_pair(), illegal_operand()]},
+        "registers": {"patterns": [register_pair(register), illegal_operand()]},
         "items": operand([COMMA, *values]),
         "size": operand(values),
         "value": value(values),
@@ -278,13 +277,14 @@ def comment(anchor):
     )
 
 
-def grammar(instructions, directives, conditionals):
+def grammar(instructions, directives, conditionals, registers):
+    register = f"(?i:{'|'.join(registers).lower()}){NO_NAME}"
     repository = {
         **line_rules(directives),
         "conditional": {"patterns": conditionals_of(conditionals)},
         "operation": {"patterns": operation(instructions, directives)},
-        **operand_rules(),
-        **expression_rules(),
+        **operand_rules(register),
+        **expression_rules(register),
     }
     order = ["line-comment", "conditional", "debugger-line", "constant-line", "label-line", "line"]
     return {

@@ -1,42 +1,37 @@
 #!/usr/bin/env python3
 """Writes what the editors know of the language's words from the program's own tables.
 
-    instruction_table | tools/write_grammar.py editors
+    program_words | tools/write_grammar.py editors
 
-The instructions are what tools/instruction_table.cpp prints, the directives are read from
-as/asPseudo.cpp. Written are the TextMate grammar, as a whole, and the words of the Vim syntax.
+The words are what tools/program_words.cpp prints. Written are the TextMate grammar, as a whole, and
+the words of the Vim syntax.
 """
 
 import json
 import pathlib
-import re
 import sys
 
 from textmate_grammar import grammar
-from write_instructions import read_rows, split_by_kind
+from write_instructions import instructions_of, split_by_kind
 
-DIRECTIVES = pathlib.Path(__file__).resolve().parents[1] / "as" / "asPseudo.cpp"
-TABLE_PATTERN = r"DirectiveEntry %s\[\] = \{\n(.*?)\n\};"
-ROW_PATTERN = r'\{"([^"]+)",\s*(DIR_\w+),'
-
-# How the rest of a line behind a directive is read.
+# How the rest of a line after a directive or a conditional word is read.
 DIRECTIVE_KINDS = {
-    "DIR_ORG": "value",
-    "DIR_EQU": "equate",
-    "DIR_RESERVE": "size",
-    "DIR_BYTES": "items",
-    "DIR_STRING": "text",
-    "DIR_END": "symbol",
+    "org": "value",
+    "equ": "equate",
+    "rmb": "size",
+    "fcb": "items",
+    "fcs": "text",
+    "end": "symbol",
 }
 CONDITIONAL_KINDS = {
-    "DIR_IF": "test",
-    "DIR_IFDEF": "name",
-    "DIR_IFNDEF": "name",
-    "DIR_ELIF": "name",
-    "DIR_COND_DEFINE": "definition",
-    "DIR_ELSE": "plain",
-    "DIR_ENDIF": "plain",
-    "DIR_ERROR": "message",
+    "#if": "test",
+    "ifdef": "name",
+    "ifndef": "name",
+    "elif": "name",
+    "define": "definition",
+    "else": "plain",
+    "endif": "plain",
+    "error": "message",
 }
 
 VIM_BEGIN = '" Written by tools/write_grammar.py: begin\n'
@@ -47,19 +42,18 @@ VIM_WIDTH = 92
 VIM_HASH = r"/^\s*#\s*\ze"
 
 
-def words_by_kind(table, kinds):
-    """The words of a directive table, by the way in which the rest of their line is read."""
-    text = re.search(TABLE_PATTERN % table, DIRECTIVES.read_text(), re.DOTALL).group(1)
+def words_by_kind(words, kinds):
+    """The words by the way in which the rest of their line is read."""
     found = {kind: [] for kind in kinds.values()}
-    for word, token in re.findall(ROW_PATTERN, text):
-        found[kinds[token]].append(word)
+    for word in words:
+        found[kinds[word]].append(word)
     return found
 
 
-def instruction_words(stream):
+def mnemonics_by_kind(words):
     return {
         kind: sorted(name.lower() for name in instructions)
-        for kind, instructions in split_by_kind(read_rows(stream)).items()
+        for kind, instructions in split_by_kind(instructions_of(words)).items()
     }
 
 
@@ -80,6 +74,11 @@ def vim_match(group, start, words, following):
     lines[-1] += r"\)[!-~]\@!/"
     lines.append(rf"{VIM_CONTINUED} nextgroup={following} skipwhite")
     return "\n".join(lines) + "\n"
+
+
+def vim_register(registers):
+    names = r"\|".join(registers).lower()
+    return rf"syn match szirpaRegister contained /\%({names}\)[a-z0-9_]\@!/" + "\n"
 
 
 def vim_words(instructions, directives, conditionals):
@@ -115,19 +114,19 @@ def with_new_words(text, words):
     return before + VIM_BEGIN + words + VIM_END + after
 
 
-def write_all(stream, editors):
-    instructions = instruction_words(stream)
-    directives = words_by_kind("pseudo_zirpa", DIRECTIVE_KINDS)
-    conditionals = words_by_kind("macro_pure", CONDITIONAL_KINDS)
+def write_all(words, editors):
+    instructions = mnemonics_by_kind(words)
+    directives = words_by_kind(words["directives"], DIRECTIVE_KINDS)
+    conditionals = words_by_kind(words["conditionals"], CONDITIONAL_KINDS)
 
     textmate = editors / "vscode" / "syntaxes" / "szirpa.tmLanguage.json"
-    content = json.dumps(grammar(instructions, directives, conditionals), indent=2)
-    textmate.write_text(content + "\n")
+    content = grammar(instructions, directives, conditionals, words["registers"])
+    textmate.write_text(json.dumps(content, indent=2) + "\n")
 
     vim = editors / "vim" / "syntax" / "szirpa.vim"
-    words = vim_words(instructions, directives, conditionals)
-    vim.write_text(with_new_words(vim.read_text(), words))
+    matches = vim_words(instructions, directives, conditionals) + vim_register(words["registers"])
+    vim.write_text(with_new_words(vim.read_text(), matches))
 
 
 if __name__ == "__main__":
-    write_all(sys.stdin, pathlib.Path(sys.argv[1]))
+    write_all(json.load(sys.stdin), pathlib.Path(sys.argv[1]))

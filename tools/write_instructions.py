@@ -1,13 +1,13 @@
 #!/usr/bin/env python3
 """Writes the instruction pages of the manual from the program's own table.
 
-    instruction_table | tools/write_instructions.py >docs/instructions.md
+    program_words | tools/write_instructions.py >docs/instructions.md
 
-The table is what tools/instruction_table.cpp prints.
+The table is among what tools/program_words.cpp prints.
 """
 
 import collections
-import csv
+import json
 import sys
 
 INTRODUCTION = """\
@@ -55,11 +55,11 @@ STEP_FORMS = [",X+", ",X-", ",+X", ",-X", ",Y+", ",Y-", ",+Y", ",-Y"]
 OPCODE_COLUMNS = 4
 
 
-def read_rows(stream):
+def instructions_of(words):
     """The table: mnemonic to form to the bytes of the instruction as they are shown."""
     instructions = collections.defaultdict(dict)
-    for row in csv.DictReader(stream, delimiter="\t", quoting=csv.QUOTE_NONE):
-        shown = row["opcode"] + {"1": "", "2": " n"}[row["length"]]
+    for row in words["instructions"]:
+        shown = row["opcode"] + {1: "", 2: " n"}[row["length"]]
         instructions[row["mnemonic"]][row["form"]] = shown
     return instructions
 
@@ -162,4 +162,4 @@ def page(instructions):
 
 
 if __name__ == "__main__":
-    sys.stdout.write(page(read_rows(sys.stdin)))
+    sys.stdout.write(page(instructions_of(json.load(sys.stdin))))

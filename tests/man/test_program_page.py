@@ -5,15 +5,14 @@ import subprocess
 
 import pytest
 from man_page import items, page, part, rendered
-from program_options import accepted_options, is_accepted_word, takes_value
-from program_words import (
-    compatibility_options,
+from program_messages import (
     own_messages,
     pattern_of,
     reported_messages,
     totals,
     unknown_arguments,
 )
+from program_words import all_options, compatibility_words, value_options
 
 OPTION = re.compile(r"-(\w+)( \w+)?")
 # Printed behind another message.
@@ -36,24 +35,20 @@ def described_options():
     return {item for item in items(part(1, "DESCRIPTION"), 5) if OPTION.fullmatch(item)}
 
 
-def test_every_option_is_described(program):
+def test_every_option_is_described():
     described = described_options()
-    assert {item.partition(" ")[0] for item in described} == accepted_options(program)
-    with_value = {item.partition(" ")[0] for item in described if " " in item}
-    assert with_value == {
-        option for option in accepted_options(program) if takes_value(program, option)
-    }
+    assert {item.partition(" ")[0] for item in described} == all_options()
+    assert {item.partition(" ")[0] for item in described if " " in item} == value_options()
 
 
-def test_synopsis_shows_every_option(program):
+def test_synopsis_shows_every_option():
     synopsis = " ".join(part(1, "SYNOPSIS"))
-    assert set(re.findall(r"-\w+", synopsis)) == accepted_options(program)
+    assert set(re.findall(r"-\w+", synopsis)) == all_options()
 
 
-def test_compatibility_options_are_described(program):
+def test_compatibility_words_are_described():
     words = set(items(part(1, "DESCRIPTION"), 13))
-    assert {word for word in words if re.fullmatch("[a-z]+", word)} == compatibility_options()
-    assert all(is_accepted_word(program, word) for word in compatibility_options())
+    assert {word for word in words if re.fullmatch("[a-z]+", word)} == compatibility_words()
 
 
 def test_every_output_is_described(program, tmp_path):

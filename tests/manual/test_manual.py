@@ -1,12 +1,11 @@
 """The manual: what it shows is what the program does, and it leaves nothing out."""
 
-import csv
 import pathlib
 import re
-import subprocess
 
 import pytest
 
+import program_messages
 import program_words
 import shown
 import write_instructions
@@ -50,28 +49,34 @@ def test_what_is_shown_is_what_happens(request, tmp_path):
 # ---- Nothing is left out ----
 
 
-@pytest.mark.parametrize("message", program_words.messages())
+@pytest.mark.parametrize("message", program_messages.messages())
 def test_message_is_explained(message):
-    pattern = re.compile(program_words.pattern_of(message))
+    pattern = re.compile(program_messages.pattern_of(message))
     assert any(pattern.fullmatch(span) for span in MESSAGES), message
 
 
 def test_every_message_explained_is_one_of_the_program():
-    patterns = [re.compile(program_words.pattern_of(text)) for text in program_words.messages()]
+    patterns = [re.compile(program_messages.pattern_of(text)) for text in program_messages.messages()]
     rows = re.findall(r"^\| `([^`]+)`", section(prose(MANUAL), "Messages"), re.MULTILINE)
     assert len(rows) > 50
     for row in rows:
         assert any(pattern.fullmatch(row) for pattern in patterns), row
 
 
-@pytest.mark.parametrize("option", program_words.options())
+def option_words():
+    """All options, as `-L`, or `-C nocase` for those that are words."""
+    with_words = {f"-C {word}" for word in program_words.compatibility_words()}
+    return sorted((program_words.all_options() - {"-C"}) | with_words)
+
+
+@pytest.mark.parametrize("option", option_words())
 def test_option_is_explained(option):
     cells = re.findall(r"^\| (`-.*?) \|", section(prose(MANUAL), "Options"), re.MULTILINE)
     words = [span for cell in cells for span in CODE_SPAN.findall(cell)]
     assert any(word == option or word.startswith(option + " ") for word in words)
 
 
-@pytest.mark.parametrize("word", program_words.directives())
+@pytest.mark.parametrize("word", program_words.directives() + program_words.conditionals())
 def test_directive_is_explained(word):
     rows = re.findall(r"^\| `([^`]+)` \|", section(prose(MANUAL), "The language"), re.MULTILINE)
     assert any(word in row.split() for row in rows), word
@@ -80,18 +85,10 @@ def test_directive_is_explained(word):
 # ---- The instruction pages ----
 
 
-def table_of(request):
-    tool = request.config.getoption("--instruction-table")
-    assert tool and pathlib.Path(tool).is_file(), (
-        "build the target instruction_table and name it with --instruction-table"
-    )
-    return subprocess.run([tool], capture_output=True, text=True, check=True, timeout=60).stdout
-
-
-def test_instruction_pages_are_those_of_the_program(request):
-    instructions = write_instructions.read_rows(table_of(request).splitlines())
+def test_instruction_pages_are_those_of_the_program():
+    instructions = write_instructions.instructions_of(program_words.words())
     assert PAGES.read_text() == write_instructions.page(instructions), (
-        "write them anew: instruction_table | tools/write_instructions.py >docs/instructions.md"
+        "write them anew: program_words | tools/write_instructions.py >docs/instructions.md"
     )
 
 
@@ -109,10 +106,10 @@ def pairs_in_pages():
     return pairs
 
 
-def test_instruction_pages_leave_nothing_out(request):
-    lengths = {"1": "", "2": " n"}
-    reader = csv.DictReader(table_of(request).splitlines(), delimiter="\t")
-    expected = {(row["mnemonic"], row["opcode"] + lengths[row["length"]]) for row in reader}
+def test_instruction_pages_leave_nothing_out():
+    lengths = {1: "", 2: " n"}
+    rows = program_words.words()["instructions"]
+    expected = {(row["mnemonic"], row["opcode"] + lengths[row["length"]]) for row in rows}
     assert len(expected) > 240
     assert pairs_in_pages() == expected
 

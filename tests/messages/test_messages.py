@@ -3,7 +3,7 @@
 import pathlib
 import re
 
-import program_words
+import program_messages
 import pytest
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
@@ -43,8 +43,8 @@ NEVER_SEEN = {
 
 
 LEFT_OUT = ONLY_IN_UNIT_TESTS | NEVER_SEEN
-ERRORS = sorted(program_words.errors() - LEFT_OUT)
-WARNINGS = sorted(program_words.warnings() - LEFT_OUT)
+ERRORS = sorted(program_messages.errors() - LEFT_OUT)
+WARNINGS = sorted(program_messages.warnings() - LEFT_OUT)
 
 
 def expected_text(suffix):
@@ -54,13 +54,13 @@ def expected_text(suffix):
 
 
 def pattern_of(message):
-    return program_words.pattern_of(message, value=".*?")
+    return program_messages.pattern_of(message, value=".*?")
 
 
 def test_messages_are_found_in_the_sources():
     assert len(ERRORS) > 35
     assert len(WARNINGS) > 8
-    assert not program_words.unknown_arguments()
+    assert not program_messages.unknown_arguments()
 
 
 @pytest.mark.parametrize("message", ERRORS)

@@ -49,7 +49,6 @@ syn match szirpaMessage contained /.\+/
 syn match szirpaOperator contained /[-+*\/&|^~!=<>#()%]/
 syn match szirpaStep contained /,\@1<=[-+]\ze[xy][a-z0-9_]\@!\|\%(,[xy]\)\@2<=[-+]/
 syn match szirpaName contained /[a-z_][a-z0-9_$.]*/
-syn match szirpaRegister contained /\%([axy]\|sp\|cc\)[a-z0-9_]\@!/
 syn match szirpaNumber contained /\$\x\+\|\d\+\|[a-z0-9_$.')]\@1<!%[01]\+/
 syn match szirpaCharacter contained /'.'/
 
@@ -95,6 +94,7 @@ syn match szirpaConditional contained
 syn match szirpaConditional contained
       \ /\%(error\)[!-~]\@!/
       \ nextgroup=szirpaMessage skipwhite
+syn match szirpaRegister contained /\%(a\|cc\|x\|y\|sp\)[a-z0-9_]\@!/
 " Written by tools/write_grammar.py: end
 
 hi def link szirpaBranch Statement
