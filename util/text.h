@@ -128,23 +128,6 @@ inline const char *skipblanc(const char *p) {
     return p;
 }
 
-// Eight characters as a number, the first one lowest. All of them must be readable.
-inline std::uint64_t eight_characters(const char *p) {
-    static_assert(std::endian::native == std::endian::little);
-    std::uint64_t characters = 0;
-    std::memcpy(&characters, p, sizeof characters);
-    return characters;
-}
-
-// How many of them stand ahead of the first blank (isblanc): 0 to 8.
-constexpr unsigned nonblanks_ahead(std::uint64_t characters) {
-    constexpr std::uint64_t kTopBits = 0x8080808080808080U;
-    // The sum sets a byte's top bit if its other bits make more than 32, and carries into no other.
-    const std::uint64_t above_blank = (characters & ~kTopBits) + 0x5F5F5F5F5F5F5F5FU;
-    const std::uint64_t blanks = ~(above_blank & ~characters) & kTopBits;
-    return static_cast<unsigned>(std::countr_zero(blanks)) / 8;
-}
-
 // The first character that is no blank or tab. Unlike skipblanc it stops at other control
 // characters and at bytes of 128 or more: they end words but don't stand ahead of them.
 inline const char *skip_blanks_and_tabs(const char *p) {

@@ -85,27 +85,6 @@ TEST(CharacterClass, HexadecimalDigitsHaveValuesInEitherCase) {
 
 // ---- Skips ----
 
-TEST(NonblanksAhead, EndAtTheFirstByteThatCountsAsABlank) {
-    for (int code = 0; code < 256; ++code) {
-        // Bytes on either side of the limits stand next to it.
-        for (const int neighbour : {0x21, 0x7F}) {
-            for (unsigned i = 0; i < 8; ++i) {
-                std::string text(8, byte(neighbour));
-                text[i] = byte(code);
-                const bool is_blank = code < 33 || code > 127;
-                EXPECT_EQ(nonblanks_ahead(eight_characters(text.data())), is_blank ? i : 8U)
-                    << code << ' ' << neighbour;
-            }
-        }
-    }
-}
-
-TEST(NonblanksAhead, TheFirstOfSeveralBlanksCounts) {
-    EXPECT_EQ(nonblanks_ahead(eight_characters("ab  cd e")), 2U);
-    EXPECT_EQ(nonblanks_ahead(eight_characters("abc\xFF\x80 \0")), 3U);
-    EXPECT_EQ(nonblanks_ahead(eight_characters("\0\0\0\0\0\0\0\0")), 0U);
-}
-
 TEST(SkipBlanksAndTabs, StopsAtEveryOtherByte) {
     for (int code = 0; code < 256; ++code) {
         const std::string text = std::string(" \t ") + byte(code) + "x";
