@@ -1,3 +1,6 @@
+// Ahead of the final pass the first definition gives the value and any further one spoils the name;
+// in the final pass all of them compare. Which of these applies is read from the pass and the flags
+// alone, so whoever creates a record decides by its first flags what may become of it.
 #include "symtab/symtab.h"
 
 #include "as/asDiag.h"
@@ -33,6 +36,7 @@ Segment *segment_of_new(std::uint32_t flags) {
     return (flags & SYM_UNDEFINED) != 0 ? absolute_segment() : current_seg;
 }
 
+// The bit size is that of the value which a constant is created with.
 Symbol *fill_in(Symbol *symbol, std::int32_t value, std::int32_t line, std::uint32_t flags,
                 std::int32_t count) {
     symbol->definition_line = line;
@@ -45,6 +49,7 @@ Symbol *fill_in(Symbol *symbol, std::int32_t value, std::int32_t line, std::uint
     return symbol;
 }
 
+// A name that so far was referred to only gets its line here.
 void compare_in_final_pass(Symbol &symbol, std::int64_t value, int check) {
     if (symbol.definition_line == 0) {
         symbol.definition_line = realline;
@@ -109,6 +114,7 @@ Symbol *refsym(std::string_view name) {
             forwardref = 1;
         }
     } else if (symbol->flags == SYM_UNDEFINED) {
+        // Exactly these: a name that is marked already, or that a test has entered, stays as it is.
         symbol->flags |= SYM_FORWARD;
         symbol->first_reference_line = Line_no;
         forwardref = 1;

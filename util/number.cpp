@@ -1,3 +1,5 @@
+// All bases and widths are read by one loop in 64 bits; what differs is which signs and prefixes
+// are taken off first, and that is spelled out function by function.
 #include "util/number.h"
 
 #include "util/text.h"

@@ -1,3 +1,5 @@
+// Paths are taken apart and put together as text; nothing here asks the file system but for the
+// working directory. So a link in a path is not followed, and ".." takes back the name before it.
 #include "util/path.h"
 
 #include "util/text.h"
@@ -103,6 +105,8 @@ void makePathAbsoluteUX(std::string &dst, const char *path) {
     std::replace(dst.begin(), dst.end(), '\\', '/');
 }
 
+// Pairs are dropped from left to right, so of three slashes two are left; at the start of a path
+// those are taken for the root of a server's name.
 void winfilename(std::string &dst, std::string &src) {
     std::replace(src.begin(), src.end(), '\\', '/');
     dst.clear();
@@ -117,6 +121,8 @@ void winfilename(std::string &dst, std::string &src) {
     dst += rest;
 }
 
+// Copies component by component and takes the last one back at "..": what has been built is always
+// canonical, and its root, which is copied first, is never touched.
 std::string PathCanonicalizeA(std::string_view path) {
     if (path.empty()) {
         return "\\";

@@ -10,13 +10,13 @@
 // The current working directory; empty if it cannot be had or is longer than 511 bytes.
 std::string getMyDirectory();
 
-// True when the path is not none and begins with "/".
+// True when the path is not null and begins with "/".
 bool PathHasRoot(const char *path);
 
-// The position of the last separator of either kind, or none.
+// The position of the last separator of either kind, or null.
 const char *StringHasPath(const char *str);
 
-// The part after the last separator; the whole string when there is none; none for none.
+// The part after the last separator; the whole string when there is none; null for null.
 const char *FilenameFromPath(const char *str);
 
 // The text before the last separator, without it. A separator in the first position is not found; a
@@ -37,5 +37,5 @@ void winfilename(std::string &dst, std::string &src);
 std::string PathCanonicalizeA(std::string_view path);
 
 // Reads a file-name operand: quoted up to the next double quote, else up to a blank or ";". Returns
-// the rest of the text, or none when nothing follows.
+// the rest of the text, or null when nothing follows.
 const char *copyFname(std::string &dst, const char *text);

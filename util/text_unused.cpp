@@ -1,3 +1,5 @@
+// Nearly all are copy_while with a condition of their own; the four that drop a mark share
+// append_less_mark.
 #include "util/text_unused.h"
 
 #include "util/text.h"

@@ -37,7 +37,7 @@ const char *clstrcat(std::string &d, const char *s);
 const char *divstrcat(std::string &d, const char *s);
 
 // Name characters. A null source gives an empty destination and returns null in extractname;
-// copyCname takes none.
+// copyCname must not be given one.
 const char *extractname(std::string &d, const char *s);
 const char *copyCname(std::string &d, const char *s);
 
