@@ -40,7 +40,7 @@ extern int status;       // its result; STATUS_STOPPED ends evaluation steps ear
 extern int offset;       // 0-based column in the line of the token at which the check stopped
 extern int in_paren;     // parenthesis depth during evaluation
 extern int end_of_input; // evaluation has met the end of the expression
-extern Symbol *errorsp;         // the last symbol that counted as such in the final pass, or none
+extern Symbol *errorsp;  // the last symbol that counted as such in the final pass, or none
 
 // ---- Functions ----
 
