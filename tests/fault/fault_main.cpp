@@ -13,14 +13,13 @@
 //   HXZIRPA_FAULT_REPORT  a file; gets a line "NAME OBJECT" for each call that is made to fail, or
 //                         for each call at all in the mode "count"
 //
-// Calls are put in place by the linker, so that those of the libraries are not among them; memory
-// is what operator new hands out. Only what happens within as_main counts.
+// Memory is what operator new hands out. Only what happens within as_main counts.
 #include "as/asMain.h"
+#include "tests/calls/system_calls.h"
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <cstdarg>
 #include <cstddef>
 #include <cstdlib>
 #include <cstring>
@@ -30,27 +29,6 @@
 #include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
-
-// The linker's names of the calls.
-// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
-extern "C" {
-int __real_open(const char *path, int flags, ...);
-ssize_t __real_read(int descriptor, void *buffer, size_t size);
-ssize_t __real_write(int descriptor, const void *buffer, size_t size);
-int __real_close(int descriptor);
-int __real_fstat(int descriptor, struct stat *status);
-int __real_stat(const char *path, struct stat *status);
-int __real_lstat(const char *path, struct stat *status);
-int __real_unlink(const char *path);
-int __real_truncate(const char *path, off_t size);
-int __real_ftruncate(int descriptor, off_t size);
-int __real_fchown(int descriptor, uid_t owner, gid_t group);
-int __real_fchmod(int descriptor, mode_t permissions);
-int __real_rename(const char *from, const char *to);
-ssize_t __real_readlink(const char *path, char *buffer, size_t size);
-char *__real_getcwd(char *buffer, size_t size);
-}
-// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
 
 namespace {
 
@@ -134,7 +112,7 @@ void report(const Kind &kind, const char *object) {
     line[size++] = ' ';
     size += std::string_view(object).copy(&line[size], kPathCapacity * 2);
     line[size++] = '\n';
-    (void)__real_write(report_descriptor, line.data(), size);
+    (void)real_calls.write(report_descriptor, line.data(), size);
 }
 
 bool is_chosen_kind(const Kind &kind) {
@@ -220,13 +198,13 @@ void read_settings() {
     chosen_call = std::strtoul(setting("HXZIRPA_FAULT_CALL"), nullptr, 10);
     constexpr mode_t kReportMode = 0666;
     // Far from the standard descriptors, which may be closed.
-    const int file = __real_open(setting("HXZIRPA_FAULT_REPORT"),
-                                 O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, kReportMode);
+    const int file = real_calls.open(setting("HXZIRPA_FAULT_REPORT"),
+                                     O_WRONLY | O_CREAT | O_APPEND | O_CLOEXEC, kReportMode);
     report_descriptor = fcntl(file, F_DUPFD_CLOEXEC, static_cast<int>(kMostDescriptors));
     if (report_descriptor < 0) {
         std::abort();
     }
-    (void)__real_close(file);
+    (void)real_calls.close(file);
     remember(STDOUT_FILENO, "standard output", true);
 }
 
@@ -239,100 +217,108 @@ int count_open_descriptors() {
     return count;
 }
 
-} // namespace
-
-// NOLINTBEGIN(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
-extern "C" {
-
-int __wrap_open(const char *path, int flags, ...) {
-    va_list arguments;
-    va_start(arguments, flags);
+int faulty_open(const char *path, int flags, mode_t permissions) {
     const bool creates = (flags & O_CREAT) != 0;
-    const mode_t permissions = creates ? va_arg(arguments, mode_t) : 0;
-    va_end(arguments);
     if (fails(creates ? kCreate : kOpen, path)) {
         return -1;
     }
-    const int descriptor = __real_open(path, flags, permissions);
+    const int descriptor = real_calls.open(path, flags, permissions);
     remember(descriptor, path, creates);
     return descriptor;
 }
 
-ssize_t __wrap_read(int descriptor, void *buffer, size_t size) {
+ssize_t faulty_read(int descriptor, void *buffer, size_t size) {
     const Fate fate = fate_of(kRead, path_of(descriptor));
-    return fails(kRead, fate) ? -1 : __real_read(descriptor, buffer, moved_size(size, fate));
+    return fails(kRead, fate) ? -1 : real_calls.read(descriptor, buffer, moved_size(size, fate));
 }
 
-ssize_t __wrap_write(int descriptor, const void *buffer, size_t size) {
+ssize_t faulty_write(int descriptor, const void *buffer, size_t size) {
     const Fate fate = fate_of(kWrite, path_of(descriptor));
     if (Opened *slot = slot_of(descriptor); slot != nullptr) {
         slot->holds_output = true;
     }
-    return fails(kWrite, fate) ? -1 : __real_write(descriptor, buffer, moved_size(size, fate));
+    return fails(kWrite, fate) ? -1 : real_calls.write(descriptor, buffer, moved_size(size, fate));
 }
 
 // A descriptor is closed also when the call fails.
-int __wrap_close(int descriptor) {
+int faulty_close(int descriptor) {
     const Opened *slot = slot_of(descriptor);
     const bool loses_bytes = slot != nullptr && slot->holds_output;
     const bool fault = fails(kClose, loses_bytes ? path_of(descriptor) : "");
     const int fault_error = errno;
-    const int result = __real_close(descriptor);
+    const int result = real_calls.close(descriptor);
     if (fault) {
         errno = fault_error;
     }
     return fault ? -1 : result;
 }
 
-int __wrap_fstat(int descriptor, struct stat *status) {
-    return fails(kFstat, path_of(descriptor)) ? -1 : __real_fstat(descriptor, status);
+int faulty_fstat(int descriptor, struct stat *status) {
+    return fails(kFstat, path_of(descriptor)) ? -1 : real_calls.fstat(descriptor, status);
 }
 
-int __wrap_stat(const char *path, struct stat *status) {
-    return fails(kStat, path) ? -1 : __real_stat(path, status);
+int faulty_stat(const char *path, struct stat *status) {
+    return fails(kStat, path) ? -1 : real_calls.stat(path, status);
 }
 
-int __wrap_lstat(const char *path, struct stat *status) {
-    return fails(kLstat, path) ? -1 : __real_lstat(path, status);
+int faulty_lstat(const char *path, struct stat *status) {
+    return fails(kLstat, path) ? -1 : real_calls.lstat(path, status);
 }
 
-int __wrap_unlink(const char *path) { return fails(kUnlink, path) ? -1 : __real_unlink(path); }
+int faulty_unlink(const char *path) { return fails(kUnlink, path) ? -1 : real_calls.unlink(path); }
 
-int __wrap_truncate(const char *path, off_t size) {
-    return fails(kTruncate, path) ? -1 : __real_truncate(path, size);
+int faulty_truncate(const char *path, off_t size) {
+    return fails(kTruncate, path) ? -1 : real_calls.truncate(path, size);
 }
 
-int __wrap_ftruncate(int descriptor, off_t size) {
-    return fails(kFtruncate, path_of(descriptor)) ? -1 : __real_ftruncate(descriptor, size);
+int faulty_ftruncate(int descriptor, off_t size) {
+    return fails(kFtruncate, path_of(descriptor)) ? -1 : real_calls.ftruncate(descriptor, size);
 }
 
-int __wrap_fchown(int descriptor, uid_t owner, gid_t group) {
-    return fails(kFchown, path_of(descriptor)) ? -1 : __real_fchown(descriptor, owner, group);
+int faulty_fchown(int descriptor, uid_t owner, gid_t group) {
+    return fails(kFchown, path_of(descriptor)) ? -1 : real_calls.fchown(descriptor, owner, group);
 }
 
-int __wrap_fchmod(int descriptor, mode_t permissions) {
-    return fails(kFchmod, path_of(descriptor)) ? -1 : __real_fchmod(descriptor, permissions);
+int faulty_fchmod(int descriptor, mode_t permissions) {
+    return fails(kFchmod, path_of(descriptor)) ? -1 : real_calls.fchmod(descriptor, permissions);
 }
 
 // The report names both files.
-int __wrap_rename(const char *from, const char *to) {
+int faulty_rename(const char *from, const char *to) {
     std::array<char, kPathCapacity * 2> names{};
     std::size_t size = std::string_view(from).copy(names.data(), kPathCapacity - 1);
     names[size++] = '>';
     (void)std::string_view(to).copy(&names[size], kPathCapacity - 1);
-    return fails(kRename, names.data()) ? -1 : __real_rename(from, to);
+    return fails(kRename, names.data()) ? -1 : real_calls.rename(from, to);
 }
 
-ssize_t __wrap_readlink(const char *path, char *buffer, size_t size) {
-    return fails(kReadlink, path) ? -1 : __real_readlink(path, buffer, size);
+ssize_t faulty_readlink(const char *path, char *buffer, size_t size) {
+    return fails(kReadlink, path) ? -1 : real_calls.readlink(path, buffer, size);
 }
 
-char *__wrap_getcwd(char *buffer, size_t size) {
-    return fails(kGetcwd, "") ? nullptr : __real_getcwd(buffer, size);
+char *faulty_getcwd(char *buffer, size_t size) {
+    return fails(kGetcwd, "") ? nullptr : real_calls.getcwd(buffer, size);
 }
 
-} // extern "C"
-// NOLINTEND(bugprone-reserved-identifier,cert-dcl37-c,cert-dcl51-cpp)
+constexpr SystemCalls kFaultyCalls = {
+    .open = faulty_open,
+    .read = faulty_read,
+    .write = faulty_write,
+    .close = faulty_close,
+    .fstat = faulty_fstat,
+    .stat = faulty_stat,
+    .lstat = faulty_lstat,
+    .unlink = faulty_unlink,
+    .truncate = faulty_truncate,
+    .ftruncate = faulty_ftruncate,
+    .fchown = faulty_fchown,
+    .fchmod = faulty_fchmod,
+    .rename = faulty_rename,
+    .readlink = faulty_readlink,
+    .getcwd = faulty_getcwd,
+};
+
+} // namespace
 
 void *operator new(std::size_t size) { return allocate_or_throw(size); }
 void *operator new[](std::size_t size) { return allocate_or_throw(size); }
@@ -351,6 +337,7 @@ void operator delete[](void *memory, const std::nothrow_t & /*tag*/) noexcept { 
 
 int main(int argc, char **argv) {
     read_settings();
+    calls = kFaultyCalls;
     // A run may end within as_main; what comes behind it is not part of the run.
     (void)std::atexit([]() { active = false; });
     const int descriptors = count_open_descriptors();
@@ -359,7 +346,7 @@ int main(int argc, char **argv) {
     active = false;
     if (count_open_descriptors() != descriptors) {
         constexpr std::string_view kComplaint = "a descriptor is left open\n";
-        (void)__real_write(STDERR_FILENO, kComplaint.data(), kComplaint.size());
+        (void)real_calls.write(STDERR_FILENO, kComplaint.data(), kComplaint.size());
     }
     return status;
 }

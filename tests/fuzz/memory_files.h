@@ -1,6 +1,6 @@
 // Files in memory, in place of the operating system's: while a MemoryFiles object lives, the
-// program's calls that open, read, write, rename and delete files see its one source and the
-// outputs of the run. The linker puts these calls in place (--wrap).
+// program's calls that open, read, write, rename and delete files see its one source and
+// the outputs of the run.
 #pragma once
 
 #include <map>
@@ -14,7 +14,7 @@ class MemoryFiles {
     MemoryFiles(const MemoryFiles &) = delete;
     MemoryFiles &operator=(const MemoryFiles &) = delete;
 
-    // The content of an output, or none if there is no such file.
+    // The content of an output, or null if there is no such file.
     const std::string *output(const std::string &name) const;
 
     // What went to standard output.
