@@ -9,6 +9,8 @@ def pytest_addoption(parser):
     parser.addoption(
         "--program", type=pathlib.Path, required=True, help="the assembler under test"
     )
+    parser.addoption("--topic", help="run the golden cases of one topic only")
+    parser.addoption("--all", action="store_true", help="inject every fault, compare every build")
     parser.addoption("--words", type=pathlib.Path, help="the built tools/program_words.cpp")
 
 

@@ -2,7 +2,12 @@
 
 import re
 
+import pytest
 from example_case import EXPECTED, find_examples, find_sources
+
+EVERY_EXAMPLE = pytest.mark.parametrize(
+    "example", find_examples(), ids=lambda example: example.identifier
+)
 
 DATA_RECORD = re.compile(rb"^S1(?P<length>..)(?P<address>....)", re.MULTILINE)
 WIDE_RECORD = re.compile(rb"^S[23]", re.MULTILINE)
@@ -12,6 +17,7 @@ MEMORY_SIZE = 256
 TERMINAL_WIDTH = 80
 
 
+@EVERY_EXAMPLE
 def test_expected_records(example, request, tmp_path):
     process, files = example.run(request.config.getoption("--program"), tmp_path)
     assert process.returncode == 0
@@ -20,6 +26,7 @@ def test_expected_records(example, request, tmp_path):
     assert files[example.stem + ".s19"] == example.expected_records()
 
 
+@EVERY_EXAMPLE
 def test_no_message(example, request, tmp_path):
     # This summary is printed only when warnings are asked for and there is none.
     process, _ = example.run(request.config.getoption("--program"), tmp_path, "-w")
@@ -28,6 +35,7 @@ def test_no_message(example, request, tmp_path):
     assert process.stderr == b""
 
 
+@EVERY_EXAMPLE
 def test_fits_into_memory(example, request, tmp_path):
     _, files = example.run(request.config.getoption("--program"), tmp_path)
     records = files[example.stem + ".s19"]
@@ -40,6 +48,7 @@ def test_fits_into_memory(example, request, tmp_path):
     assert max(ends) <= MEMORY_SIZE
 
 
+@pytest.mark.parametrize("source", find_sources(), ids=lambda source: source.stem)
 def test_source_is_tidy(source):
     for line in source.read_text(encoding="ascii").splitlines():
         assert len(line) < TERMINAL_WIDTH, line

@@ -1,22 +1,4 @@
-"""The option for the whole set of faults, the golden cases' module, and the number of injections."""
-
-import pathlib
-import sys
-
-sys.path.insert(0, str(pathlib.Path(__file__).resolve().parents[1] / "golden"))
-
-
-def pytest_addoption(parser):
-    parser.addoption(
-        "--all", action="store_true", help="make every call fail, not about every fifth"
-    )
-
-
-def pytest_generate_tests(metafunc):
-    from scenarios import SCENARIOS
-
-    if "scenario" in metafunc.fixturenames:
-        metafunc.parametrize("scenario", SCENARIOS, ids=[item.identifier for item in SCENARIOS])
+"""How many injections were made is part of the result."""
 
 
 def pytest_terminal_summary(terminalreporter):

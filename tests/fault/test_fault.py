@@ -4,8 +4,10 @@ import concurrent.futures
 import os
 import subprocess
 
+import pytest
 from injection import Reference, performed
 from judgement import Judgement
+from scenarios import SCENARIOS
 
 # Without --all, one injection of so many is made, and no more than so many in a scenario.
 SAMPLE = 5
@@ -31,6 +33,7 @@ def sample(injections, number):
     return injections[number % step :: step]
 
 
+@pytest.mark.parametrize("scenario", SCENARIOS, ids=lambda scenario: scenario.identifier)
 def test_fault(scenario, request, tmp_path):
     reference = Reference(request.config.getoption("--program"), scenario, tmp_path.resolve())
     check_reference(reference)

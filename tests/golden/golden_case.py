@@ -86,6 +86,11 @@ class GoldenCase:
             inputs[self.stem + ".szirpa"] = source
         return inputs
 
+    def input_directories(self):
+        """The directories below the working directory that stand there before the run."""
+        given = self.directory / (self.stem + ".in")
+        return [path.relative_to(given) for path in sorted(given.rglob("*")) if path.is_dir()]
+
     def expected_script(self):
         script = self.file(".fmem")
         if script is not None:
@@ -120,16 +125,18 @@ class GoldenCase:
         text = self.file(".status")
         return 0 if text is None else int(text)
 
+    def expected_tree(self):
+        """The files after the run: outputs, and those inputs that no output replaces."""
+        outputs_only = {self.stem + suffix for suffix in (".s19", ".lst", "_cout.c")}
+        inputs = self.inputs().items()
+        kept = {name: content for name, content in inputs if name not in outputs_only}
+        return kept | self.expected_files()
+
     def prepare(self, directory):
+        for name in self.input_directories():
+            (directory / name).mkdir(parents=True, exist_ok=True)
         for name, content in self.inputs().items():
-            path = directory / name
-            path.parent.mkdir(parents=True, exist_ok=True)
-            path.write_bytes(content)
-        given = self.directory / (self.stem + ".in")
-        if given.is_dir():
-            for path in given.rglob("*"):
-                if path.is_dir():
-                    (directory / path.relative_to(given)).mkdir(parents=True, exist_ok=True)
+            (directory / name).write_bytes(content)
 
     def run(self, program, directory):
         """Runs the case in an empty directory; returns the finished process and the files."""

@@ -2,6 +2,14 @@
 
 import difflib
 
+from golden_case import find_cases
+
+
+def pytest_generate_tests(metafunc):
+    if "case" in metafunc.fixturenames:
+        cases = find_cases(metafunc.config.getoption("--topic"))
+        metafunc.parametrize("case", cases, ids=[case.identifier for case in cases])
+
 
 def readable(content):
     return content.decode("latin-1").splitlines(keepends=True)
@@ -20,20 +28,10 @@ def difference(name, expected, actual):
     return "".join(lines)
 
 
-def expected_tree(case):
-    """The files after the run: outputs, and those inputs that no output replaces."""
-    expected = case.expected_files()
-    outputs_only = {case.stem + ".s19", case.stem + ".lst", case.stem + "_cout.c"}
-    for name, content in case.inputs().items():
-        if name not in outputs_only:
-            expected.setdefault(name, content)
-    return expected
-
-
 def test_case(case, request, tmp_path):
     directory = tmp_path.resolve()
     process, files = case.run(request.config.getoption("--program"), directory)
-    expected = expected_tree(case)
+    expected = case.expected_tree()
     faults = [
         difference("standard output", case.expected_output(directory), process.stdout),
         difference("standard error", b"", process.stderr),

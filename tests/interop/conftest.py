@@ -1,12 +1,7 @@
 """What the interoperability tests are run on."""
 
-import pathlib
-import sys
-
 import pytest
-
-TESTS = pathlib.Path(__file__).resolve().parents[1]
-sys.path[:0] = [str(TESTS / "golden"), str(TESTS / "examples")]
+from subjects import find_subjects
 
 # The name of a test's argument says which subjects the test is about.
 GROUPS = {
@@ -18,8 +13,6 @@ GROUPS = {
 
 
 def pytest_generate_tests(metafunc):
-    from subjects import find_subjects
-
     for name, belongs in GROUPS.items():
         if name in metafunc.fixturenames:
             subjects = [subject for subject in find_subjects() if belongs(subject)]

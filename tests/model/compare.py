@@ -22,10 +22,8 @@ from collections import Counter
 from dataclasses import dataclass, field, replace
 from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).parent))
-
-from generate import Generator, plain_name, write_case  # noqa: E402
-from zirpa_model import TooLong, run  # noqa: E402
+from generate import Generator, plain_name, write_case
+from zirpa_model import TooLong, run
 
 SECONDS_A_RUN = 20
 LARGEST_FILE = 1 << 28

@@ -13,11 +13,9 @@ import sys
 from dataclasses import dataclass
 from pathlib import Path
 
-sys.path.insert(0, str(Path(__file__).parent))
-
-from source_words import (  # noqa: E402
+from source_words import (
     BLOCKING_DIRECTORIES, ODD_DEFINES, ODD_OPTIONS, OUTPUT_NAMES, SOURCE_NAMES)
-from source_writers import (  # noqa: E402
+from source_writers import (
     HOSTILITY, STYLE_NAMES, STYLE_WEIGHTS, DebuggerWriter, ProgramWriter, SourceWriter, edit_bytes,
     many_names)
 

@@ -4,8 +4,7 @@ It is written for plainness, not for speed: one class holds every global of the 
 functions keep the program's own names, and each does its work in the order that the rules give.
 Random sources go through both programs; every difference is a fault in one of them.
 
-    run(argv, cwd_files, cwd)                  assembles in memory and returns a Result
-    python3 zirpa_model.py [options] file      works on the real directory like the program
+The entry is run(argv, cwd_files, cwd), which assembles in memory and returns a Result.
 """
 
 import os
@@ -1325,35 +1324,3 @@ def run(argv, cwd_files, cwd, reservation_limit=MAX_RESERVATION):
         status = end.status
     files = {name: bytes(data) for name, data in program.outputs.items()}
     return Result(status, bytes(program.stdout), files, program.removed)
-
-
-def files_named_by(arguments):
-    """The readable files and the directories that the arguments speak of."""
-    found = {}
-    for argument in arguments:
-        name = argument[2:].strip(b'"') if argument[:2] == b"-o" else argument
-        directory = os.path.dirname(name)
-        if directory and os.path.isdir(directory):
-            found[directory + b"/"] = b""
-        if os.path.isfile(name):
-            with open(name, "rb") as stream:
-                found[name] = stream.read()
-    return found
-
-
-def main():
-    arguments = [os.fsencode(argument) for argument in sys.argv[1:]]
-    result = run([PROGRAM] + arguments, files_named_by(arguments), os.getcwdb())
-    for name in result.removed:
-        if os.path.exists(name):
-            os.unlink(name)
-    for name, data in result.files.items():
-        with open(name, "wb") as stream:
-            stream.write(data)
-    sys.stdout.buffer.write(result.stdout)
-    sys.stdout.buffer.flush()
-    return result.status
-
-
-if __name__ == "__main__":
-    sys.exit(main())
