@@ -3,6 +3,7 @@
 import pathlib
 
 import program_words
+import pytest
 
 
 def pytest_addoption(parser):
@@ -18,3 +19,8 @@ def pytest_configure(config):
     # Tests change the working directory of the program, not their own; an absolute path suits both.
     config.option.program = str(config.option.program.resolve())
     program_words.tool = config.option.words and config.option.words.resolve()
+
+
+@pytest.fixture(scope="session")
+def program(request):
+    return request.config.getoption("--program")

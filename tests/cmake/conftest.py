@@ -22,5 +22,5 @@ def tools():
 
 
 @pytest.fixture
-def project(request, tmp_path):
-    return CMakeProject(tmp_path, request.config.getoption("--program"))
+def project(program, tmp_path):
+    return CMakeProject(tmp_path, program)

@@ -3,7 +3,8 @@
 import os
 import pathlib
 import shutil
-import subprocess
+
+import running
 
 HERE = pathlib.Path(__file__).resolve().parent
 COMPLETIONS = HERE.parents[1] / "completions"
@@ -45,15 +46,7 @@ def offers(shell, lines, directory, home):
         "LC_ALL": "C.UTF-8",
         "CAPTURED": str(home / "captured"),
     }
-    process = subprocess.run(
-        [*COMMANDS[shell], *lines],
-        cwd=directory,
-        env=environment,
-        stdin=subprocess.DEVNULL,
-        capture_output=True,
-        text=True,
-        timeout=60,
-    )
+    process = running.run(directory, *COMMANDS[shell], *lines, env=environment, text=True)
     assert process.returncode == 0, process.stderr
     assert process.stderr == ""
     *blocks, rest = process.stdout.split("end of offers\n")

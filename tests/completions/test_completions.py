@@ -31,9 +31,8 @@ LINES = [
 
 
 @pytest.fixture(scope="module")
-def usage(request):
+def usage(program):
     """The usage text."""
-    program = request.config.getoption("--program")
     return subprocess.run([program], stdout=subprocess.PIPE, text=True, timeout=60).stdout
 
 

@@ -6,7 +6,6 @@ changed and compares standard output, standard error, status and all files.
 
 import concurrent.futures
 import os
-import pathlib
 import shutil
 import subprocess
 
@@ -14,7 +13,6 @@ import pytest
 import variants
 from golden_case import find_cases
 
-TIME_LIMIT_SECONDS = 60
 RUNNERS = 2
 CASES = find_cases()
 # With these rules i and I are no pair, and a comma separates the fraction.
@@ -34,15 +32,12 @@ def environment(**changes):
 class Result:
     """Everything that a run leaves behind."""
 
-    def __init__(self, process, directory):
-        self.parts = {
+    def __init__(self, process, files):
+        self.parts = files | {
             "standard output": process.stdout,
             "standard error": process.stderr,
             "status": str(process.returncode).encode(),
         }
-        for path in directory.rglob("*"):
-            if path.is_file():
-                self.parts[str(path.relative_to(directory))] = path.read_bytes()
 
     def moved(self, old, new):
         """The same as if the run had taken place in another directory."""
@@ -55,17 +50,8 @@ def run_case(case, program, base, **options):
     directory = base / case.identifier
     shutil.rmtree(directory, ignore_errors=True)
     directory.mkdir(parents=True)
-    case.prepare(directory)
-    process = subprocess.run(
-        [program, *case.arguments()],
-        cwd=directory,
-        stdin=subprocess.DEVNULL,
-        capture_output=True,
-        timeout=TIME_LIMIT_SECONDS,
-        check=False,
-        **options,
-    )
-    result = Result(process, directory)
+    process, files = case.run(program, directory, **options)
+    result = Result(process, files)
     shutil.rmtree(directory)
     return result
 
@@ -79,11 +65,6 @@ def run_all(program, base, **options):
 def base_directory(tmp_path_factory):
     """Paths are printed, so all runs of a case take place in the same directory below this one."""
     return tmp_path_factory.mktemp("same").resolve()
-
-
-@pytest.fixture(name="program", scope="session")
-def program_under_test(request):
-    return request.config.getoption("--program")
 
 
 @pytest.fixture(name="first", scope="session")
@@ -157,10 +138,3 @@ def test_locale_has_other_rules():
         check=False,
     )
     assert told.stdout.strip() == b","
-
-
-def test_all_sources_are_built():
-    """The list of sources here is that of the CMake build."""
-    text = pathlib.Path(variants.ROOT / "CMakeLists.txt").read_text()
-    named = {line.strip(" )") for line in text.split() if line.strip(" )").endswith(".cpp")}
-    assert named == {str(path.relative_to(variants.ROOT)) for path in variants.sources()}

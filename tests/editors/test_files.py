@@ -6,6 +6,7 @@ import shutil
 import subprocess
 import sys
 
+import running
 from program_words import words
 from reading import CONDITIONAL, is_plain
 from sources import EDITORS, ROOT, all_sources, lines_of
@@ -70,16 +71,12 @@ def expanded(body):
 
 def assembled(program, directory, source):
     (directory / "a.szirpa").write_text(source)
-    process = subprocess.run(
-        [program, "-w", "a.szirpa"], cwd=directory, stdout=subprocess.PIPE, text=True, check=False
-    )
-    return process.stdout
+    return running.run(directory, program, "-w", "a.szirpa", text=True).stdout
 
 
-def test_snippets_are_assembled_as_they_stand(request, tmp_path):
+def test_snippets_are_assembled_as_they_stand(program, tmp_path):
     rows = read_json("snippets/szirpa.json")
     snippets = {name: expanded(row["body"]) for name, row in rows.items()}
-    program = request.config.option.program
     whole = snippets.pop("Program")
     assert assembled(program, tmp_path, f"{whole}\n") == "No errors.\n"
     parts = "".join(f"{text}\n" for text in snippets.values())

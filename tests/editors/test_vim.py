@@ -6,8 +6,6 @@ import pathlib
 import shutil
 import subprocess
 
-import pytest
-
 from diagnostics import expected_lines
 from reading import is_plain, read_source
 from sources import EDITORS, ROOT, all_sources, lines_of
@@ -180,8 +178,3 @@ def test_make_puts_the_messages_of_the_program_in_the_list(tmp_path, program):
         entry("a b.szirpa", 4, "E", "Illegal mnemonic"),
     ]
     assert (tmp_path / "a b.lst").exists()
-
-
-@pytest.fixture
-def program(request):
-    return request.config.option.program

@@ -6,11 +6,11 @@ line.
 """
 
 import pathlib
-import subprocess
+
+import running
 
 EXPECTED = pathlib.Path(__file__).resolve().parent
 SOURCES = EXPECTED.parents[1] / "examples"
-TIME_LIMIT_SECONDS = 60
 
 
 class ExampleCase:
@@ -32,15 +32,8 @@ class ExampleCase:
         """Assembles the example in an empty directory; returns the process and the files."""
         name = self.stem + ".szirpa"
         (directory / name).write_bytes(self.source_path.read_bytes())
-        process = subprocess.run(
-            [program, *more_options, *self.options(), name],
-            cwd=directory,
-            stdin=subprocess.DEVNULL,
-            capture_output=True,
-            timeout=TIME_LIMIT_SECONDS,
-            check=False,
-        )
-        return process, {path.name: path.read_bytes() for path in directory.iterdir()}
+        process = running.run(directory, program, *more_options, *self.options(), name)
+        return process, running.files_below(directory)
 
 
 def find_examples():

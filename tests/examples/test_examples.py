@@ -18,8 +18,8 @@ TERMINAL_WIDTH = 80
 
 
 @EVERY_EXAMPLE
-def test_expected_records(example, request, tmp_path):
-    process, files = example.run(request.config.getoption("--program"), tmp_path)
+def test_expected_records(example, program, tmp_path):
+    process, files = example.run(program, tmp_path)
     assert process.returncode == 0
     assert process.stdout == b"-- No errors.\n"
     assert process.stderr == b""
@@ -27,17 +27,17 @@ def test_expected_records(example, request, tmp_path):
 
 
 @EVERY_EXAMPLE
-def test_no_message(example, request, tmp_path):
+def test_no_message(example, program, tmp_path):
     # This summary is printed only when warnings are asked for and there is none.
-    process, _ = example.run(request.config.getoption("--program"), tmp_path, "-w")
+    process, _ = example.run(program, tmp_path, "-w")
     assert process.returncode == 0
     assert process.stdout == b"No errors.\n"
     assert process.stderr == b""
 
 
 @EVERY_EXAMPLE
-def test_fits_into_memory(example, request, tmp_path):
-    _, files = example.run(request.config.getoption("--program"), tmp_path)
+def test_fits_into_memory(example, program, tmp_path):
+    _, files = example.run(program, tmp_path)
     records = files[example.stem + ".s19"]
     assert not WIDE_RECORD.search(records)
     ends = [

@@ -9,12 +9,11 @@ import os
 import pathlib
 import re
 import shutil
-import subprocess
 import tempfile
 
-from golden_case import files_below
+import running
+from running import files_below
 
-TIME_LIMIT_SECONDS = 60
 SANITIZERS = {
     "ASAN_OPTIONS": "detect_leaks=1:exitcode=99",
     "UBSAN_OPTIONS": "print_stacktrace=1",
@@ -100,14 +99,12 @@ def perform(program, scenario, injection, place, old_outputs=(), arguments=None)
         "HXZIRPA_FAULT_REPORT": str(report),
     }
     with standard_input(scenario.standard_input) as given:
-        process = subprocess.run(
-            [program, *(scenario.arguments if arguments is None else arguments)],
-            cwd=directory,
+        process = running.run(
+            directory,
+            program,
+            *(scenario.arguments if arguments is None else arguments),
             env={**os.environ, **SANITIZERS, **settings},
             stdin=given,
-            capture_output=True,
-            timeout=TIME_LIMIT_SECONDS,
-            check=False,
             preexec_fn=lambda: [os.close(number) for number in scenario.closed],
         )
     run = Run(

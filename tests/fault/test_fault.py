@@ -34,8 +34,8 @@ def sample(injections, number):
 
 
 @pytest.mark.parametrize("scenario", SCENARIOS, ids=lambda scenario: scenario.identifier)
-def test_fault(scenario, request, tmp_path):
-    reference = Reference(request.config.getoption("--program"), scenario, tmp_path.resolve())
+def test_fault(scenario, program, request, tmp_path):
+    reference = Reference(program, scenario, tmp_path.resolve())
     check_reference(reference)
     injections = list(reference.injections())
     if not request.config.getoption("--all"):

@@ -4,28 +4,21 @@ import os
 import pathlib
 import resource
 import stat
-import subprocess
 
 import pytest
+import running
 
 SOURCE = b" ORG $10\n LDA #5\n"
 RECORDS = b"S1050010F005F5\nS9030010EC\n"
 
 
 @pytest.fixture(name="assemble")
-def assemble_in_tmp_path(request, tmp_path):
+def assemble_in_tmp_path(program, tmp_path):
     """Runs the program in tmp_path, where prog.szirpa stands."""
     (tmp_path / "prog.szirpa").write_bytes(SOURCE)
 
     def run(*arguments, **options):
-        return subprocess.run(
-            [request.config.getoption("--program"), *arguments],
-            cwd=tmp_path,
-            capture_output="stdout" not in options,
-            timeout=60,
-            check=False,
-            **options,
-        )
+        return running.run(tmp_path, program, *arguments, **options)
 
     return run
 

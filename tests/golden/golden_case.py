@@ -5,10 +5,11 @@ An expectation that is absent means that the output must not exist, so every cas
 
 import os
 import pathlib
-import subprocess
+
+import running
+from running import files_below
 
 GOLDEN = pathlib.Path(__file__).resolve().parent
-TIME_LIMIT_SECONDS = 60
 
 SCRIPT_HEADER = (
     b"HXzirpa - ZIRPA Absolute crossassembler, Version 1.3\n"
@@ -40,15 +41,6 @@ def pairs_of_records(records):
 def pairs_of_short_form(text):
     """The short form of a script: a line AA=BB for each byte."""
     return [tuple(line.split(b"=")) for line in text.split()]
-
-
-def files_below(directory):
-    """All files below a directory: relative name to content."""
-    return {
-        path.relative_to(directory).as_posix(): path.read_bytes()
-        for path in sorted(directory.rglob("*"))
-        if path.is_file()
-    }
 
 
 class GoldenCase:
@@ -138,17 +130,10 @@ class GoldenCase:
         for name, content in self.inputs().items():
             (directory / name).write_bytes(content)
 
-    def run(self, program, directory):
+    def run(self, program, directory, **options):
         """Runs the case in an empty directory; returns the finished process and the files."""
         self.prepare(directory)
-        process = subprocess.run(
-            [program, *self.arguments()],
-            cwd=directory,
-            stdin=subprocess.DEVNULL,
-            capture_output=True,
-            timeout=TIME_LIMIT_SECONDS,
-            check=False,
-        )
+        process = running.run(directory, program, *self.arguments(), **options)
         return process, files_below(directory)
 
 

@@ -28,9 +28,9 @@ def difference(name, expected, actual):
     return "".join(lines)
 
 
-def test_case(case, request, tmp_path):
+def test_case(case, program, tmp_path):
     directory = tmp_path.resolve()
-    process, files = case.run(request.config.getoption("--program"), directory)
+    process, files = case.run(program, directory)
     expected = case.expected_tree()
     faults = [
         difference("standard output", case.expected_output(directory), process.stdout),

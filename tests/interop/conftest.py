@@ -1,22 +1,6 @@
 """What the interoperability tests are run on."""
 
 import pytest
-from subjects import find_subjects
-
-# The name of a test's argument says which subjects the test is about.
-GROUPS = {
-    "subject": lambda subject: True,
-    "data_subject": lambda subject: subject.data,
-    "narrow_subject": lambda subject: subject.data and subject.is_narrow,
-    "array_subject": lambda subject: subject.data and subject.has_array,
-}
-
-
-def pytest_generate_tests(metafunc):
-    for name, belongs in GROUPS.items():
-        if name in metafunc.fixturenames:
-            subjects = [subject for subject in find_subjects() if belongs(subject)]
-            metafunc.parametrize(name, subjects, ids=[subject.identifier for subject in subjects])
 
 
 class Outputs:
@@ -41,5 +25,5 @@ class Outputs:
 
 
 @pytest.fixture(scope="session")
-def outputs(request, tmp_path_factory):
-    return Outputs(request.config.getoption("--program"), tmp_path_factory)
+def outputs(program, tmp_path_factory):
+    return Outputs(program, tmp_path_factory)

@@ -1,52 +1,21 @@
-"""What the readers are given: the outputs of every run that ends without errors."""
+"""What the readers are given: the outputs of every run that ends without errors and has bytes."""
 
 import functools
-import re
-import subprocess
 
+import pytest
+import running
 from example_case import find_examples
 from golden_case import find_cases
+from outputs import read_records, split_debug
 
-RECORD = re.compile(rb"S[0-9](?:[0-9A-F]{2})+")
-ADDRESS_BYTES = {b"1": 2, b"2": 3, b"3": 4, b"7": 4, b"8": 3, b"9": 2}
 ADDRESS_MASK = 0xFFFFFFFF
 ARRAY_START = b"const unsigned char algo[] = {\n"
 ARRAY_SUFFIX = "_cout.c"
-TIME_LIMIT_SECONDS = 60
 
 # A program that goes back and sets some of its bytes again, to other values and to the same one.
 OVERLAPPING_STEM = "data_set_twice"
 OVERLAPPING_SOURCE = b" ORG 5\n FCB 1,2,3,4\n ORG 6\n FCB 9\n ORG 8\n FCB 4,7\n"
 OVERLAPPING_RECORDS = b"S107000501020304E9\nS104000609EC\nS10500080407E7\nS9030005F7\n"
-
-
-def record_lines(content):
-    """The S-records of a file, as grep '^S[0-9]' finds them: without the debug records."""
-    return [line for line in content.splitlines() if re.match(rb"S[0-9]", line)]
-
-
-def data_of_records(content):
-    """(address, byte) of every data byte, in the order of the records."""
-    data = []
-    for line in record_lines(content):
-        if line[1:2] not in b"123":
-            continue
-        data_at = 4 + 2 * ADDRESS_BYTES[line[1:2]]
-        start = int(line[4:data_at], 16)
-        for index, at in enumerate(range(data_at, len(line) - 2, 2)):
-            data.append(((start + index) & ADDRESS_MASK, int(line[at : at + 2], 16)))
-    return data
-
-
-def entry_of_records(content):
-    """The address in the end record."""
-    (end,) = (line for line in record_lines(content) if line[1:2] in b"789")
-    return int(end[4 : 4 + 2 * ADDRESS_BYTES[end[1:2]]], 16)
-
-
-def is_record_file(content):
-    lines = content.splitlines()
-    return bool(lines) and RECORD.fullmatch(lines[0]) is not None
 
 
 class Subject:
@@ -56,10 +25,14 @@ class Subject:
         self.identifier = identifier
         self.run = run  # (program, directory) -> (finished process, files after the run)
         self.records_name = records_name
-        self.data = data_of_records(records)
-        self.entry = entry_of_records(records)
-        self.is_narrow = {line[1:2] for line in record_lines(records)} <= {b"1", b"9"}
         self.has_array = has_array
+        found = read_records(split_debug(records)[0])
+        self.entry = found[-1][1]
+        self.data = [
+            ((address + index) & ADDRESS_MASK, byte)
+            for _, address, data in found
+            for index, byte in enumerate(data)
+        ]
 
     @property
     def memory(self):
@@ -77,7 +50,7 @@ def golden_subjects():
             for name, content in expected.items()
         )
         for name, content in expected.items():
-            if is_record_file(content):
+            if content[:1] == b"S":
                 yield Subject(case.identifier, case.run, name, content, has_array)
 
 
@@ -95,15 +68,8 @@ def example_subjects():
 def run_overlapping(program, directory):
     source_name = OVERLAPPING_STEM + ".szirpa"
     (directory / source_name).write_bytes(OVERLAPPING_SOURCE)
-    process = subprocess.run(
-        [program, "-L", "-A", source_name],
-        cwd=directory,
-        stdin=subprocess.DEVNULL,
-        capture_output=True,
-        timeout=TIME_LIMIT_SECONDS,
-        check=False,
-    )
-    return process, {path.name: path.read_bytes() for path in directory.iterdir()}
+    process = running.run(directory, program, "-L", "-A", source_name)
+    return process, running.files_below(directory)
 
 
 @functools.cache
@@ -112,17 +78,9 @@ def find_subjects():
     overlapping = Subject(
         OVERLAPPING_STEM, run_overlapping, OVERLAPPING_STEM + ".s19", OVERLAPPING_RECORDS, True
     )
-    return [*golden_subjects(), *example_subjects(), overlapping]
+    subjects = [*golden_subjects(), *example_subjects(), overlapping]
+    return [subject for subject in subjects if subject.data]
 
 
-def read_by(directory, *command):
-    """Runs a reader; returns the finished process."""
-    return subprocess.run(
-        command,
-        cwd=directory,
-        stdin=subprocess.DEVNULL,
-        capture_output=True,
-        timeout=TIME_LIMIT_SECONDS,
-        check=False,
-        encoding="ascii",
-    )
+def of_each(subjects):
+    return pytest.mark.parametrize("subject", subjects, ids=lambda subject: subject.identifier)

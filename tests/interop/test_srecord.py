@@ -5,7 +5,9 @@ It is given the S-records only, since it refuses the debug records of -g.
 
 import re
 
-from subjects import ADDRESS_MASK, read_by, record_lines
+import running
+from outputs import split_debug
+from subjects import ADDRESS_MASK, find_subjects, of_each
 
 
 def ranges_of(addresses):
@@ -25,20 +27,21 @@ def runs_past_the_last_address(subject):
 
 
 def write_plain_records(path, content):
-    path.write_bytes(b"".join(line + b"\n" for line in record_lines(content)))
+    path.write_bytes(split_debug(content)[0])
 
 
-def test_srec_info(data_subject, outputs, tmp_path):
-    write_plain_records(tmp_path / "in.s19", outputs.records(data_subject))
-    process = read_by(tmp_path, "srec_info", "in.s19")
+@of_each(find_subjects())
+def test_srec_info(subject, outputs, tmp_path):
+    write_plain_records(tmp_path / "in.s19", outputs.records(subject))
+    process = running.run(tmp_path, "srec_info", "in.s19", text=True)
     assert process.returncode == 0, process.stderr
     entry = re.search(r"^Execution Start Address: ([0-9A-F]+)$", process.stdout, re.MULTILINE)
-    assert int(entry[1], 16) == data_subject.entry
+    assert int(entry[1], 16) == subject.entry
     # A range that goes on at address 0 is shown with its ends exchanged: nothing to compare.
-    if not runs_past_the_last_address(data_subject):
+    if not runs_past_the_last_address(subject):
         shown = re.findall(r"\b([0-9A-F]+) - ([0-9A-F]+)$", process.stdout, re.MULTILINE)
         found = [[int(first, 16), int(last, 16)] for first, last in shown]
-        assert found == ranges_of(data_subject.memory)
+        assert found == ranges_of(subject.memory)
 
 
 def memory_of_hex_dump(text):
@@ -53,9 +56,10 @@ def memory_of_hex_dump(text):
     return memory
 
 
-def test_srec_cat(data_subject, outputs, tmp_path):
-    write_plain_records(tmp_path / "in.s19", outputs.records(data_subject))
+@of_each(find_subjects())
+def test_srec_cat(subject, outputs, tmp_path):
+    write_plain_records(tmp_path / "in.s19", outputs.records(subject))
     # Where data overlap, srec_cat wants to be told that the later byte counts.
-    process = read_by(tmp_path, "srec_cat", "-multiple", "in.s19", "-o", "-", "-hex-dump")
+    process = running.run(tmp_path, "srec_cat", "-multiple", "in.s19", "-o", "-", "-hex-dump", text=True)
     assert process.returncode == 0, process.stderr
-    assert memory_of_hex_dump(process.stdout) == data_subject.memory
+    assert memory_of_hex_dump(process.stdout) == subject.memory

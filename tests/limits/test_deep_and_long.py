@@ -9,8 +9,9 @@ import resource
 import subprocess
 
 import pytest
+import running
 from expected import records, script_of_bytes, script_of_records
-from golden_case import files_below
+from running import files_below
 
 NAME = "prog.szirpa"
 NO_ERRORS = b"-- No errors.\n"
@@ -19,11 +20,6 @@ TIME_LIMIT_SECONDS = 300
 REPETITIONS = 3
 # The clock of user time is coarse; less than this says nothing.
 CLOCK_SECONDS = 0.03
-
-
-@pytest.fixture(name="program")
-def program_under_test(request):
-    return request.config.getoption("--program")
 
 
 @pytest.fixture(name="directory")
@@ -36,15 +32,7 @@ def small_stack():
 
 
 def run_in(directory, *command, **options):
-    return subprocess.run(
-        command,
-        cwd=directory,
-        stdin=subprocess.DEVNULL,
-        capture_output=True,
-        timeout=TIME_LIMIT_SECONDS,
-        check=False,
-        **options,
-    )
+    return running.run(directory, *command, timeout=TIME_LIMIT_SECONDS, **options)
 
 
 # ---- Deep ---------------------------------------------------------------------------------------

@@ -23,9 +23,9 @@ these, which are not repeated:
 """
 
 import itertools
-import subprocess
 
 import pytest
+import running
 from expected import (
     LISTING_HEADER,
     c_array,
@@ -36,7 +36,6 @@ from expected import (
     script_of_bytes,
     script_of_records,
 )
-from golden_case import files_below
 
 TIME_LIMIT_SECONDS = 120
 NAME = "prog.szirpa"
@@ -51,7 +50,7 @@ class Run:
         self.path = bytes(directory / NAME)
         self.out = process.stdout
         self.status = process.returncode
-        self.files = files_below(directory)
+        self.files = running.files_below(directory)
         self.files.pop(NAME, None)
 
     def message(self, line, kind, text):
@@ -64,19 +63,12 @@ class Run:
 
 
 @pytest.fixture(name="assemble")
-def assemble_in_tmp_path(request, tmp_path):
+def assemble_in_tmp_path(program, tmp_path):
     directory = tmp_path.resolve()
 
     def run(source, *arguments, operand=NAME):
         (directory / NAME).write_bytes(source)
-        process = subprocess.run(
-            [request.config.getoption("--program"), *arguments, operand],
-            cwd=directory,
-            stdin=subprocess.DEVNULL,
-            capture_output=True,
-            timeout=TIME_LIMIT_SECONDS,
-            check=False,
-        )
+        process = running.run(directory, program, *arguments, operand, timeout=TIME_LIMIT_SECONDS)
         assert process.stderr == b""
         return Run(directory, process)
 

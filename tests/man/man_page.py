@@ -3,7 +3,8 @@
 import pathlib
 import re
 import shutil
-import subprocess
+
+import running
 
 MAN = pathlib.Path(__file__).resolve().parents[2] / "man"
 WIDE = 500
@@ -11,9 +12,7 @@ WIDE = 500
 
 def mandoc(*arguments):
     assert shutil.which("mandoc"), "the Debian package mandoc is needed"
-    return subprocess.run(
-        ["mandoc", *arguments], capture_output=True, text=True, timeout=60, check=False
-    )
+    return running.run(None, "mandoc", *arguments, text=True)
 
 
 def page(section):

@@ -1,9 +1,8 @@
 """HXzirpa.5 holds every directive, conditional word and instruction, as the program takes them."""
 
 import re
-import subprocess
 
-import pytest
+import running
 from man_page import items, page, part
 from program_words import conditionals, directives, instructions, words
 
@@ -12,22 +11,10 @@ ROW = re.compile(r'\.It (?:Ic (\w+) )?Ta (?:"([^"]*)"|(\S+)) Ta ?(.*)')
 ROW_WITHOUT_OPERAND = re.compile(r"\.It Ic (\w+) Ta [^\"]*")
 
 
-@pytest.fixture(scope="module")
-def program(request):
-    return request.config.getoption("--program")
-
-
 def run(program, directory, text):
     """Assembles a text; returns standard output and the listing."""
     (directory / "source.szirpa").write_text(text)
-    process = subprocess.run(
-        [program, "-L", "source.szirpa"],
-        cwd=directory,
-        capture_output=True,
-        text=True,
-        timeout=60,
-        check=False,
-    )
+    process = running.run(directory, program, "-L", "source.szirpa", text=True)
     return process.stdout, (directory / "source.lst").read_text()
 
 

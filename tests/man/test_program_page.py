@@ -20,11 +20,6 @@ SECOND_LINE = "Terminated due to fatal error(s)"
 
 
 @pytest.fixture(scope="module")
-def program(request):
-    return request.config.getoption("--program")
-
-
-@pytest.fixture(scope="module")
 def diagnostics():
     """The texts of the messages on the page."""
     return items(part(1, "DIAGNOSTICS"), 5)

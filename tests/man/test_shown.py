@@ -5,9 +5,9 @@ that is missing there, because it is skipped, may be any.
 """
 
 import re
-import subprocess
 
 import pytest
+import running
 from man_page import page
 
 SOURCE_NAME = "prog.szirpa"
@@ -46,23 +46,17 @@ def source_of(listing):
 
 
 @pytest.fixture
-def run(request, tmp_path):
+def run(program, tmp_path):
     """Runs a command as the pages write it; returns its status and what it prints."""
     (tmp_path / "bin").mkdir()
-    (tmp_path / "bin" / "HXzirpa").symlink_to(request.config.getoption("--program"))
+    (tmp_path / "bin" / "HXzirpa").symlink_to(program)
     directory = tmp_path / "me"
     directory.mkdir()
 
     def run_it(command, source, name=SOURCE_NAME):
         (directory / name).write_bytes(source.encode("latin-1"))
-        process = subprocess.run(
-            f"PATH={tmp_path / 'bin'}:$PATH; {command}",
-            shell=True,
-            cwd=directory,
-            stdout=subprocess.PIPE,
-            timeout=60,
-            check=False,
-        )
+        command = f"PATH={tmp_path / 'bin'}:$PATH; {command}"
+        process = running.run(directory, "/bin/sh", "-c", command, stderr=None)
         return process.returncode, process.stdout.decode().replace(str(directory), HOME)
 
     run_it.directory = directory

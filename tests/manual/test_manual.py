@@ -41,8 +41,8 @@ MESSAGES = code_spans(section(prose(MANUAL), "Messages"))
 # ---- What is shown ----
 
 
-def test_what_is_shown_is_what_happens(request, tmp_path):
-    reader = shown.Reader(request.config.getoption("--program"), tmp_path / "zirpa")
+def test_what_is_shown_is_what_happens(program, tmp_path):
+    reader = shown.Reader(program, tmp_path / "zirpa")
     shown.Play("manual.md", MANUAL.read_text(), reader).play()
 
 

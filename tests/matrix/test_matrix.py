@@ -7,7 +7,8 @@ line by line, and in the S-records as a whole.
 
 import pathlib
 import re
-import subprocess
+
+import running
 
 MATRIX = pathlib.Path(__file__).resolve().parent
 MNEMONICS = 85
@@ -15,18 +16,11 @@ LISTING_LINE = re.compile(r"^(?P<address>..)(?P<bytes>(?: [0-9A-F]{2}| {3}){6}) 
 MESSAGE_LINE = re.compile(r'^"forbidden.szirpa" line (?P<line>\d+), ERROR: (?P<text>.*)$')
 
 
-def assemble(request, tmp_path, name):
+def assemble(program, tmp_path, name):
     """Runs the program on one file of the matrix with a listing; returns the finished process."""
     source = (MATRIX / f"{name}.szirpa").read_bytes()
     (tmp_path / f"{name}.szirpa").write_bytes(source)
-    program = request.config.getoption("--program")
-    return subprocess.run(
-        [program, "-L", f"{name}.szirpa"],
-        cwd=tmp_path,
-        capture_output=True,
-        timeout=60,
-        check=False,
-    )
+    return running.run(tmp_path, program, "-L", f"{name}.szirpa")
 
 
 def source_lines(name):
@@ -49,8 +43,8 @@ def data_of_records(records):
     ]
 
 
-def test_allowed_forms_give_the_stated_bytes(request, tmp_path):
-    process = assemble(request, tmp_path, "allowed")
+def test_allowed_forms_give_the_stated_bytes(program, tmp_path):
+    process = assemble(program, tmp_path, "allowed")
     assert (process.stdout, process.returncode) == (b"-- No errors.\n", 0)
     stated = []
     for listed, text in listed_lines((tmp_path / "allowed.lst").read_text()):
@@ -65,8 +59,8 @@ def test_allowed_forms_are_all_there():
     assert len({word.upper() for word in words}) == MNEMONICS
 
 
-def test_forbidden_forms_give_the_stated_message_and_no_bytes(request, tmp_path):
-    assemble(request, tmp_path, "forbidden")
+def test_forbidden_forms_give_the_stated_message_and_no_bytes(program, tmp_path):
+    assemble(program, tmp_path, "forbidden")
     listing = (tmp_path / "forbidden.lst").read_text()
     messages = [match for match in map(MESSAGE_LINE.match, listing.splitlines()) if match]
     stated = [

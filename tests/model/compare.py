@@ -20,7 +20,6 @@ import tempfile
 import traceback
 from collections import Counter
 from dataclasses import dataclass, field, replace
-from pathlib import Path
 
 from generate import Generator, plain_name, write_case
 from zirpa_model import TooLong, run

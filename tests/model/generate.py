@@ -9,7 +9,6 @@ name one case, always the same one as long as the golden sources do not change.
 import argparse
 import os
 import random
-import sys
 from dataclasses import dataclass
 from pathlib import Path
 

@@ -12,9 +12,10 @@ or find errors. Sources that hold them are run as the case has it, always with -
 
 import re
 import shutil
-import subprocess
 
 import pytest
+import running
+from golden_case import find_cases
 from outputs import (
     Names,
     bytes_of_records,
@@ -29,8 +30,12 @@ from outputs import (
     split_debug,
 )
 
-TIME_LIMIT_SECONDS = 60
 DEBUGGER_LINE = re.compile(rb"^\.stab", re.MULTILINE)
+CLEAN_CASES = [
+    case
+    for case in find_cases()
+    if case.expected_status() == 0 and b"No errors.\n" in (case.file(".out") or b"")
+]
 REQUESTS = ["", "L", "S", "g", "A", "w", "LA", "LSgAw", "wAgSL"]
 
 
@@ -46,14 +51,7 @@ class Run:
         self.names = Names(options, source)
         self.source = content(directory, source)
         flags = [b"-" + letter.encode() for letter in letters]
-        process = subprocess.run(
-            [program, *flags, *options, source],
-            cwd=directory,
-            stdin=subprocess.DEVNULL,
-            capture_output=True,
-            timeout=TIME_LIMIT_SECONDS,
-            check=False,
-        )
+        process = running.run(directory, program, *flags, *options, source)
         self.out, self.status = process.stdout, process.returncode
         self.refused = b"Cannot create output fil" in self.out
         self.records = content(directory, self.names.records)
@@ -63,9 +61,9 @@ class Run:
 
 
 @pytest.fixture(name="runs")
-def runs_of_the_case(request, case, tmp_path):
+def runs_of_the_case(program, case, tmp_path):
     """All runs but those refused because an output that was asked for would overwrite another."""
-    program, directory = request.config.getoption("--program"), tmp_path.resolve() / "work"
+    directory = tmp_path.resolve() / "work"
     requests = REQUESTS
     if any(DEBUGGER_LINE.search(text) for text in case.inputs().values()):
         debug = "g" if b"-g" in case.arguments() else ""
@@ -95,6 +93,7 @@ def assert_outputs_agree(run):
         assert pattern.fullmatch(program), "the listing shows other bytes"
 
 
+@pytest.mark.parametrize("case", CLEAN_CASES, ids=lambda case: case.identifier)
 def test_outputs_agree_and_do_not_depend_on_each_other(runs):
     records, _ = split_debug(runs[0].records)
     for run in runs:
@@ -105,3 +104,7 @@ def test_outputs_agree_and_do_not_depend_on_each_other(runs):
             assert run.out == runs[0].out, f"-{run.letters} changes what is printed"
     listings = {run.listing for run in runs if run.listing and not set(run.letters) & set("Sw")}
     assert len(listings) <= 1, "-A changes the listing"
+
+
+def test_there_are_many_cases():
+    assert len(CLEAN_CASES) > 100

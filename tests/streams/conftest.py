@@ -5,5 +5,5 @@ from stream_runs import Place
 
 
 @pytest.fixture(name="place")
-def place_of_the_test(request, tmp_path):
-    return Place(tmp_path, request.config.getoption("--program"))
+def place_of_the_test(program, tmp_path):
+    return Place(tmp_path, program)
