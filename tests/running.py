@@ -1,8 +1,15 @@
-"""How tests run a program: in a directory, with nothing to read and for a limited time."""
+"""How tests run a program, in a directory, with nothing to read and for a limited time; and how its
+outputs begin."""
 
 import subprocess
 
 TIME_LIMIT_SECONDS = 60
+
+VERSION = "1.3"
+BANNER = (
+    f"HXzirpa - ZIRPA Absolute crossassembler, Version {VERSION}\n"
+    "Free software under the MIT License.\n"
+).encode()
 
 
 def run(directory, *command, **options):

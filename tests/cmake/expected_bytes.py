@@ -1,5 +1,7 @@
 """What the output files say about a few bytes in a row, written by the rules of each format."""
 
+from golden_case import script_from_pairs
+
 MOST_BYTES = 16  # so that every format needs one record only
 START_RECORD_LENGTH = 4
 
@@ -41,13 +43,6 @@ def c_array(data):
 
 
 def script(name, address, data):
-    lines = [
-        "HXzirpa - ZIRPA Absolute crossassembler, Version 1.3",
-        "Free software under the MIT License.",
-        f"File: {name}",
-        "",
-        " # ClearAllMemory",
-        " # ClearAllRegisters",
-        *(f" #setMemory  {address + i:02X}={byte:02X}" for i, byte in enumerate(data)),
-    ]
-    return "\n".join(lines).encode()
+    return script_from_pairs(
+        name, [(b"%02X" % (address + index), b"%02X" % byte) for index, byte in enumerate(data)]
+    )

@@ -6,6 +6,7 @@ import time
 import pytest
 from cmake_project import CLOCK_TICK_SECONDS
 from expected_bytes import c_array, intel_hex, s_record, s_records, script
+from running import BANNER
 
 # Three bytes at 20, the second of which tells the variants apart.
 VARIED = """\
@@ -21,9 +22,7 @@ SHORT = bytes([1, 3, 2])
 LONG = bytes([1, 200, 2])
 
 FAULTY = "      ORG   $20\n      FOO\n      FCB   1,2,3\n      LDA   #300\n"
-FAULTY_LISTING = b"""\
-HXzirpa - ZIRPA Absolute crossassembler, Version 1.3
-Free software under the MIT License.
+FAULTY_LISTING = BANNER + b"""\
 
 
 File: p.lst

@@ -1,14 +1,13 @@
 """The sample projects are built and give the bytes that their sources stand for."""
 
 from expected_bytes import intel_hex, s_record, s_records, script
+from running import BANNER
 
 ORIGIN = 0x10
 
 #              CLRA  STA $F0 COMA BRA show
 BLINK = bytes.fromhex("05  E1F0  0A  21FB")
-BLINK_LISTING = b"""\
-HXzirpa - ZIRPA Absolute crossassembler, Version 1.3
-Free software under the MIT License.
+BLINK_LISTING = BANNER + b"""\
 
 
 File: blink.lst

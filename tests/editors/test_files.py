@@ -32,8 +32,10 @@ def test_grammars_are_those_written_from_the_tables(tmp_path):
 
 
 def test_package_has_the_version_of_the_program():
-    project = re.search(r"project\(HXzirpa VERSION (\S+)", (ROOT / "CMakeLists.txt").read_text())
-    assert read_json("package.json")["version"] == f"{project[1]}.0"
+    version = f"{running.VERSION}.0"
+    assert read_json("package.json")["version"] == version
+    for path in (ROOT / "README.md", EDITORS / "README.md"):
+        assert set(re.findall(r"hxzirpa-([\d.]+)\.vsix", path.read_text())) == {version}
 
 
 def test_packages_of_the_tools_are_exact_and_name_no_registry():

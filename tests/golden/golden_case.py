@@ -7,17 +7,11 @@ import os
 import pathlib
 
 import running
-from running import files_below
+from running import BANNER, files_below
 
 GOLDEN = pathlib.Path(__file__).resolve().parent
 
-SCRIPT_HEADER = (
-    b"HXzirpa - ZIRPA Absolute crossassembler, Version 1.3\n"
-    b"Free software under the MIT License.\n"
-    b"File: %s\n"
-    b"\n # ClearAllMemory"
-    b"\n # ClearAllRegisters"
-)
+SCRIPT_HEADER = BANNER + b"File: %s\n\n # ClearAllMemory\n # ClearAllRegisters"
 
 
 def script_from_pairs(name, pairs):

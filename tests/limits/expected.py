@@ -1,12 +1,9 @@
 """What a program of given bytes must look like in each output, worked out by short rules."""
 
 from golden_case import pairs_of_records, script_from_pairs
+from running import BANNER
 
-LISTING_HEADER = (
-    b"HXzirpa - ZIRPA Absolute crossassembler, Version 1.3\n"
-    b"Free software under the MIT License.\n\n\n"
-    b"File: %s\n"
-)
+LISTING_HEADER = BANNER + b"\n\nFile: %s\n"
 RECORD_BYTES = 32
 LISTED_BYTES = 120
 LISTED_A_ROW = 6

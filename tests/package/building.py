@@ -1,7 +1,6 @@
 """The build directory that the tests install and package from, and the tools they need."""
 
 import pathlib
-import re
 import shutil
 import subprocess
 
@@ -33,11 +32,6 @@ def run(*command, **options):
     )
     assert process.returncode == 0, f"{command}\n{process.stdout}"
     return process.stdout
-
-
-def project_version():
-    text = (ROOT / "CMakeLists.txt").read_text()
-    return re.search(r"^project\(HXzirpa VERSION ([0-9.]+)", text, re.MULTILINE)[1]
 
 
 def below(directory, *patterns):

@@ -5,7 +5,8 @@ import os
 import stat
 
 import pytest
-from building import ROOT, build_directory, expected_files, project_version, run
+from building import ROOT, build_directory, expected_files, run
+from running import VERSION
 
 PROJECT = """\
 cmake_minimum_required(VERSION 3.25)
@@ -65,7 +66,7 @@ def test_man_pages_are_the_source_s(prefix):
         assert gzip.decompress(page.read_bytes()) == source.read_bytes()
 
 
-@pytest.mark.parametrize("version", [project_version(), "1.0"])
+@pytest.mark.parametrize("version", [VERSION, "1.0"])
 def test_find_package_finds_module_and_program(prefix, tmp_path, version):
     (tmp_path / "user").mkdir()
     (tmp_path / "user" / "CMakeLists.txt").write_text(PROJECT.format(version=version))

@@ -6,7 +6,8 @@ import shlex
 import subprocess
 
 import pytest
-from building import ROOT, expected_files, need, project_version, run
+from building import ROOT, expected_files, need, run
+from running import VERSION
 
 SCRIPT = pathlib.Path(__file__).resolve().parent / "in_fresh_root.sh"
 # A root with no more than dpkg and what the script calls; apt adds what these depend on.
@@ -21,19 +22,17 @@ def control_field(package, name):
 
 
 def test_file_is_named_after_package_version_and_architecture(package):
-    version = project_version()
     architecture = run("dpkg", "--print-architecture").strip()
-    assert package.name == f"hxzirpa_{version}_{architecture}.deb"
+    assert package.name == f"hxzirpa_{VERSION}_{architecture}.deb"
     assert control_field(package, "Package") == "hxzirpa"
-    assert control_field(package, "Version") == version
+    assert control_field(package, "Version") == VERSION
 
 
-def test_versions_agree(request):
-    version = project_version()
+def test_versions_agree(program):
     first_line = (ROOT / "packaging" / "changelog").read_text().partition("\n")[0]
-    assert first_line.startswith(f"hxzirpa ({version}) ")
-    usage = run(request.config.getoption("--program"))
-    assert f"Version {version}\n" in usage
+    assert first_line.startswith(f"hxzirpa ({VERSION}) ")
+    assert (ROOT / "CHANGELOG.md").read_text().partition("\n## ")[2].startswith(f"{VERSION}\n")
+    assert f"Version {VERSION}\n" in run(program)
 
 
 def test_program_needs_no_other_package(package):

@@ -7,12 +7,12 @@ import os
 import pathlib
 import re
 
+from running import BANNER
+
 RECORD = re.compile(rb"S([0-9])((?:[0-9A-F]{2})+)")
 ADDRESS_WIDTHS = {1: 2, 2: 3, 3: 4, 7: 4, 8: 3, 9: 2}
 SCRIPT = re.compile(
-    rb"HXzirpa - ZIRPA Absolute crossassembler, Version 1\.3\n"
-    rb"Free software under the MIT License\.\n"
-    rb"File: (?P<name>.*)\n"
+    re.escape(BANNER) + rb"File: (?P<name>.*)\n"
     rb"\n # ClearAllMemory\n # ClearAllRegisters"
     rb"(?P<lines>(?:\n #setMemory  [0-9A-F]{2}=[0-9A-F]{2})*)"
 )

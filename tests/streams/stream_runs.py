@@ -6,6 +6,7 @@ import re
 import subprocess
 
 import pytest
+from running import BANNER
 
 GOOD = b" ORG $10\n LDA #5\n"
 BAD = GOOD + b" BAD\n WORSE\n"
@@ -20,11 +21,6 @@ REPLACING = [LISTING, ARRAY, SCRIPT]
 TEMPORARY = re.compile(r"HXzirpa-\d+-\d+\.tmp")
 
 SUMMARY = b"-- No errors.\n"
-
-BANNER = (
-    b"HXzirpa - ZIRPA Absolute crossassembler, Version 1.3\n"
-    b"Free software under the MIT License.\n"
-)
 
 
 def listed(address, code, number, text):
