@@ -9,6 +9,7 @@ number of lines, labels, constants, expressions, data bytes, comments and condit
 """
 
 import argparse
+import dataclasses
 import pathlib
 import random
 import shutil
@@ -336,14 +337,18 @@ def large_statements(lines, shortage=0.0):
 # ---- Languages ---------------------------------------------------------------------------------
 
 
+@dataclasses.dataclass(frozen=True)
 class Language:
-    """Writes statements; the methods are named after the kinds of statements."""
+    """How statements are written: lines of a form of their own, and fields in columns."""
 
-    column = 0  # index of the language's mnemonic in an instruction's row
-    suffix = ""
-    after_label = ""
-    prefixes = {"hex": "$", "binary": "%"}
-    low = "{}"  # how the low byte of an address is written
+    suffix: str
+    column: int  # index of the language's mnemonic in an instruction's row
+    data_words: dict
+    lines: dict
+    forms: dict  # of operands
+    label: str = "{}"
+    prefixes: dict = dataclasses.field(default_factory=lambda: {"hex": "$", "binary": "%"})
+    low: str = "{}"  # how the low byte of an address is written
 
     def atom(self, value):
         if isinstance(value, str):
@@ -358,202 +363,78 @@ class Language:
         return f"'{chr(number)}'" if kind == "character" else str(number)
 
     def line(self, statement):
-        return getattr(self, "write_" + statement[0])(*statement[1:]).rstrip()
+        kind, *given = statement
+        if kind == "instruction":
+            label, row, operand, remark = given
+            text = self.field(label, row[self.column], self.operand(*operand), remark)
+        elif kind in self.data_words:
+            label, values = given
+            listed = f'"{values}"' if kind == "text" else ",".join(map(self.atom, values))
+            text = self.field(label, self.data_words[kind], listed)
+        elif kind == "label":
+            text = self.label.format(*given)
+        else:
+            text = {**COMMON_LINES, **self.lines}[kind].format(*map(self.atom, given))
+        return text.rstrip()
 
-    def field(self, label, operation, operand="", remark=""):
-        label = label + self.after_label if label else ""
+    def field(self, label, operation, operand, remark=""):
+        label = label and self.label.format(label)
         text = f"{label:<11} {operation:<7} {operand}"
         return f"{text:<35} ; {remark}" if remark else text
 
-    def write_comment(self, text):
-        return f"; {text}"
-
-    def write_blank(self):
-        return ""
-
-    def write_label(self, name):
-        return name + self.after_label
-
-    def write_instruction(self, label, row, operand, remark):
-        return self.field(label, row[self.column], self.operand(*operand), remark)
-
     def operand(self, form, value):
-        if value is None:
-            return ""
-        text = self.atom(value)
-        return self.forms[form].format(text)
+        return "" if value is None else self.forms[form].format(self.atom(value))
 
 
-class Zirpa(Language):
-    column = 0
-    suffix = "szirpa"
-    forms = {"branch": "{}", "immediate": "#{}", "memory": "{}", "x": "{},X", "y": "{},Y",
-             "sp": "{},SP", "a": "A,{}", "step": "{},X", "auto": ",{}+"}
-
-    def write_origin(self):
-        return self.field("", "ORG", "$10")
-
-    def write_constant(self, name, value):
-        return self.field(name, "EQU", self.atom(value))
-
-    def write_bytes(self, label, values):
-        return self.field(label, "FCB", ",".join(map(self.atom, values)))
-
-    def write_text(self, label, text):
-        return self.field(label, "FCS", f'"{text}"')
-
-    def write_define(self, name):
-        return f"#define {name} 1"
-
-    def write_ifdef(self, name):
-        return f"#ifdef {name}"
-
-    def write_ifndef(self, name):
-        return f"#ifndef {name}"
-
-    def write_if(self, expression):
-        return f"##if {expression}"
-
-    def write_else(self):
-        return "#else"
-
-    def write_endif(self):
-        return "#endif"
-
-    def write_end(self, name):
-        return self.field("", "END", name)
-
-
-class Mos(Language):
-    """What the two assemblers for the 6502 have in common."""
-
-    column = 1
-    low = "<{}"
-    forms = {"branch": "{}", "immediate": "#{}", "memory": "{}", "x": "{},x", "y": "{},y",
+COMMON_LINES = {"comment": "; {}", "blank": ""}
+DOTTED_CONDITIONS = {"if": ".if {}", "else": ".else", "endif": ".endif", "end": ".end"}
+# What the two assemblers for the 6502 have in common.
+MOS_LINES = {"constant": "{:<11} = {}", "define": "{} = 1"}
+MOS_FORMS = {"branch": "{}", "immediate": "#{}", "memory": "{}", "x": "{},x", "y": "{},y",
              "sp": "({},x)", "a": "($20),y", "step": "{},x", "auto": "($22),y"}
 
-    def write_constant(self, name, value):
-        return f"{name:<11} = {self.atom(value)}"
-
-    def write_define(self, name):
-        return f"{name} = 1"
-
-
-class Tass64(Mos):
-    suffix = "64tass"
-
-    def write_origin(self):
-        return "            * = $1000"
-
-    def write_bytes(self, label, values):
-        return self.field(label, ".byte", ",".join(map(self.atom, values)))
-
-    def write_text(self, label, text):
-        return self.field(label, ".text", f'"{text}"')
-
-    def write_ifdef(self, name):
-        return f".if {name}"
-
+ZIRPA = Language(
+    "szirpa", 0, {"bytes": "FCB", "text": "FCS"},
+    {"origin": "            ORG     $10", "constant": "{:<11} EQU     {}",
+     "define": "#define {} 1", "ifdef": "#ifdef {}", "ifndef": "#ifndef {}", "if": "##if {}",
+     "else": "#else", "endif": "#endif", "end": "            END     {}"},
+    {"branch": "{}", "immediate": "#{}", "memory": "{}", "x": "{},X", "y": "{},Y",
+     "sp": "{},SP", "a": "A,{}", "step": "{},X", "auto": ",{}+"},
+)  # fmt: skip
+TASS64 = Language(
+    "64tass", 1, {"bytes": ".byte", "text": ".text"},
     # Without a word for "not defined" the branch is taken all the same.
-    def write_ifndef(self, _name):
-        return f".if {DEFINED_WORDS[0]}"
-
-    def write_if(self, expression):
-        return f".if {expression}"
-
-    def write_else(self):
-        return ".else"
-
-    def write_endif(self):
-        return ".endif"
-
-    def write_end(self, _name):
-        return ".end"
-
-
-class Acme(Mos):
-    suffix = "acme"
-
-    def write_origin(self):
-        return "            * = $1000, overlay"
-
-    def write_bytes(self, label, values):
-        return self.field(label, "!byte", ",".join(map(self.atom, values)))
-
-    def write_text(self, label, text):
-        return self.field(label, "!text", f'"{text}"')
-
-    def write_ifdef(self, name):
-        return f"!ifdef {name} {{"
-
-    def write_ifndef(self, name):
-        return f"!ifndef {name} {{"
-
-    def write_if(self, expression):
-        return f"!if {expression} {{"
-
-    def write_else(self):
-        return "} else {"
-
-    def write_endif(self):
-        return "}"
-
-    def write_end(self, _name):
-        return "!eof"
+    {**MOS_LINES, **DOTTED_CONDITIONS, "origin": "            * = $1000", "ifdef": ".if {}",
+     "ifndef": f".if {DEFINED_WORDS[0]}"},
+    MOS_FORMS, low="<{}",
+)  # fmt: skip
+ACME = Language(
+    "acme", 1, {"bytes": "!byte", "text": "!text"},
+    {**MOS_LINES, "origin": "            * = $1000, overlay", "ifdef": "!ifdef {} {{",
+     "ifndef": "!ifndef {} {{", "if": "!if {} {{", "else": "}} else {{", "endif": "}}",
+     "end": "!eof"},
+    MOS_FORMS, low="<{}",
+)  # fmt: skip
+# The GNU assembler can't go back to an address: a block begins at the next page.
+GNU = Language(
+    "s", 2, {"bytes": ".byte", "text": ".ascii"},
+    {**DOTTED_CONDITIONS, "origin": "            .p2align 8", "constant": "            .equ    {},{}",
+     "define": "            .equ    {},1", "ifdef": ".ifdef {}", "ifndef": ".ifndef {}"},
+    {"branch": "{}", "immediate": "#{}", "memory": "{}", "x": "{},x", "y": "{},y",
+     "sp": "{},x", "a": "0,{}", "step": "{},x", "auto": "1,{}"},
+    label="{}:", prefixes={"hex": "0x", "binary": "0b"}, low="%lo({})",
+)  # fmt: skip
 
 
-class Gnu(Language):
-    """The GNU assembler. It can't go back to an address: a block begins at the next page."""
-
-    column = 2
-    suffix = "s"
-    after_label = ":"
-    prefixes = {"hex": "0x", "binary": "0b"}
-    low = "%lo({})"
-    forms = {"branch": "{}", "immediate": "#{}", "memory": "{}", "x": "{},x", "y": "{},y",
-             "sp": "{},x", "a": "0,{}", "step": "{},x", "auto": "1,{}"}
-
-    def write_origin(self):
-        return self.field("", ".p2align", "8")
-
-    def write_constant(self, name, value):
-        return self.field("", ".equ", f"{name},{self.atom(value)}")
-
-    def write_bytes(self, label, values):
-        return self.field(label, ".byte", ",".join(map(self.atom, values)))
-
-    def write_text(self, label, text):
-        return self.field(label, ".ascii", f'"{text}"')
-
-    def write_define(self, name):
-        return self.field("", ".equ", f"{name},1")
-
-    def write_ifdef(self, name):
-        return f".ifdef {name}"
-
-    def write_ifndef(self, name):
-        return f".ifndef {name}"
-
-    def write_if(self, expression):
-        return f".if {expression}"
-
-    def write_else(self):
-        return ".else"
-
-    def write_endif(self):
-        return ".endif"
-
-    def write_end(self, _name):
-        return ".end"
+def write_lines(path, lines):
+    path.write_text("".join(f"{line}\n" for line in lines))
 
 
-def large(path, lines, shortage=0.0, languages=(Zirpa,)):
+def large(path, lines, shortage=0.0, languages=(ZIRPA,)):
     """One file for each language, beside `path`."""
     statements = large_statements(lines, shortage)
     for language in languages:
-        writer = language()
-        text = "\n".join(map(writer.line, statements)) + "\n"
-        path.with_suffix("." + writer.suffix).write_text(text)
+        write_lines(path.with_suffix("." + language.suffix), map(language.line, statements))
 
 
 # ---- The other workloads -----------------------------------------------------------------------
@@ -563,6 +444,14 @@ def typical(path):
     shutil.copyfile(HERE / "typical.szirpa", path)
 
 
+def in_blocks(lines, size, origin):
+    """The lines, each block of which begins at the origin anew."""
+    for number, line in enumerate(lines):
+        if number % size == 0:
+            yield f"        ORG     {origin}"
+        yield line
+
+
 def symbols(path, names, references):
     """Half of the names are constants at the beginning, half are labels; a reference a line."""
     rng = random.Random(SEED + names)
@@ -570,18 +459,21 @@ def symbols(path, names, references):
     constants, labels = known[: names // 2], known[names // 2:]
     lines = [f"{name:<23} EQU     {i % 256}" for i, name in enumerate(constants)]
     spacing = references / len(labels)
-    placed = 0
-    for i in range(references):
-        if i % 100 == 0:
-            lines.append("        ORG     $10")
-        while placed <= i / spacing and placed < len(labels):
-            lines.append(labels[placed])
-            placed += 1
-        name = rng.choice(known)
-        use = rng.choice(("LDA     ", "STA     ", "LDX     #", "FCB     "))
-        lines.append(f"        {use}{name}")
-    lines.append("        END")
-    path.write_text("\n".join(lines) + "\n")
+
+    def labels_and_references():
+        waiting = iter(enumerate(labels))
+        place, label = next(waiting)
+        for i in range(references):
+            above = []
+            while place <= i / spacing:
+                above.append(label)
+                place, label = next(waiting, (references, ""))
+            name = rng.choice(known)
+            use = rng.choice(("LDA     ", "STA     ", "LDX     #", "FCB     "))
+            yield "\n".join([*above, f"        {use}{name}"])
+
+    lines += in_blocks(labels_and_references(), 100, "$10")
+    write_lines(path, [*lines, "        END"])
 
 
 def expression(rng, names):
@@ -604,7 +496,7 @@ def expression(rng, names):
             text += ")"
             open_parentheses -= 1
             continue
-        # The divisor is the whole product behind the sign: it must be a plain number or name.
+        # The divisor is the whole product after the sign: it must be a plain number or name.
         choices = ["+", "-", "&", "|", "^", "<<", ">>", "=="]
         if last not in ("/", "%"):
             choices.append("*")
@@ -631,22 +523,23 @@ def expressions(path, count):
     rng = random.Random(SEED + 2)
     names = [f"{rng.choice(WORDS)}_{i}" for i in range(200)]
     lines = [f"{name:<11} EQU     {rng.randint(1, 63)}" for name in names]
-    constants = 0
-    for i in range(count):
-        if i % 100 == 0:
-            lines.append("        ORG     $10")
-        kind = rng.random()
-        if kind < 0.1 and constants < 20_000:
-            lines.append(f"{'result_' + str(constants):<11} EQU     {expression(rng, names)}")
-            constants += 1
-        elif kind < 0.4:
-            lines.append(f"            FCB     {expression(rng, names)}")
-        elif kind < 0.8:
-            lines.append(f"            LDA     #{expression(rng, names)}")
-        else:
-            lines.append(f"            LDA     {expression(rng, names)},X")
-    lines.append("            END")
-    path.write_text("\n".join(lines) + "\n")
+    numbers = iter(range(20_000))
+
+    def uses():
+        for _ in range(count):
+            kind = rng.random()
+            number = next(numbers, None) if kind < 0.1 else None
+            if number is not None:
+                yield f"{f'result_{number}':<11} EQU     {expression(rng, names)}"
+            elif kind < 0.4:
+                yield f"            FCB     {expression(rng, names)}"
+            elif kind < 0.8:
+                yield f"            LDA     #{expression(rng, names)}"
+            else:
+                yield f"            LDA     {expression(rng, names)},X"
+
+    lines += in_blocks(uses(), 100, "$10")
+    write_lines(path, [*lines, "            END"])
 
 
 def data(path, count):
@@ -662,13 +555,8 @@ def data(path, count):
             return str(number)
         return f"%{number:08b}" if kind < 0.95 else f"'{chr(97 + number % 26)}'"
 
-    lines = []
-    for i in range(count):
-        if i % 16 == 0:
-            lines.append("        ORG     $00")
-        lines.append("        FCB     " + ",".join(value() for _ in range(16)))
-    lines.append("        END")
-    path.write_text("\n".join(lines) + "\n")
+    rows = ("        FCB     " + ",".join(value() for _ in range(16)) for _ in range(count))
+    write_lines(path, [*in_blocks(rows, 16, "$00"), "        END"])
 
 
 # The million lines have room for few names in each hundred, so their growth is measured against a
@@ -678,7 +566,7 @@ FEW_NAMES = 0.86
 WORKLOADS = {
     "typical": typical,
     "large-10k": lambda path: large(path, 10_000),
-    "large-100k": lambda path: large(path, 100_000, languages=(Zirpa, Tass64, Acme, Gnu)),
+    "large-100k": lambda path: large(path, 100_000, languages=(ZIRPA, TASS64, ACME, GNU)),
     "sparse-100k": lambda path: large(path, 100_000, FEW_NAMES),
     "sparse-1M": lambda path: large(path, 1_000_000, FEW_NAMES),
     "symbols-4000": lambda path: symbols(path, 4_000, 20_513),
