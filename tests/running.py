@@ -26,6 +26,14 @@ def run(directory, *command, **options):
     return subprocess.run(command, cwd=directory, check=False, **given)
 
 
+def printed_by(*command, cwd=None, **options):
+    """What a command that must succeed prints, errors included."""
+    given = {"stderr": subprocess.STDOUT, "timeout": 600, "text": True, **options}
+    process = run(cwd, *command, **given)
+    assert process.returncode == 0, f"{command}\n{process.stdout}"
+    return process.stdout
+
+
 def files_below(directory):
     """All files below a directory: relative name to content."""
     return {

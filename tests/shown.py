@@ -19,10 +19,11 @@ import os
 import re
 import subprocess
 
+import running
+
 SHOWN_DIRECTORY = "/home/me/zirpa"
 ASSEMBLY_LANGUAGES = ("szirpa", "asm")
 SOURCE_LANGUAGES = (*ASSEMBLY_LANGUAGES, "c", "cmake")
-TIME_LIMIT_SECONDS = 60
 
 # Commands that cannot be carried out within a test, and why. No output may be shown for them.
 NOT_RUN = {
@@ -115,16 +116,9 @@ class Reader:
 
     def run(self, command):
         """Runs a command; `$?` in it is the status of the one before. Returns what it prints."""
-        process = subprocess.run(
-            ["/bin/sh", "-c", f"(exit {self.status})\n{command}"],
-            cwd=self.directory,
-            env=self.environment,
-            stdin=subprocess.DEVNULL,
-            stdout=subprocess.PIPE,
-            stderr=subprocess.STDOUT,
-            timeout=TIME_LIMIT_SECONDS,
-            check=False,
-        )
+        command = ["/bin/sh", "-c", f"(exit {self.status})\n{command}"]
+        options = {"env": self.environment, "stderr": subprocess.STDOUT}
+        process = running.run(self.directory, *command, **options)
         self.status = process.returncode
         return process.stdout.decode("latin-1").replace(str(self.directory), SHOWN_DIRECTORY)
 

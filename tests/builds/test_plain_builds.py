@@ -3,9 +3,9 @@
 import os
 import pathlib
 import shutil
-import subprocess
 
 import pytest
+from running import printed_by
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 COMPILERS = {
@@ -20,24 +20,16 @@ SOURCE = " ORG $10\n FCB 1,2,3\n"
 RECORDS = "S1060010010203E3\nS9030010EC\n"
 
 
-def call(command, **options):
-    process = subprocess.run(
-        command, text=True, stdout=subprocess.PIPE, stderr=subprocess.STDOUT, timeout=600,
-        check=False, **options,
-    )
-    assert process.returncode == 0, process.stdout
-    return process.stdout
-
-
 @pytest.mark.parametrize("options", SANITIZERS.values(), ids=SANITIZERS.keys())
 @pytest.mark.parametrize("compiler, flags", COMPILERS.values(), ids=COMPILERS.keys())
 def test_plain_build(compiler, flags, options, tmp_path):
     assert shutil.which(compiler), f"{compiler} is missing"
     environment = {**os.environ, "CXX": compiler, "CXXFLAGS": flags}
     build = tmp_path / "build"
-    call(["cmake", "-S", ROOT, "-B", build, *options], env=environment)
-    output = call(["cmake", "--build", build, "--parallel", str(os.cpu_count())], env=environment)
+    printed_by("cmake", "-S", ROOT, "-B", build, *options, env=environment)
+    build_command = ["cmake", "--build", build, "--parallel", str(os.cpu_count())]
+    output = printed_by(*build_command, env=environment)
     assert "warning:" not in output
     (tmp_path / "short.szirpa").write_text(SOURCE)
-    call([build / "HXzirpa", "short.szirpa"], cwd=tmp_path)
+    printed_by(build / "HXzirpa", "short.szirpa", cwd=tmp_path)
     assert (tmp_path / "short.s19").read_text() == RECORDS

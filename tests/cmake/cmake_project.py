@@ -6,10 +6,11 @@ import shutil
 import subprocess
 import time
 
+import running
+
 TOP = pathlib.Path(__file__).resolve().parents[2]
 MODULE = TOP / "cmake" / "HXzirpaProgram.cmake"
 SAMPLES = TOP / "examples" / "cmake"
-TIME_LIMIT_SECONDS = 60
 # Times of files are no finer than this.
 CLOCK_TICK_SECONDS = 0.02
 
@@ -40,17 +41,9 @@ class CMakeProject:
         self.source.mkdir()
 
     def run(self, *command):
-        return subprocess.run(
-            [str(word) for word in command],
-            cwd=self.source.parent,
-            env=self.environment,
-            stdin=subprocess.DEVNULL,
-            stdout=subprocess.PIPE,
-            stderr=subprocess.STDOUT,
-            timeout=TIME_LIMIT_SECONDS,
-            check=False,
-            encoding="utf-8",
-        )
+        words = [str(word) for word in command]
+        options = {"env": self.environment, "stderr": subprocess.STDOUT, "encoding": "utf-8"}
+        return running.run(self.source.parent, *words, **options)
 
     # ---- Contents ----
 

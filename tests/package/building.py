@@ -2,7 +2,8 @@
 
 import pathlib
 import shutil
-import subprocess
+
+import running
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 
@@ -20,18 +21,7 @@ def build_directory(request):
 
 def run(*command, **options):
     """Runs a command that must succeed; returns what it has printed."""
-    process = subprocess.run(
-        command,
-        text=True,
-        stdout=subprocess.PIPE,
-        stderr=subprocess.STDOUT,
-        stdin=subprocess.DEVNULL,
-        umask=0o022,
-        timeout=300,
-        **options,
-    )
-    assert process.returncode == 0, f"{command}\n{process.stdout}"
-    return process.stdout
+    return running.printed_by(*command, umask=0o022, **options)
 
 
 def below(directory, *patterns):
