@@ -418,8 +418,9 @@ ACME = Language(
 # The GNU assembler can't go back to an address: a block begins at the next page.
 GNU = Language(
     "s", 2, {"bytes": ".byte", "text": ".ascii"},
-    {**DOTTED_CONDITIONS, "origin": "            .p2align 8", "constant": "            .equ    {},{}",
-     "define": "            .equ    {},1", "ifdef": ".ifdef {}", "ifndef": ".ifndef {}"},
+    {**DOTTED_CONDITIONS, "origin": "            .p2align 8",
+     "constant": "            .equ    {},{}", "define": "            .equ    {},1",
+     "ifdef": ".ifdef {}", "ifndef": ".ifndef {}"},
     {"branch": "{}", "immediate": "#{}", "memory": "{}", "x": "{},x", "y": "{},y",
      "sp": "{},x", "a": "0,{}", "step": "{},x", "auto": "1,{}"},
     label="{}:", prefixes={"hex": "0x", "binary": "0b"}, low="%lo({})",
