@@ -62,6 +62,11 @@ class CMakeProject:
         """Writes the CMakeLists.txt: the module is included ahead of the text."""
         return self.write("CMakeLists.txt", PREAMBLE.format(languages=languages) + text)
 
+    def describe_program(self, source, options=""):
+        """Makes this a project of one program, p, and writes its source."""
+        self.describe(f"add_hxzirpa_program(p SOURCE p.szirpa {options})\n")
+        return self.write("p.szirpa", source)
+
     def copy_sample(self, name):
         """Makes this the sample project; the package that it finds is the module alone."""
         shutil.copytree(SAMPLES / name, self.source, dirs_exist_ok=True)
@@ -80,6 +85,11 @@ class CMakeProject:
 
     def build(self, *arguments):
         return self.run("cmake", "--build", self.binary, *arguments)
+
+    def build_in_vain(self):
+        process = self.build()
+        assert process.returncode != 0
+        return process
 
     def make(self, *arguments):
         """Configures and builds; both must succeed."""

@@ -78,8 +78,7 @@ def test_program_on_the_path(project, tmp_path):
     (tmp_path / "bin").mkdir()
     (tmp_path / "bin" / "HXzirpa").symlink_to(project.program)
     project.environment["PATH"] = f"{tmp_path / 'bin'}{os.pathsep}{os.environ['PATH']}"
-    project.write("p.szirpa", PROGRAM)
-    project.describe("add_hxzirpa_program(p SOURCE p.szirpa)\n")
+    project.describe_program(PROGRAM)
     project.make("-UHXZIRPA_EXECUTABLE")
     assert f"HXZIRPA_EXECUTABLE:FILEPATH={tmp_path / 'bin' / 'HXzirpa'}\n" in (
         project.binary / "CMakeCache.txt"
@@ -114,7 +113,6 @@ def test_objcopy_that_reads_no_s_records_is_passed_over(project, tmp_path):
     other = tmp_path / "other-objcopy"
     other.write_text("#!/bin/sh\necho 'unknown argument' >&2\nexit 1\n")
     other.chmod(0o755)
-    project.write("p.szirpa", PROGRAM)
-    project.describe("add_hxzirpa_program(p SOURCE p.szirpa BIN)\n")
+    project.describe_program(PROGRAM, "BIN")
     project.make(f"-DCMAKE_OBJCOPY={other}")
     assert project.output("p", "p.bin") == b"\x00"

@@ -67,8 +67,7 @@ def shown_properties(project, target):
 
 
 def test_every_output(project):
-    project.write("p.szirpa", VARIED)
-    project.describe("add_hxzirpa_program(p SOURCE p.szirpa CARRAY BIN HEX)\n")
+    project.describe_program(VARIED, "CARRAY BIN HEX")
     project.make()
     assert project.outputs("p") == {"p" + suffix for suffix in EVERY_SUFFIX}
     assert project.output("p", "p.s19") == s_records(0x20, SHORT)
@@ -122,8 +121,7 @@ def test_variables_of_the_project_are_not_mixed_in(project):
 
 
 def test_symbols_and_debug_records(project):
-    project.write("p.szirpa", "      ORG   1\nhere  NOP\n")
-    project.describe("add_hxzirpa_program(p SOURCE p.szirpa LISTING SYMBOLS DEBUG)\n")
+    project.describe_program("      ORG   1\nhere  NOP\n", "LISTING SYMBOLS DEBUG")
     project.make()
     assert project.output("p", "p.lst").endswith(
         b"\n--\tSYMBOL TABLE:\n--\tVALUE\tSYMBOL \n\t0001\there\n"
@@ -255,8 +253,7 @@ def test_other_defines_assemble_again(project):
 
 def test_another_assembler_assembles_again(project, tmp_path):
     own = write_executable(tmp_path / "own", f'exec {project.program} "$@"\n')
-    project.write("p.szirpa", VARIED)
-    project.describe("add_hxzirpa_program(p SOURCE p.szirpa)\n")
+    project.describe_program(VARIED)
     project.program = own
     project.make()
     assert NOTHING_TO_DO in project.build().stdout
@@ -267,8 +264,7 @@ def test_another_assembler_assembles_again(project, tmp_path):
 
 @pytest.mark.parametrize("suffix", EVERY_SUFFIX)
 def test_lost_output_is_made_again(project, suffix):
-    project.write("p.szirpa", VARIED)
-    project.describe("add_hxzirpa_program(p SOURCE p.szirpa CARRAY BIN HEX)\n")
+    project.describe_program(VARIED, "CARRAY BIN HEX")
     project.make()
     before = project.output("p", "p" + suffix)
     (project.directory_of("p") / ("p" + suffix)).unlink()
@@ -280,8 +276,7 @@ def test_lost_output_is_made_again(project, suffix):
 
 
 def test_warnings_are_shown_and_do_no_harm(project):
-    source = project.write("p.szirpa", "#define N 1\n#define N 1\n      ORG   1\n      FCB   N\n")
-    project.describe("add_hxzirpa_program(p SOURCE p.szirpa)\n")
+    source = project.describe_program("#define N 1\n#define N 1\n      ORG   1\n      FCB   N\n")
     process = project.make()
     assert process.stdout == (
         "[1/1] Assembling p\n"
@@ -293,13 +288,11 @@ def test_warnings_are_shown_and_do_no_harm(project):
 
 
 def test_errors_fail_the_build_and_leave_the_listing_alone(project):
-    source = project.write("p.szirpa", VARIED)
-    project.describe("add_hxzirpa_program(p SOURCE p.szirpa CARRAY BIN HEX)\n")
+    source = project.describe_program(VARIED, "CARRAY BIN HEX")
     project.make()
     project.change("p.szirpa", FAULTY)
     for _ in range(2):
-        process = project.build()
-        assert process.returncode != 0
+        process = project.build_in_vain()
         assert (
             f"\n{source} (2) Error: Illegal mnemonic\n"
             f"{source} (4) Error: Value (0x12C) is truncated\n"
@@ -327,12 +320,10 @@ def test_errors_of_one_target_leave_the_others_alone(project):
 
 
 def test_status_0_after_256_errors_fails_the_build(project):
-    project.write("p.szirpa", VARIED)
-    project.describe("add_hxzirpa_program(p SOURCE p.szirpa BIN)\n")
+    project.describe_program(VARIED, "BIN")
     project.make()
     project.change("p.szirpa", "      FOO\n" * 256)
-    process = project.build()
-    assert process.returncode != 0
+    process = project.build_in_vain()
     assert "\n-- 256 error(s).\n" in process.stdout
     assert "HXzirpa ended with status 0 and left no p.s19." in process.stdout
     assert project.outputs("p") == set()
@@ -341,53 +332,43 @@ def test_status_0_after_256_errors_fails_the_build(project):
 def test_old_outputs_do_not_hide_that_nothing_was_written(project, tmp_path):
     """A program that ends well without a file, where an earlier run has left all of them."""
     idle = write_executable(tmp_path / "idle", "exit 0\n")
-    project.write("p.szirpa", VARIED)
-    project.describe("add_hxzirpa_program(p SOURCE p.szirpa LISTING)\n")
+    project.describe_program(VARIED, "LISTING")
     project.make()
     project.configure(program=idle)
-    process = project.build()
-    assert process.returncode != 0
+    process = project.build_in_vain()
     assert "HXzirpa ended with status 0 and left no p.s19, p.fmem, p.lst." in process.stdout
     assert project.outputs("p") == set()
 
 
 def test_listing_that_is_not_written_fails_the_build(project):
-    project.write("p.szirpa", VARIED)
-    project.describe("add_hxzirpa_program(p SOURCE p.szirpa LISTING)\n")
+    project.describe_program(VARIED, "LISTING")
     project.configure()
     # The program takes no notice when something is in the way of its listing.
     (project.directory_of("p") / "p.lst").mkdir()
-    process = project.build()
-    assert process.returncode != 0
+    process = project.build_in_vain()
     assert "HXzirpa ended with status 0 and left no p.lst." in process.stdout
 
 
 def test_status_fails_the_build_whatever_was_written(project, tmp_path):
     failing = write_executable(tmp_path / "failing", f'{project.program} "$@"\nexit 3\n')
-    project.write("p.szirpa", VARIED)
-    project.describe("add_hxzirpa_program(p SOURCE p.szirpa)\n")
+    project.describe_program(VARIED)
     project.configure(program=failing)
-    process = project.build()
-    assert process.returncode != 0
+    process = project.build_in_vain()
     assert "HXzirpa ended with status 3." in process.stdout
     assert project.outputs("p") == set()
 
 
 def test_program_that_is_killed_fails_the_build(project, tmp_path):
     killed = write_executable(tmp_path / "killed", "kill -KILL $$\n")
-    project.write("p.szirpa", VARIED)
-    project.describe("add_hxzirpa_program(p SOURCE p.szirpa)\n")
+    project.describe_program(VARIED)
     project.configure(program=killed)
-    process = project.build()
-    assert process.returncode != 0
+    process = project.build_in_vain()
     assert "and left no p.s19, p.fmem." in process.stdout
 
 
 def test_program_without_bytes_has_nothing_to_convert(project):
-    project.write("p.szirpa", "; nothing\n")
-    project.describe("add_hxzirpa_program(p SOURCE p.szirpa BIN)\n")
+    project.describe_program("; nothing\n", "BIN")
     project.configure()
-    process = project.build()
-    assert process.returncode != 0
+    process = project.build_in_vain()
     assert "has no sections" in process.stdout
     assert project.output("p", "p.s19") == s_record(9, 0).encode()
