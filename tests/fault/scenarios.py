@@ -49,15 +49,13 @@ def source_of(arguments):
 
 def golden(identifier, old=False):
     case = GoldenCase(*identifier.split("/"))
-    given = case.directory / (case.stem + ".in")
-    directories = [path.relative_to(given) for path in given.rglob("*") if path.is_dir()]
     arguments = case.arguments()
     return Scenario(
         identifier + ("+old" if old else ""),
         case.inputs(),
         arguments,
         source_of(arguments),
-        directories=directories,
+        directories=case.input_directories(),
         with_old_outputs=old,
         case=case,
     )
