@@ -51,7 +51,7 @@ constexpr SystemCalls real_calls = {
     .getcwd = __real_getcwd,
 };
 
-SystemCalls calls = real_calls;
+constinit SystemCalls calls = real_calls;
 
 extern "C" {
 
@@ -62,43 +62,29 @@ int __wrap_open(const char *path, int flags, ...) {
     va_end(arguments);
     return calls.open(path, flags, permissions);
 }
-
 ssize_t __wrap_read(int descriptor, void *buffer, size_t size) {
     return calls.read(descriptor, buffer, size);
 }
-
 ssize_t __wrap_write(int descriptor, const void *buffer, size_t size) {
     return calls.write(descriptor, buffer, size);
 }
-
 int __wrap_close(int descriptor) { return calls.close(descriptor); }
-
 int __wrap_fstat(int descriptor, struct stat *status) { return calls.fstat(descriptor, status); }
-
 int __wrap_stat(const char *path, struct stat *status) { return calls.stat(path, status); }
-
 int __wrap_lstat(const char *path, struct stat *status) { return calls.lstat(path, status); }
-
 int __wrap_unlink(const char *path) { return calls.unlink(path); }
-
 int __wrap_truncate(const char *path, off_t size) { return calls.truncate(path, size); }
-
 int __wrap_ftruncate(int descriptor, off_t size) { return calls.ftruncate(descriptor, size); }
-
 int __wrap_fchown(int descriptor, uid_t owner, gid_t group) {
     return calls.fchown(descriptor, owner, group);
 }
-
 int __wrap_fchmod(int descriptor, mode_t permissions) {
     return calls.fchmod(descriptor, permissions);
 }
-
 int __wrap_rename(const char *from, const char *to) { return calls.rename(from, to); }
-
 ssize_t __wrap_readlink(const char *path, char *buffer, size_t size) {
     return calls.readlink(path, buffer, size);
 }
-
 char *__wrap_getcwd(char *buffer, size_t size) { return calls.getcwd(buffer, size); }
 
 } // extern "C"

@@ -253,34 +253,15 @@ int faulty_close(int descriptor) {
     return fault ? -1 : result;
 }
 
-int faulty_fstat(int descriptor, struct stat *status) {
-    return fails(kFstat, path_of(descriptor)) ? -1 : real_calls.fstat(descriptor, status);
+// A call whose first argument is a descriptor, which the report names by its path.
+template <const Kind &kind, auto call, typename Result, typename... Rest>
+Result on_descriptor(int descriptor, Rest... rest) {
+    return fails(kind, path_of(descriptor)) ? -1 : (real_calls.*call)(descriptor, rest...);
 }
 
-int faulty_stat(const char *path, struct stat *status) {
-    return fails(kStat, path) ? -1 : real_calls.stat(path, status);
-}
-
-int faulty_lstat(const char *path, struct stat *status) {
-    return fails(kLstat, path) ? -1 : real_calls.lstat(path, status);
-}
-
-int faulty_unlink(const char *path) { return fails(kUnlink, path) ? -1 : real_calls.unlink(path); }
-
-int faulty_truncate(const char *path, off_t size) {
-    return fails(kTruncate, path) ? -1 : real_calls.truncate(path, size);
-}
-
-int faulty_ftruncate(int descriptor, off_t size) {
-    return fails(kFtruncate, path_of(descriptor)) ? -1 : real_calls.ftruncate(descriptor, size);
-}
-
-int faulty_fchown(int descriptor, uid_t owner, gid_t group) {
-    return fails(kFchown, path_of(descriptor)) ? -1 : real_calls.fchown(descriptor, owner, group);
-}
-
-int faulty_fchmod(int descriptor, mode_t permissions) {
-    return fails(kFchmod, path_of(descriptor)) ? -1 : real_calls.fchmod(descriptor, permissions);
+template <const Kind &kind, auto call, typename Result, typename... Rest>
+Result on_path(const char *path, Rest... rest) {
+    return fails(kind, path) ? -1 : (real_calls.*call)(path, rest...);
 }
 
 // The report names both files.
@@ -292,10 +273,6 @@ int faulty_rename(const char *from, const char *to) {
     return fails(kRename, names.data()) ? -1 : real_calls.rename(from, to);
 }
 
-ssize_t faulty_readlink(const char *path, char *buffer, size_t size) {
-    return fails(kReadlink, path) ? -1 : real_calls.readlink(path, buffer, size);
-}
-
 char *faulty_getcwd(char *buffer, size_t size) {
     return fails(kGetcwd, "") ? nullptr : real_calls.getcwd(buffer, size);
 }
@@ -305,16 +282,16 @@ constexpr SystemCalls kFaultyCalls = {
     .read = faulty_read,
     .write = faulty_write,
     .close = faulty_close,
-    .fstat = faulty_fstat,
-    .stat = faulty_stat,
-    .lstat = faulty_lstat,
-    .unlink = faulty_unlink,
-    .truncate = faulty_truncate,
-    .ftruncate = faulty_ftruncate,
-    .fchown = faulty_fchown,
-    .fchmod = faulty_fchmod,
+    .fstat = on_descriptor<kFstat, &SystemCalls::fstat>,
+    .stat = on_path<kStat, &SystemCalls::stat>,
+    .lstat = on_path<kLstat, &SystemCalls::lstat>,
+    .unlink = on_path<kUnlink, &SystemCalls::unlink>,
+    .truncate = on_path<kTruncate, &SystemCalls::truncate>,
+    .ftruncate = on_descriptor<kFtruncate, &SystemCalls::ftruncate>,
+    .fchown = on_descriptor<kFchown, &SystemCalls::fchown>,
+    .fchmod = on_descriptor<kFchmod, &SystemCalls::fchmod>,
     .rename = faulty_rename,
-    .readlink = faulty_readlink,
+    .readlink = on_path<kReadlink, &SystemCalls::readlink>,
     .getcwd = faulty_getcwd,
 };
 
