@@ -6,19 +6,21 @@
 
 A mutant is the program with one operator, constant, condition or statement changed. Mutants are
 spread over the modules in proportion to their lines and chosen by the seed alone. Each is built
-without optimisation and meets the tests, the fastest first: golden cases, the other tests of whole
-runs, the unit tests. The first test that fails, crashes or hangs kills it. A mutant that does not
-compile does not count, nor does one whose optimised code is that of the program itself; others
-take their places. --again tests the mutants listed in a survivors file anew.
+without optimisation and meets the tests of whole runs that have the label "mutants" in ctest, those
+first that noticed the last mutants of the same module, and then the unit tests. The first test that
+fails, crashes or hangs kills it. A mutant that does not compile does not count, nor does one whose
+optimised code is that of the program itself; others take their places. --again tests the mutants
+listed in a survivors file anew.
 
-A loop that hangs ends at a time limit, and what a mutant writes is bounded.
+Sources, compiler commands and tests are those of the CMake build, so that nothing is listed here. A
+loop that hangs ends at a time limit, and what a mutant writes is bounded.
 """
 
 import argparse
 import ast
 import collections
 import contextlib
-import functools
+import json
 import multiprocessing
 import os
 import pathlib
@@ -32,75 +34,37 @@ import sys
 import tempfile
 
 ROOT = pathlib.Path(__file__).resolve().parents[1]
-sys.path.insert(0, str(ROOT / "tests" / "golden"))
-
-# The imports need the path.
-import golden_case  # noqa: E402  pylint: disable=wrong-import-position
-from test_golden import expected_tree  # noqa: E402  pylint: disable=wrong-import-position
-
-SOURCE_DIRECTORIES = ("as", "expr", "symtab", "target", "util")
 MEMORY = "/dev/shm"
-COMPILER = ["g++", "-std=c++20", "-w", "-I."]
 PYTHON = "/usr/bin/python3"  # Debian's, which has pytest
 
 # Limits on the tests of one mutant, so that a loop without end does no harm.
-GOLDEN_SECONDS = 5
-PYTEST_SECONDS = 30
-UNIT_SECONDS = 30
-COMPILE_SECONDS = 120
+TEST_SECONDS = 120
+PROCESSOR_SECONDS = 20
+BUILD_SECONDS = 600
 FILE_BYTES = 8 << 20
 MEMORY_BYTES = 1 << 30
 
-# The golden topics most likely to notice a fault in a module.
-TOPICS = {
-    "asCommand": ["command_line"],
-    "asCond": ["conditionals"],
-    "asData": ["data"],
-    "asDebug": ["debug"],
-    "asDiag": ["diagnostics"],
-    "asEqu": ["directives", "symbols"],
-    "asFiles": ["command_line", "records"],
-    "asLine": ["line", "directives"],
-    "asList": ["directives", "listing"],
-    "asListing": ["listing"],
-    "asMain": ["command_line", "diagnostics"],
-    "asOptions": ["command_line"],
-    "asOutput": ["records", "listing"],
-    "asPseudo": ["directives", "conditionals"],
-    "asSource": ["source"],
-    "emit": ["records", "data"],
-    "encode": ["instructions", "operands"],
-    "expr": ["expressions"],
-    "format": ["listing", "debug"],
-    "input": ["source"],
-    "number": ["numbers", "debug"],
-    "operand": ["operands", "instructions"],
-    "optab": ["instructions"],
-    "output": ["records", "listing"],
-    "path": ["command_line", "source"],
-    "reloc": ["data", "operands"],
-    "scan": ["numbers", "expressions"],
-    "symtab": ["symbols"],
-    "text": ["line", "source"],
-    "wrap": ["expressions"],
-}
-
-# Lines of which only the speed depends on the exact value, by module.
-PERFORMANCE_ONLY = {
-    "input": r"kFirstCapacity",
-    "output": r"kOutputBufferSize = ",
-    "symtab": r"kFirstIndexSize = |kNamePieceSize = |kMultiplier|hash \^|hash = |piece = piece|"
-    r"indexed_symbols \* 2|old\(symbol_index\.size\(\) \* 2|kPiece",
-    "asOutput": r"\.reserve\(",
-}
-
-# First values of state, which every run sets anew before it reads them, and a column that nothing
-# reads.
-NEVER_READ = re.compile(r"^(?:std::)?(?:u?int\w*|size_t|unsigned) \w+ = -?\d+;|DIR_\w+, +0\},$")
+# Lines in which a change has no effect that a test could see.
+UNTESTABLE = [
+    # Only the speed depends on the exact value.
+    r"kFirstCapacity",
+    r"kOutputBufferSize = ",
+    r"kFirstIndexSize = |kNamePieceSize = |kMultiplier|hash \^|hash = |piece = piece|kPiece",
+    r"indexed_symbols \* 2|old\(symbol_index\.size\(\) \* 2",
+    r"\.reserve\(",
+    # First values of state, which every run sets anew before it reads them.
+    r"^(?:std::)?(?:u?int\w*|size_t|unsigned) \w+ = -?\d+;",
+    # A column that nothing reads.
+    r"DIR_\w+, +0\},$",
+]
 
 Mutant = collections.namedtuple("Mutant", "file line column before after")
 Verdict = collections.namedtuple("Verdict", "kind detail")  # kind: one of the following
 UNCOMPILED, EQUIVALENT, KILLED, SURVIVED = "uncompiled", "equivalent", "killed", "survived"
+
+
+class Broken(Exception):
+    """The run makes no sense; the text says why."""
 
 
 # ---- What can be changed -------------------------------------------------------------------------
@@ -136,7 +100,7 @@ def blanked(text):
 
 
 def balanced_end(code, start):
-    """The position behind the parenthesis that closes the one at start."""
+    """The position after the parenthesis that closes the one at start."""
     depth = 0
     for position in range(start, len(code)):
         depth += {"(": 1, ")": -1}.get(code[position], 0)
@@ -184,10 +148,8 @@ def statement_changes(code, _):
             yield match.start(1), match[1], ";"
 
 
-def cannot_matter(module, line):
-    pattern = PERFORMANCE_ONLY.get(module)
-    is_performance_only = pattern is not None and re.search(pattern, line) is not None
-    return is_performance_only or NEVER_READ.search(line) is not None
+def cannot_matter(line):
+    return any(re.search(pattern, line) for pattern in UNTESTABLE)
 
 
 def mutants_of_file(path, random_numbers):
@@ -197,7 +159,7 @@ def mutants_of_file(path, random_numbers):
     for changes in (operator_changes, constant_changes, condition_changes, statement_changes):
         for position, before, after in changes(code, random_numbers):
             line = text.count("\n", 0, position) + 1
-            if cannot_matter(pathlib.Path(path).stem, lines[line - 1]):
+            if cannot_matter(lines[line - 1]):
                 continue
             # What was blanked inside stays as it is.
             whole = text[position : position + len(before)]
@@ -209,30 +171,35 @@ def mutants_of_file(path, random_numbers):
 # ---- Which mutants are tested --------------------------------------------------------------------
 
 
-def source_files():
-    return sorted(
-        path.relative_to(ROOT).as_posix()
-        for directory in SOURCE_DIRECTORIES
-        for path in (ROOT / directory).glob("*")
-        if path.suffix in (".cpp", ".h")
-    )
+def objects_of(build):
+    """The objects of the program's own sources, by source."""
+    rows = json.loads((build / "compile_commands.json").read_text())
+    objects = [(row["file"], re.search(r" -o (\S+)", row["command"])[1]) for row in rows]
+    return {source: name for source, name in objects if "/zirpa.dir/" in name}
 
 
-def shuffled_mutants(seed):
+def source_files(build, tree):
+    """The program's sources, and the headers beside them, relative to the tree."""
+    sources = [pathlib.Path(source) for source in objects_of(build)]
+    headers = {path for source in sources for path in source.parent.glob("*.h")}
+    return sorted(path.relative_to(tree).as_posix() for path in {*sources, *headers})
+
+
+def shuffled_mutants(files, seed):
     """All mutants by module, each list in the order in which it is drawn from."""
     random_numbers = random.Random(seed)
     modules = collections.defaultdict(list)
-    for path in source_files():
+    for path in files:
         modules[pathlib.Path(path).stem] += mutants_of_file(path, random_numbers)
     for mutants in modules.values():
         random_numbers.shuffle(mutants)
     return modules
 
 
-def module_lines():
+def module_lines(files):
     """Lines of code by module."""
     lines = collections.Counter()
-    for path in source_files():
+    for path in files:
         code = blanked((ROOT / path).read_text())
         lines[pathlib.Path(path).stem] += sum(1 for line in code.splitlines() if line.strip())
     return lines
@@ -241,9 +208,9 @@ def module_lines():
 class Lottery:
     """Draws mutants so that the modules keep their shares."""
 
-    def __init__(self, seed):
-        self.waiting = shuffled_mutants(seed)
-        self.lines = module_lines()
+    def __init__(self, files, seed):
+        self.waiting = shuffled_mutants(files, seed)
+        self.lines = module_lines(files)
         self.drawn = collections.Counter()
 
     def neediest_module(self):
@@ -279,14 +246,14 @@ def protect_devices():
 # ---- Building ------------------------------------------------------------------------------------
 
 
-def run(command, directory, seconds, **options):
-    """Runs a command quietly; None if it takes too long, and then all that it started ends too."""
+def run(command, directory, seconds, output=subprocess.DEVNULL, **options):
+    """Runs a command; its status, or None if it takes too long: all that it started ends then."""
     with subprocess.Popen(
         command,
         cwd=directory,
         stdin=subprocess.DEVNULL,
-        stdout=subprocess.DEVNULL,
-        stderr=subprocess.DEVNULL,
+        stdout=output,
+        stderr=subprocess.STDOUT,
         start_new_session=True,
         **options,
     ) as process:
@@ -297,67 +264,56 @@ def run(command, directory, seconds, **options):
             return None
 
 
-def object_name(source):
-    return source.replace("/", "_")[: -len(".cpp")] + ".o"
-
-
-def compile_one(tree, source, directory, optimisation="-O0"):
-    """Compiles a source of the tree into a directory; the object's path, or None."""
-    target = directory / object_name(source)
-    command = [*COMPILER, optimisation, "-MMD", "-c", source, "-o", str(target)]
-    return target if run(command, tree, COMPILE_SECONDS) == 0 else None
-
-
-def link(objects, target, *libraries):
-    command = ["g++", *map(str, objects), "-o", str(target), *libraries]
-    return run(command, target.parent, COMPILE_SECONDS) == 0
-
-
-def included_files(object_path):
-    """The project's files that an object was compiled from."""
-    names = object_path.with_suffix(".d").read_text().replace("\\\n", " ").split()[1:]
-    return {os.path.normpath(name) for name in names if not name.startswith("/")}
-
-
 class Build:
-    """A copy of the sources with all objects, and the tests' objects."""
+    """A copy of the sources, built in two ways, and a copy of all that to go back to."""
 
     def __init__(self, directory):
-        self.tree = directory / "tree"
-        self.objects = directory / "objects"
-        self.optimised = directory / "optimised"
+        self.work = directory / "work"
+        self.pristine = directory / "pristine"
+        self.tree = self.work / "tree"
+        self.plain = self.work / "plain"
+        self.optimised = self.work / "optimised"
 
-    def sources(self):
-        return [name for name in source_files() if name.endswith(".cpp")]
+    def configure(self):
+        names = subprocess.run(
+            ["git", "ls-files", "-co", "--exclude-standard", "-z"],
+            cwd=ROOT, stdout=subprocess.PIPE, text=True, check=True,
+        ).stdout  # fmt: skip
+        for name in filter(None, names.split("\0")):
+            if (ROOT / name).is_file():
+                (self.tree / name).parent.mkdir(parents=True, exist_ok=True)
+                shutil.copy2(ROOT / name, self.tree / name)
+        flags = {self.plain: ["-O0", "-DHXZIRPA_TESTS=ON"], self.optimised: ["-O2"]}
+        for directory, (level, *options) in flags.items():
+            options += ["-DCMAKE_BUILD_TYPE=None", f"-DCMAKE_CXX_FLAGS=-w {level}"]
+            command = ["cmake", "-G", "Ninja", "-S", str(self.tree), "-B", str(directory), *options]
+            if run(command, self.work, BUILD_SECONDS) != 0:
+                raise Broken("the program can't be configured")
 
-    def tests(self):
-        names = sorted((self.tree / "tests" / "unit").glob("*.cpp"))
-        return [f"tests/unit/{path.name}" for path in names]
+    def make(self, directory, target):
+        command = ["cmake", "--build", str(directory), "--target", target, "--parallel", "1"]
+        return run(command, self.work, BUILD_SECONDS) == 0
 
-    def copy_sources(self):
-        for name in (*SOURCE_DIRECTORIES, "tests/unit"):
-            shutil.copytree(ROOT / name, self.tree / name)
+    def make_everything(self):
+        parts = [(self.plain, "HXzirpa"), (self.plain, "unit_tests"), (self.optimised, "zirpa")]
+        if not all(self.make(*part) for part in parts):
+            raise Broken("the program does not compile")
+        shutil.copytree(self.work, self.pristine)
 
-    def compile_everything(self, pool):
-        """Compiles both ways; the tests, for which speed does not matter, once."""
-        self.objects.mkdir()
-        self.optimised.mkdir()
-        jobs = [(self.tree, name, self.objects) for name in self.sources() + self.tests()]
-        jobs += [(self.tree, name, self.optimised, "-O2") for name in self.sources()]
-        if not all(pool.starmap(compile_one, jobs, chunksize=1)):
-            raise SystemExit("mutate.py: the program does not compile")
+    def restore(self):
+        """Puts back what differs from the copy, times included: else it would be built again."""
+        for path in filter(pathlib.Path.is_file, self.pristine.rglob("*")):
+            target = self.work / path.relative_to(self.pristine)
+            if not target.exists() or target.stat().st_mtime_ns != path.stat().st_mtime_ns:
+                shutil.copy2(path, target)
 
-    def copy_for_worker(self, directory):
-        """A copy whose sources may be mutated; the objects are shared."""
-        worker = Build(directory)
-        shutil.copytree(self.tree, worker.tree)
-        worker.objects = self.objects
-        worker.optimised = self.optimised
-        return worker
-
-    def users_of(self, file, names):
-        """Those of the sources that a file is compiled into."""
-        return [name for name in names if file in included_files(self.objects / object_name(name))]
+    def is_equivalent(self):
+        """True if the optimiser makes the same code of the mutant."""
+        objects = [self.optimised / name for name in objects_of(self.optimised).values()]
+        return self.make(self.optimised, "zirpa") and all(
+            path.read_bytes() == (self.pristine / path.relative_to(self.work)).read_bytes()
+            for path in objects
+        )
 
 
 # ---- Tests ---------------------------------------------------------------------------------------
@@ -365,8 +321,12 @@ class Build:
 
 @contextlib.contextmanager
 def bounded():
-    """Programs started inside write small files only and have little memory."""
-    limits = {resource.RLIMIT_FSIZE: FILE_BYTES, resource.RLIMIT_AS: MEMORY_BYTES}
+    """Programs started inside write small files only, and have little memory and time."""
+    limits = {
+        resource.RLIMIT_FSIZE: FILE_BYTES,
+        resource.RLIMIT_AS: MEMORY_BYTES,
+        resource.RLIMIT_CPU: PROCESSOR_SECONDS,
+    }
     before = {limit: resource.getrlimit(limit) for limit in limits}
     for limit, value in limits.items():
         resource.setrlimit(limit, (value, before[limit][1]))
@@ -377,58 +337,12 @@ def bounded():
             resource.setrlimit(limit, value)
 
 
-def as_expected(case, program, directory):
-    process, files = case.run(str(program), directory)
-    return (
-        process.returncode == case.expected_status()
-        and process.stdout == case.expected_output(directory)
-        and process.stderr == b""
-        and files == expected_tree(case)
-    )
-
-
-def golden_case_passes(case, program, scratch):
-    directory = pathlib.Path(tempfile.mkdtemp(dir=scratch))
-    try:
-        return as_expected(case, program, directory)
-    except (subprocess.TimeoutExpired, MemoryError, OSError):
-        return False
-    finally:
-        shutil.rmtree(directory, ignore_errors=True)
-
-
-@functools.cache
-def all_cases():
-    return golden_case.find_cases()
-
-
-def cases_for(module):
-    """All golden cases, those of the module's topics first."""
-    first = TOPICS.get(module, [])
-    rank = {topic: place for place, topic in enumerate(first)}
-    return sorted(all_cases(), key=lambda case: rank.get(case.directory.name, len(first)))
-
-
-def failing_golden_case(program, module, scratch):
-    for case in cases_for(module):
-        if not golden_case_passes(case, program, scratch):
-            return f"golden {case.identifier}"
-    return None
-
-
-def failing_whole_run(program, scratch):
-    topics = [f"tests/{name}" for name in ("matrix", "files", "examples", "readme")]
-    options = ["-q", "-x", "-p", "no:cacheprovider", f"--basetemp={scratch / 'pytest'}"]
-    command = [PYTHON, "-m", "pytest", *options, *topics, "--program", str(program)]
-    environment = {**os.environ, "PYTHONDONTWRITEBYTECODE": "1"}
-    passed = run(command, ROOT, PYTEST_SECONDS, env=environment) == 0
-    return None if passed else "matrix, files, examples or readme"
-
-
-def failing_unit_test(program, scratch):
-    environment = {**os.environ, "TMPDIR": str(scratch)}
-    command = [str(program), "--gtest_fail_fast", "--gtest_brief=1"]
-    return None if run(command, scratch, UNIT_SECONDS, env=environment) == 0 else "unit tests"
+def whole_run_tests(build):
+    """What pytest runs in ctest's tests with the label "mutants"."""
+    command = ["ctest", "--test-dir", str(build), "-L", "mutants", "--show-only=json-v1"]
+    shown = json.loads(subprocess.run(command, stdout=subprocess.PIPE, check=True).stdout)
+    words = (word for test in shown["tests"] for word in test["command"])
+    return sorted({word for word in words if word.startswith("tests/")})
 
 
 # ---- One mutant ----------------------------------------------------------------------------------
@@ -438,132 +352,106 @@ def mutated(text, mutant):
     start = sum(map(len, text.splitlines(keepends=True)[: mutant.line - 1])) + mutant.column - 1
     end = start + len(mutant.before)
     if text[start:end] != mutant.before:
-        raise SystemExit(f"mutate.py: {mutant.file}:{mutant.line} has changed")
+        raise Broken(f"{mutant.file}:{mutant.line} has changed")
     return text[:start] + mutant.after + text[end:]
 
 
 class Worker:
     """Builds and tests mutants, one after the other, in a directory of its own."""
 
-    def __init__(self, base, directory):
+    def __init__(self, directory):
+        self.directory = directory
         self.scratch = directory / "scratch"
-        self.scratch.mkdir(parents=True)
-        self.base = base
-        self.build = base.copy_for_worker(directory)
-        self.mutant_objects = directory / "mutant"
-        golden_case.TIME_LIMIT_SECONDS = GOLDEN_SECONDS
+        self.build = Build(directory)
+        self.build.configure()
+        self.build.make_everything()
+        self.whole_runs = whole_run_tests(self.build.plain)
+        found = self.killer("the program itself")
+        if found is not None:
+            raise Broken(f"the program itself fails: {found}")
 
     @contextlib.contextmanager
     def applied(self, mutant):
         """The mutant stands in the tree."""
         path = self.build.tree / mutant.file
-        text = path.read_text()
-        path.write_text(mutated(text, mutant))
-        self.mutant_objects.mkdir()
+        path.write_text(mutated(path.read_text(), mutant))
         try:
             yield
         finally:
-            path.write_text(text)
-            shutil.rmtree(self.mutant_objects)
+            self.build.restore()
+
+    @contextlib.contextmanager
+    def empty_scratch(self):
+        self.scratch.mkdir()
+        try:
+            yield
+        finally:
             shutil.rmtree(self.scratch, ignore_errors=True)
-            self.scratch.mkdir(exist_ok=True)
 
-    def recompiled(self, names, optimisation="-O0"):
-        """The sources' mutated objects by name, or None."""
-        objects = {}
-        for name in names:
-            objects[name] = compile_one(self.build.tree, name, self.mutant_objects, optimisation)
-            if objects[name] is None:
-                return None
-        return objects
+    def failing_whole_run(self, module):
+        """The first whole run that fails; pytest begins with those that failed for the module."""
+        cache = self.directory / "failed" / module
+        places = [f"--basetemp={self.scratch}", f"--override-ini=cache_dir={cache}"]
+        quiet = ["--override-ini=addopts=-q", "-x", "-rfE", "--tb=no"]
+        command = [PYTHON, "-m", "pytest", *quiet, *places, "--failed-first", *self.whole_runs]
+        command += ["--program", str(self.build.plain / "HXzirpa")]
+        environment = {**os.environ, "PYTHONDONTWRITEBYTECODE": "1"}
+        with tempfile.TemporaryFile("w+") as output:
+            status = run(command, ROOT, TEST_SECONDS, output, env=environment)
+            output.seek(0)
+            found = re.search(r"^(?:FAILED|ERROR) (\S+)", output.read(), re.MULTILINE)
+        return None if status == 0 else found[1] if found else "time"
 
-    def linked(self, name, sources, objects, *libraries):
-        """Links the sources' mutated objects, and for the others the program's own."""
-        target = self.mutant_objects / name
-        paths = [objects.get(source, self.base.objects / object_name(source)) for source in sources]
-        return target if link(paths, target, *libraries) else None
+    def failing_unit_test(self):
+        if not self.build.make(self.build.plain, "unit_tests"):
+            return "a unit test's compilation"
+        command = [str(self.build.plain / "unit_tests"), "--gtest_fail_fast", "--gtest_brief=1"]
+        environment = {**os.environ, "TMPDIR": str(self.scratch)}
+        with bounded(), self.empty_scratch():
+            status = run(command, self.scratch, TEST_SECONDS, env=environment)
+        return None if status == 0 else "unit tests"
 
-    def is_equivalent(self, names):
-        """True if the optimiser makes the same code of the mutant."""
-        objects = self.recompiled(names, "-O2")
-        return objects is not None and all(
-            path.read_bytes() == (self.base.optimised / path.name).read_bytes()
-            for path in objects.values()
-        )
-
-    def unit_test_sets(self, mutant):
-        """All unit tests at once, or those of a header's module first: it changes their objects."""
-        tests = self.build.tests()
-        if mutant.file.endswith(".cpp"):
-            return [tests]
-        own = f"tests/unit/{pathlib.Path(mutant.file).stem}_test.cpp"
-        return [[name for name in tests if name in (own, "tests/unit/support.cpp")], tests]
-
-    def unit_tests(self, mutant, tests, objects):
-        """Builds unit tests; None if they do not compile with the mutant."""
-        rebuilt = self.recompiled(self.base.users_of(mutant.file, tests))
-        if rebuilt is None:
-            return None
-        library = [name for name in self.build.sources() if name != "as/main.cpp"]
-        flags = ("-lgtest", "-lgtest_main", "-pthread")
-        return self.linked("unit_tests", library + tests, {**objects, **rebuilt}, *flags)
-
-    def failing_unit_test(self, mutant, objects):
-        for tests in self.unit_test_sets(mutant):
-            program = self.unit_tests(mutant, tests, objects)
-            if program is None:
-                return "a unit test's compilation"
-            with bounded():
-                found = failing_unit_test(program, self.scratch)
-            if found is not None:
-                return found
-        return None
-
-    def killer(self, mutant, objects):
-        """The test that notices the mutant, or None."""
-        program = self.linked("HXzirpa", self.build.sources(), objects)
-        if program is None:
-            return "linker"
-        with bounded():
-            found = failing_golden_case(
-                program, pathlib.Path(mutant.file).stem, self.scratch
-            ) or failing_whole_run(program, self.scratch)
-        return found or self.failing_unit_test(mutant, objects)
+    def killer(self, module):
+        """The test that notices a mutant of the module, or None."""
+        with bounded(), self.empty_scratch():
+            found = self.failing_whole_run(module)
+        return found or self.failing_unit_test()
 
     def judge(self, mutant):
-        names = self.base.users_of(mutant.file, self.build.sources())
         with self.applied(mutant):
-            objects = self.recompiled(names)
-            if objects is None:
+            if not self.build.make(self.build.plain, "HXzirpa"):
                 return Verdict(UNCOMPILED, "")
-            test = self.killer(mutant, objects)
+            test = self.killer(pathlib.Path(mutant.file).stem)
             if test is not None:
                 return Verdict(KILLED, test)
-            return Verdict(EQUIVALENT if self.is_equivalent(names) else SURVIVED, "")
-
-    def check_program(self):
-        """The program itself must survive, or no verdict would mean anything."""
-        test = self.killer(Mutant("as/main.cpp", 1, 1, "", ""), {})
-        if test is not None:
-            raise SystemExit(f"mutate.py: the program itself fails: {test}")
+            return Verdict(EQUIVALENT if self.build.is_equivalent() else SURVIVED, "")
 
 
-worker = None  # of this process
+worker = None  # of this process, or why there is none
 
 
-def start_worker(base, directory):
+def start_worker(directory):
     global worker
-    worker = Worker(base, directory / f"worker{os.getpid()}")
+    try:
+        worker = Worker(directory / f"worker{os.getpid()}")
+    except Broken as error:
+        # The pool would go on replacing a process that ends here.
+        worker = error
 
 
-def check_program(_):
-    worker.mutant_objects.mkdir()
-    worker.check_program()
-    shutil.rmtree(worker.mutant_objects)
+def own_worker():
+    if isinstance(worker, Broken):
+        raise worker
+    return worker
 
 
 def judge(mutant):
-    return mutant, worker.judge(mutant)
+    return mutant, own_worker().judge(mutant)
+
+
+def files_to_break(_):
+    build = own_worker().build
+    return source_files(build.plain, build.tree)
 
 
 # ---- The command ---------------------------------------------------------------------------------
@@ -635,18 +523,17 @@ def main():
     protect_devices()
     with tempfile.TemporaryDirectory(prefix="mutate", dir=MEMORY) as name:
         directory = pathlib.Path(name)
-        base = Build(directory / "base")
-        base.copy_sources()
-        with multiprocessing.Pool(given.jobs) as pool:
-            base.compile_everything(pool)
-        with multiprocessing.Pool(given.jobs, start_worker, (base, directory)) as pool:
-            pool.map(check_program, [None])
+        with multiprocessing.Pool(given.jobs, start_worker, (directory,)) as pool:
+            (files,) = pool.map(files_to_break, [None])
             if given.again is not None:
                 verdicts = tested_again(pool, given.again)
             else:
-                verdicts = tested_lottery(pool, Lottery(given.seed), given.count)
+                verdicts = tested_lottery(pool, Lottery(files, given.seed), given.count)
     summarise(verdicts, given.survivors)
 
 
 if __name__ == "__main__":
-    main()
+    try:
+        main()
+    except Broken as reason:
+        sys.exit(f"mutate.py: {reason}")
