@@ -19,7 +19,7 @@
 #include <string>
 
 // clang-format off
-const DirectiveEntry pseudo_zirpa[] = {
+constexpr DirectiveEntry pseudo_zirpa[] = {
     {"org",     DIR_ORG,     0, DoOrg},
     {"equ",     DIR_EQU,     0, [] { return DoEqu(0); }},
     {"rmb",     DIR_RESERVE, 0, [] { return do_reserve_memory(1); }},
@@ -67,8 +67,8 @@ constexpr int kFailed = -1;
 
 // The first row whose word stands at p, or null.
 const DirectiveEntry *find_directive(const DirectiveEntry *table, const char *p) {
-    // Most words are instructions, which mostly begin with another letter than any directive. The
-    // words of the tables begin with lower-case letters, or with marks that hold this bit anyway.
+    // The words of the tables begin with lower-case letters, or with marks that hold this bit
+    // anyway.
     const int first = *p | 0x20;
     for (; table->name != nullptr; ++table) {
         if (*table->name == first && namecomparei(p, table->name)) {
@@ -78,10 +78,26 @@ const DirectiveEntry *find_directive(const DirectiveEntry *table, const char *p)
     return nullptr;
 }
 
+// The letters with which directives begin, a bit each by the low bits that both cases share.
+constexpr std::uint32_t initial_bit(char ch) { return 1U << (static_cast<unsigned>(ch) & 31U); }
+
+consteval std::uint32_t initials() {
+    std::uint32_t bits = 0;
+    for (const DirectiveEntry *entry = pseudo_zirpa; entry->name != nullptr; ++entry) {
+        bits |= initial_bit(*entry->name);
+    }
+    return bits;
+}
+
+// Most operations are instructions, and begin with another letter than any directive: that spares
+// the search (3 % of the large workload's time; measured by returning true).
+bool may_be_directive(const char *word) { return (initials() & initial_bit(*word)) != 0; }
+
 // The directive at the scan position, which moves to the operand: past the word and the blanks
 // after it, line ends included. Null if there is none; the scan position then stays.
 const DirectiveEntry *take_directive() {
-    const DirectiveEntry *directive = find_directive(pseudo_zirpa, Col_Ptr);
+    const DirectiveEntry *directive =
+        may_be_directive(Col_Ptr) ? find_directive(pseudo_zirpa, Col_Ptr) : nullptr;
     if (directive != nullptr) {
         Col_Ptr = skipblanc(skipnonblanc(Col_Ptr));
     }
