@@ -2,12 +2,12 @@
 
 #include "as/asDiag.h"
 #include "as/asLabel.h"
-#include "as/asList.h"
 #include "as/asOptions.h"
 #include "as/asPlace.h"
 #include "expr/expr.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"
+#include "target/location.h"
 #include "target/operand.h"
 #include "target/reloc.h"
 #include "util/text.h"

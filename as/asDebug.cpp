@@ -7,6 +7,7 @@
 #include "as/asRead.h"
 #include "expr/expr.h"
 #include "symtab/symtab.h"
+#include "target/location.h"
 #include "util/format.h"
 #include "util/number.h"
 #include "util/text.h"

@@ -2,7 +2,6 @@
 
 #include "as/asCommand.h"
 #include "as/asDiag.h"
-#include "as/asList.h"
 #include "as/asListing.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
@@ -10,6 +9,7 @@
 #include "as/asSource.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"
+#include "target/location.h"
 #include "util/path.h"
 
 #include <algorithm>

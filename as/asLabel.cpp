@@ -1,8 +1,8 @@
 #include "as/asLabel.h"
 
-#include "as/asList.h"
 #include "as/asPlace.h"
 #include "symtab/symtab.h"
+#include "target/location.h"
 #include "target/scan.h"
 
 int label = 0;

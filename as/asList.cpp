@@ -6,9 +6,6 @@
 ListHeader lists;
 Segment *current_seg = nullptr;
 
-std::uint32_t LC = 0;
-std::uint32_t dotLC = 0;
-
 namespace {
 
 Segment *known_absolute_segment = nullptr;
@@ -96,9 +93,4 @@ void InitSegmentListPass2() {
     while (Segment *segment = GetNextSegmentItem()) {
         segment->location = 0;
     }
-}
-
-void location_new_pass() {
-    LC = 0;
-    dotLC = 0;
 }

@@ -1,8 +1,7 @@
 // The list of segments: a typed list with an enumeration cursor, and its one instance.
 //
 // The assembler is absolute, so the only segment that is ever created is "abs", which symbols whose
-// values are constants or still unknown carry. There is no current segment: labels carry none. The
-// location counters live here too.
+// values are constants or still unknown carry. There is no current segment: labels carry none.
 #pragma once
 
 #include <cstdint>
@@ -37,9 +36,6 @@ struct ListHeader {
 extern ListHeader lists;     // the segment list; survives all passes
 extern Segment *current_seg; // never set: there is one address space
 
-extern std::uint32_t LC;    // address of the next byte; reset at each pass
-extern std::uint32_t dotLC; // address at which the current statement began
-
 // ---- Functions ----
 
 // The segment of exactly that name. With create set, a missing one is appended, unless the name is
@@ -61,5 +57,3 @@ void InitSegmentList();
 
 // Sets the location of every segment to 0.
 void InitSegmentListPass2();
-
-void location_new_pass();

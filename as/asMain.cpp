@@ -18,6 +18,7 @@
 #include "as/asSource.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"
+#include "target/location.h"
 #include "util/text.h"
 
 #include <csignal>

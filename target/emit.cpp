@@ -1,8 +1,8 @@
 #include "target/emit.h"
 
-#include "as/asList.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
+#include "target/location.h"
 
 #include <string_view>
 

@@ -5,9 +5,9 @@
 #include "target/encode.h"
 
 #include "as/asDiag.h"
-#include "as/asList.h"
 #include "as/asOptions.h"
 #include "target/emit.h"
+#include "target/location.h"
 #include "target/operand.h"
 #include "target/optab.h"
 #include "target/reloc.h"

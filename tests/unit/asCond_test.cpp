@@ -2,7 +2,6 @@
 #include "as/asCond.h"
 #include "as/asDiag.h"
 #include "as/asLabel.h"
-#include "as/asList.h"
 #include "as/asListing.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"

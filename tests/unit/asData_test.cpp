@@ -2,11 +2,11 @@
 #include "as/asData.h"
 #include "as/asDiag.h"
 #include "as/asLabel.h"
-#include "as/asList.h"
 #include "as/asOptions.h"
 #include "as/asPlace.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"
+#include "target/location.h"
 #include "tests/unit/support.h"
 
 namespace {

@@ -8,6 +8,7 @@
 #include "as/asRead.h"
 #include "as/asSource.h"
 #include "symtab/symtab.h"
+#include "target/location.h"
 #include "tests/unit/support.h"
 
 #include <cstddef>

@@ -2,12 +2,12 @@
 #include "as/asDiag.h"
 #include "as/asDialect.h"
 #include "as/asLabel.h"
-#include "as/asList.h"
 #include "as/asListing.h"
 #include "as/asOptions.h"
 #include "as/asPlace.h"
 #include "as/asRead.h"
 #include "as/asSource.h"
+#include "target/location.h"
 #include "target/operand.h"
 #include "tests/unit/support.h"
 

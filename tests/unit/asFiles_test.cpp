@@ -2,13 +2,13 @@
 #include "as/asCommand.h"
 #include "as/asDiag.h"
 #include "as/asFiles.h"
-#include "as/asList.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
 #include "as/asPlace.h"
 #include "as/asPseudo.h"
 #include "as/asSource.h"
 #include "target/emit.h"
+#include "target/location.h"
 #include "tests/unit/support.h"
 
 #include <filesystem>

@@ -1,8 +1,8 @@
 // The label of a statement: how it is read, who defines it, and the label that data belongs to.
 #include "as/asLabel.h"
-#include "as/asList.h"
 #include "as/asPlace.h"
 #include "symtab/symtab.h"
+#include "target/location.h"
 #include "tests/unit/support.h"
 
 namespace {

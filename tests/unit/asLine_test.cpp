@@ -3,7 +3,6 @@
 #include "as/asDiag.h"
 #include "as/asLabel.h"
 #include "as/asLine.h"
-#include "as/asList.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
 #include "as/asPlace.h"
@@ -11,6 +10,7 @@
 #include "as/asSource.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"
+#include "target/location.h"
 #include "tests/unit/support.h"
 
 namespace {

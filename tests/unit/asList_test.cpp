@@ -88,14 +88,6 @@ TEST_F(SegmentList, EmptiesCompletely) {
     EXPECT_EQ(LookupSegment("abs", 0), nullptr);
 }
 
-TEST_F(SegmentList, NewPassBeginsAtLocationZero) {
-    LC = 5;
-    dotLC = 3;
-    location_new_pass();
-    EXPECT_EQ(LC, 0U);
-    EXPECT_EQ(dotLC, 0U);
-}
-
 TEST_F(SegmentList, ThereIsNoCurrentSegment) { EXPECT_EQ(current_seg, nullptr); }
 
 using SegmentListDeathTest = SegmentList;

@@ -1,6 +1,5 @@
 // The listing of a line: its address, its bytes in both layouts, its continuation lines.
 #include "as/asLabel.h"
-#include "as/asList.h"
 #include "as/asListing.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
@@ -8,6 +7,7 @@
 #include "as/asSource.h"
 #include "target/emit.h"
 #include "target/encode.h"
+#include "target/location.h"
 #include "tests/unit/support.h"
 
 #include <algorithm>

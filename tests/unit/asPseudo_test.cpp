@@ -1,13 +1,13 @@
 // Directives: their tables, the recognisers, the way from a word to its handler, and ORG and END.
 #include "as/asDiag.h"
 #include "as/asLabel.h"
-#include "as/asList.h"
 #include "as/asOptions.h"
 #include "as/asPlace.h"
 #include "as/asPseudo.h"
 #include "as/asSource.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"
+#include "target/location.h"
 #include "tests/unit/support.h"
 
 #include <utility>

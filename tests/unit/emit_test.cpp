@@ -1,9 +1,9 @@
 // Emission: the primitives in both kinds of pass, the listing copy, records, script lines and C
 // rows.
-#include "as/asList.h"
 #include "as/asOptions.h"
 #include "as/asOutput.h"
 #include "target/emit.h"
+#include "target/location.h"
 #include "tests/unit/support.h"
 
 #include <vector>

@@ -4,9 +4,9 @@
 
 #include "as/asDiag.h"
 #include "as/asLine.h"
-#include "as/asList.h"
 #include "as/asOptions.h"
 #include "target/emit.h"
+#include "target/location.h"
 #include "target/operand.h"
 #include "target/optab.h"
 #include "target/scan.h"

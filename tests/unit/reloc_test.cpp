@@ -2,9 +2,9 @@
 #include "target/reloc.h"
 
 #include "as/asDiag.h"
-#include "as/asList.h"
 #include "as/asOptions.h"
 #include "target/emit.h"
+#include "target/location.h"
 #include "target/operand.h"
 #include "tests/unit/support.h"
 

@@ -5,7 +5,6 @@
 #include "as/asDiag.h"
 #include "as/asDialect.h"
 #include "as/asLabel.h"
-#include "as/asList.h"
 #include "as/asListing.h"
 #include "as/asMain.h"
 #include "as/asOptions.h"
@@ -13,6 +12,7 @@
 #include "symtab/symtab.h"
 #include "target/emit.h"
 #include "target/encode.h"
+#include "target/location.h"
 #include "target/operand.h"
 #include "target/scan.h"
 

@@ -1,0 +1,9 @@
+#include "target/location.h"
+
+std::uint32_t LC = 0;
+std::uint32_t dotLC = 0;
+
+void location_new_pass() {
+    LC = 0;
+    dotLC = 0;
+}
