@@ -17,10 +17,8 @@ namespace {
 
 constexpr mode_t kCreationMode = 0666;
 
-// The names of the temporary files that exist, for the handler of signals: as many as a run has
-// outputs.
-constexpr std::size_t kMostNames = 4;
-std::array<std::atomic<const char *>, kMostNames> names{};
+// The names of the temporary files that exist, for the handler of signals.
+std::array<std::atomic<const char *>, kMostTemporaryFiles> names{};
 static_assert(std::atomic<const char *>::is_always_lock_free);
 
 // What a process survives that does nothing about it.

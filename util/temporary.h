@@ -5,7 +5,11 @@
 // only. Nothing but SIGKILL leaves one behind: signals that end the process remove it first.
 #pragma once
 
+#include <cstddef>
 #include <string>
+
+// As many can exist at a time: enough for the outputs of a run.
+inline constexpr std::size_t kMostTemporaryFiles = 8;
 
 class TemporaryFile {
   public:

@@ -100,16 +100,16 @@ TEST_F(Temporary, NothingToPublishIsNoFailure) {
     EXPECT_EQ(count_of_files(), 0U);
 }
 
-TEST_F(Temporary, MoreThanARunHasOutputsAreNotCreated) {
-    std::array<TemporaryFile, 5> files;
-    for (std::size_t i = 0; i < 4; ++i) {
+TEST_F(Temporary, MoreThanTheirNumberAreNotCreated) {
+    std::array<TemporaryFile, kMostTemporaryFiles + 1> files;
+    for (std::size_t i = 0; i < kMostTemporaryFiles; ++i) {
         const int descriptor = files[i].create("");
         EXPECT_GE(descriptor, 0);
         ::close(descriptor);
     }
-    EXPECT_EQ(files[4].create(""), -1);
+    EXPECT_EQ(files.back().create(""), -1);
     files[0].remove();
-    const int descriptor = files[4].create("");
+    const int descriptor = files.back().create("");
     EXPECT_GE(descriptor, 0);
     ::close(descriptor);
 }
