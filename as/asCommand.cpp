@@ -1,8 +1,8 @@
 #include "as/asCommand.h"
 
 #include "as/asOptions.h"
-#include "as/asOutput.h"
 #include "as/asSource.h"
+#include "as/asStreams.h"
 #include "symtab/symtab.h"
 #include "util/text.h"
 
@@ -135,8 +135,8 @@ const char *read_command_line(int argc, const char *const *argv) {
 // Quirk (usage-text): it leaves out -A, spells "sensivity", has a blank after one line, and names
 // "notrad", which is not accepted.
 void print_usage() {
-    standard_output.put({kProgramName, " - ", kProcessorName, " Absolute crossassembler, Version ",
-                         kVersion, "\n", kNotice, "\n\n", kProgramName,
+    put_banner(standard_output);
+    standard_output.put({"\n", kNotice, "\n\n", kProgramName,
                          " creates a S-record format file named 'file.s19'\n",
                          "from an assembly source file e.g. \"file", kSourceExtension, "\"\n",
                          "Usage: ", kProgramName, " [ options ] file\n"});

@@ -1,6 +1,7 @@
 #include "as/asCond.h"
 
 #include "as/asDiag.h"
+#include "as/asList.h"
 #include "as/asListing.h"
 #include "as/asPlace.h"
 #include "as/asPseudo.h"

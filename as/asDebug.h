@@ -1,18 +1,47 @@
 // Debug records: text lines that let a debugger map addresses to source lines and find symbols.
 //
-// They gather in symdebfile during the final pass, one for each instruction and those that ".stab"
-// lines of a compiler ask for, and follow the end record of the S-record file. Every record names
-// the file being read and the current segment.
+// They are gathered during the final pass, one for each instruction and those that ".stab" lines of
+// a compiler ask for, and follow the end record in the S-record file. A record is a list of fields
+// with colons between them. Most name the file being read and the current segment, of which there
+// is none, so that its field is empty.
 #pragma once
 
+#include <array>
 #include <cstdint>
+#include <string>
+#include <string_view>
 
-// Makes room for the records of a source of that many lines, so that they need not be moved as they
-// grow in number.
-void reserve_debug_records(int lines);
+// ---- State owned here ----
 
-// Records that an instruction or statement stands at an address.
+extern std::string symdebfile;   // the records of the final pass; emptied when they are written
+extern std::string startsymname; // the symbol at which a debugger starts; always "start"
+
+// ---- Functions ----
+
+// Makes room for the records of a run.
+void begin_debug_records();
+
+// The last field, the rest of a ".stab" line, is not looked into and may hold colons.
+
+// An instruction or statement stands at an address.
 void asm_write_sd_exec(int line, std::int32_t count, std::uint32_t address);
 
-// Carries out the ".stab" line in Line, with its continuation lines where it has any.
-void ProcessStab();
+// A function, with three numbers and three addresses that the compiler gives.
+void asm_write_sd_function(std::string_view name, const std::array<std::int32_t, 3> &numbers,
+                           const std::array<std::int64_t, 3> &addresses);
+
+// A symbol known to all files, one known to its file, and one known to its function.
+void asm_write_sd_global_symbol(std::string_view first, std::string_view name, std::int32_t line,
+                                std::string_view rest);
+void asm_write_sd_static_symbol(std::string_view first, std::string_view name, std::int64_t value,
+                                std::int32_t line, std::string_view rest);
+void asm_write_sd_local_symbol(const std::array<std::string, 3> &fields, std::int32_t number,
+                               std::string_view rest);
+
+// Begins the record of a type, which may go on with further source lines and so lacks its line end.
+void begin_type_record(std::string_view text);
+
+// Writes the start symbol and all records to the S-record file.
+void write_debug_part();
+
+void debug_new_run();

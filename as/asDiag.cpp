@@ -1,8 +1,8 @@
 #include "as/asDiag.h"
 
 #include "as/asOptions.h"
-#include "as/asOutput.h"
 #include "as/asPlace.h"
+#include "as/asStreams.h"
 
 #include <algorithm>
 #include <cstdio>

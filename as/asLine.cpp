@@ -1,7 +1,6 @@
 #include "as/asLine.h"
 
 #include "as/asCond.h"
-#include "as/asDebug.h"
 #include "as/asDiag.h"
 #include "as/asEqu.h"
 #include "as/asLabel.h"
@@ -9,6 +8,7 @@
 #include "as/asPlace.h"
 #include "as/asPseudo.h"
 #include "as/asRead.h"
+#include "as/asStab.h"
 #include "target/encode.h"
 #include "target/location.h"
 #include "target/optab.h"

@@ -1,11 +1,12 @@
 #include "as/asListing.h"
 
 #include "as/asDebug.h"
+#include "as/asDiag.h"
 #include "as/asLabel.h"
 #include "as/asOptions.h"
-#include "as/asOutput.h"
 #include "as/asPlace.h"
 #include "as/asSource.h"
+#include "as/asStreams.h"
 #include "target/emit.h"
 #include "target/encode.h"
 
@@ -21,18 +22,21 @@ namespace {
 // Bytes of a listing line.
 constexpr std::size_t kColumns = 6;
 constexpr unsigned kLineNumberWidth = 4;
-// As wide as the byte columns.
-constexpr std::string_view kEquPadding = "                  ";
+constexpr std::string_view kEmptyColumns = "                  ";
+static_assert(kEmptyColumns.size() == 3 * kColumns);
 
 void put_byte_columns(std::size_t first) {
-    std::array<char, 3 * kColumns> text{};
-    text.fill(' ');
+    std::array<char, kEmptyColumns.size()> text;
+    char *end = text.data();
     for (std::size_t i = first; i < std::min(first + kColumns, code_i); ++i) {
-        hex_byte(&text[3 * (i - first) + 1], Code[i]);
+        *end++ = ' ';
+        end = hex_byte(end, Code[i]);
     }
+    std::fill(end, text.data() + text.size(), ' ');
     listfile.put(std::string_view(text.data(), text.size()));
 }
 
+// No directive chooses words; they would be for data that is wider than a byte.
 void put_word_columns(std::size_t first) {
     for (std::size_t i = first; i < first + kColumns; i += 2) {
         if (i < code_i) {
@@ -54,16 +58,11 @@ void put_columns(std::size_t first) {
     }
 }
 
+// The text brings its own line end.
 void put_number_and_text() {
-    NumberText number;
-    const std::string_view digits = decimal_text(number, listline);
-    // A blank, the number with blanks ahead up to its width, a point and a blank.
-    std::array<char, NumberText().size() + 3> text{};
-    text.fill(' ');
-    const std::size_t width = std::max<std::size_t>(digits.size(), kLineNumberWidth);
-    std::copy(digits.begin(), digits.end(), &text[1 + width - digits.size()]);
-    text[1 + width] = '.';
-    listfile.put(std::string_view(text.data(), width + 3));
+    listfile.put(' ');
+    listfile.put_decimal(listline, kLineNumberWidth);
+    listfile.put(". ");
     listfile.put(Line.view());
 }
 
@@ -83,7 +82,7 @@ void put_line() {
     if (is_value) {
         // Quirk (equ-low-byte): the value has 32 bits, but one column.
         listfile.put_hex_byte(Code[1]);
-        listfile.put(kEquPadding);
+        listfile.put(kEmptyColumns);
         put_number_and_text();
         return;
     }
@@ -101,12 +100,24 @@ void put_line() {
 
 void put_file_header() {
     newuse = 0;
-    listfile.put("---- File: \"");
-    listfile.put(getCurrentFileInfo(-1)->name);
-    listfile.put("\"\n");
+    listfile.put({"---- File: \"", getCurrentFileInfo(-1)->name, "\"\n"});
 }
 
 } // namespace
+
+void begin_listing(const std::string &name) {
+    put_banner(listfile);
+    listfile.put({"\n", kNotice, "\n\n", "\nFile: ", name, "\n"});
+    listing_on = 1;
+}
+
+void end_listing() {
+    if (Errors != 0) {
+        listfile.put("\n\n****** Total Errors: ");
+        listfile.put_decimal(Errors);
+        listfile.put('\n');
+    }
+}
 
 void as_write_listline(bool is_skipped) {
     if (O_symdebug != 0 && isinstruction != 0 && O_compiler_generated_input == 0) {

@@ -1,5 +1,11 @@
-// The listing: one line per source line of the final pass, with its address, bytes and text.
+// The listing: a head, one line per source line of the final pass with its address, bytes and text,
+// and the number of errors.
+//
+// Reports go into the same file by themselves, each before the line that it is about, because a
+// line is listed when it has been assembled.
 #pragma once
+
+#include <string>
 
 // ---- State owned here ----
 
@@ -8,9 +14,15 @@ extern int uncond_listing_on; // skipped lines are listed too; reset at each pas
 
 // ---- Functions ----
 
+// Writes the head, which names the listing, and switches the listing on.
+void begin_listing(const std::string &name);
+
 // Lists the current line and, with -g, records an instruction for the debugger. A line that
 // conditional assembly skips is listed only where that has been switched on.
 void as_write_listline(bool is_skipped);
+
+// Writes the number of errors, when there are any.
+void end_listing();
 
 void listing_new_run();
 void listing_new_pass();

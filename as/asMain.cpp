@@ -5,17 +5,17 @@
 #include "as/asDebug.h"
 #include "as/asDiag.h"
 #include "as/asDialect.h"
-#include "as/asFiles.h"
 #include "as/asLabel.h"
 #include "as/asLine.h"
 #include "as/asList.h"
 #include "as/asListing.h"
 #include "as/asOptions.h"
-#include "as/asOutput.h"
+#include "as/asOutputs.h"
 #include "as/asPlace.h"
 #include "as/asPseudo.h"
 #include "as/asRead.h"
 #include "as/asSource.h"
+#include "as/asStreams.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"
 #include "target/location.h"
@@ -74,12 +74,8 @@ void begin_final_pass() {
     // only an ORG corrects.
     outrecinit(record_type, LC);
     write_headers();
-    const int lines = realline;
     source_rewind();
     push_source("");
-    if (O_symdebug != 0) {
-        reserve_debug_records(lines);
-    }
     reset_pass_state();
     source_new_counts();
     diag_new_counts();
@@ -160,12 +156,13 @@ const char *begin_run(int argc, const char *const *argv) {
 } // namespace
 
 void start_up(const char *invocation) {
-    output_new_run();
+    streams_new_run();
+    outputs_new_run();
     options_new_run();
     diag_new_pass();
     source_new_run(invocation);
     command_new_run();
-    files_new_run();
+    debug_new_run();
     label_new_run();
     location_new_pass();
     listing_new_run();
@@ -206,6 +203,10 @@ int as_main(int argc, const char *const *argv) {
         }
         write_symbols();
         return finish();
+    } catch (const EndOfRun &end) {
+        standard_output.flush();
+        close_outputs();
+        return end.status;
     } catch (const std::bad_alloc &) {
         return out_of_memory();
     }

@@ -4,7 +4,7 @@
 #include "symtab/names.h"
 
 #include "as/asOptions.h"
-#include "as/asOutput.h"
+#include "as/asStreams.h"
 #include "util/buffer.h"
 #include "util/memory.h"
 #include "util/text.h"

@@ -6,8 +6,8 @@
 #include "as/asDiag.h"
 #include "as/asList.h"
 #include "as/asOptions.h"
-#include "as/asOutput.h"
 #include "as/asPlace.h"
+#include "as/asStreams.h"
 #include "util/bitsize.h"
 #include "util/text.h"
 

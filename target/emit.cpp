@@ -1,31 +1,20 @@
 #include "target/emit.h"
 
 #include "as/asOptions.h"
-#include "as/asOutput.h"
 #include "target/location.h"
 
-#include <string_view>
+#include <vector>
 
 std::array<std::uint8_t, 128> Code{};
 std::size_t code_i = 0;
 int Byte_Extension = 1;
-unsigned algofilecount = 0;
 
 namespace {
 
-// The record being collected: its bytes are the address, then the data.
-struct Record {
-    int type = 0;
-    std::size_t count = 0; // bytes held, address included, checksum not
-    std::array<std::uint8_t, kRecordCapacity> bytes{};
-};
-Record outrec;
+Record outrec; // the record being collected
 
-// Characters of a record's line: type, length, bytes, checksum and line feed.
-constexpr std::size_t kRecordTextCapacity = 2 + 2 * (1 + kRecordCapacity + 1) + 1;
-
-// The script lines of a record assume an address of this many bytes.
-constexpr std::size_t kScriptAddressBytes = 2;
+std::vector<ByteWriter> byte_writers;
+std::vector<RecordWriter> record_writers;
 
 bool is_data_type(int type) { return type >= kDataRecord16 && type <= kDataRecord32; }
 
@@ -36,22 +25,12 @@ std::size_t address_width(std::uint32_t address) {
     return address >> 24U != 0 ? 4 : address >> 16U != 0 ? 3 : 2;
 }
 
-// Kept apart, like the next record, so that emitting a byte stays short.
-[[gnu::noinline]] void put_array_value(std::uint32_t value) {
-    algofile.put(algofilecount == 0 ? "0x" : ",0x");
-    algofile.put_hex_byte(value);
-    if (++algofilecount == kArrayRowValues) {
-        algofile.put(",\n");
-        algofilecount = 0;
-    }
-}
-
-[[gnu::noinline]] void start_next_record() {
+void start_next_record() {
     putout1();
     outrecinit(record_type, LC);
 }
 
-// Adds a byte to the record and to the C array and advances the location counter.
+// Adds a byte to the record and to the formats that take bytes, and advances the location counter.
 void emit_byte(std::uint32_t value) {
     if (outrec.count == kRecordCapacity) {
         start_next_record();
@@ -60,18 +39,9 @@ void emit_byte(std::uint32_t value) {
     // Quirk (beyond-ff): nothing ends at FF; S-records show the whole address, listing and script
     // its low byte.
     ++LC;
-    if (O_cout != 0) {
-        put_array_value(value);
+    for (const ByteWriter writer : byte_writers) {
+        writer(value);
     }
-}
-
-void put_script_line(unsigned address, unsigned value) {
-    // Two blanks after the keyword, since readers of the script may count columns.
-    std::array<char, 19> line = {'\n', ' ', '#', 's', 'e', 't', 'M', 'e', 'm', 'o',
-                                 'r',  'y', ' ', ' ', 0,   0,   '=', 0,   0};
-    hex_byte(&line[14], address);
-    hex_byte(&line[17], value);
-    zirpafile.put(std::string_view(line.data(), line.size()));
 }
 
 } // namespace
@@ -134,6 +104,15 @@ void emit_zeros(std::uint64_t count) {
     }
 }
 
+void emit_to(ByteWriter byte_writer, RecordWriter record_writer) {
+    if (byte_writer != nullptr) {
+        byte_writers.push_back(byte_writer);
+    }
+    if (record_writer != nullptr) {
+        record_writers.push_back(record_writer);
+    }
+}
+
 void list_byte(std::uint32_t value) {
     if (code_i < kListedBytesLimit) {
         Code[code_i++] = static_cast<std::uint8_t>(value);
@@ -171,31 +150,14 @@ void putout() {
 }
 
 void putout1() {
-    std::array<char, kRecordTextCapacity> line;
-    const auto length = static_cast<unsigned>(outrec.count) + 1;
-    unsigned sum = length;
-    line[0] = 'S';
-    line[1] = kHexDigits[static_cast<unsigned>(outrec.type) & 0xFU];
-    char *end = hex_byte(&line[2], length);
-    for (std::size_t i = 0; i < outrec.count; ++i) {
-        sum += outrec.bytes[i];
-        end = hex_byte(end, outrec.bytes[i]);
-    }
-    end = hex_byte(end, ~sum);
-    *end++ = '\n';
-    objectfile.put(std::string_view(line.data(), static_cast<std::size_t>(end - line.data())));
-    // Quirk (wide-script): a wider address spills into the script as memory contents at shifted
-    // addresses, since simulators replay the script as it is.
-    for (std::size_t i = kScriptAddressBytes; i < outrec.count; ++i) {
-        put_script_line(outrec.bytes[1] + static_cast<unsigned>(i - kScriptAddressBytes),
-                        outrec.bytes[i]);
+    for (const RecordWriter writer : record_writers) {
+        writer(outrec);
     }
 }
 
-void end_array() { algofile.put(algofilecount != 0 ? "\n};\n" : "};\n"); }
-
 void emit_new_run() {
     outrec = Record{};
-    algofilecount = 0;
+    byte_writers.clear();
+    record_writers.clear();
     emit_new_line();
 }

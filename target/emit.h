@@ -1,9 +1,10 @@
 // Emission: every byte of code and data passes through here.
 //
 // Before the final pass the primitives only advance the location counter. In the final pass they
-// also collect the bytes into the current S-record, keep a copy for the listing line, and write the
-// C array; each finished record goes to the S-record file and, byte by byte, to the simulator
-// script. Multi-byte values are emitted most significant byte first.
+// also keep a copy for the listing line and collect the bytes into records of consecutive
+// addresses. An output format that has joined with emit_to takes each byte at once, or each record
+// when it is finished; emission knows none of them by name. Multi-byte values are emitted most
+// significant byte first.
 #pragma once
 
 #include "util/clear.h"
@@ -16,8 +17,6 @@
 inline constexpr std::size_t kRecordCapacity = 32;
 // Bytes of a line that are kept for the listing: further single bytes are emitted but not listed.
 inline constexpr std::size_t kListedBytesLimit = 120;
-// Values of a row of the C array.
-inline constexpr unsigned kArrayRowValues = 16;
 
 // Types of records.
 enum RecordType : int {
@@ -29,12 +28,22 @@ enum RecordType : int {
     kEndRecord16 = 9,
 };
 
+// The bytes are the address, most significant byte first, and then the data.
+struct Record {
+    int type = 0;          // a digit
+    std::size_t count = 0; // bytes held, address included
+    std::array<std::uint8_t, kRecordCapacity> bytes{};
+};
+
+// What an output format does with the low 8 bits of a value, or with a finished record.
+using ByteWriter = void (*)(std::uint32_t value);
+using RecordWriter = void (*)(const Record &record);
+
 // ---- State owned here ----
 
 extern std::array<std::uint8_t, 128> Code; // bytes that the line generated, for the listing
 extern std::size_t code_i;                 // their count; reset at each line
-extern int Byte_Extension;     // 1: the listing shows bytes one by one; set at each line
-extern unsigned algofilecount; // values on the current row of the C array
+extern int Byte_Extension; // 1: the listing shows bytes one by one; set at each line
 
 // ---- Functions ----
 
@@ -50,6 +59,10 @@ void outcode(std::uint32_t value);
 // Emits count bytes of 0. At most one of them is kept for the listing.
 void emit_zeros(std::uint64_t count);
 
+// Has an output format take the bytes and records of the run's final pass. Null: it doesn't want
+// those.
+void emit_to(ByteWriter byte_writer, RecordWriter record_writer);
+
 // Keeps a byte for the listing without emitting it.
 void list_byte(std::uint32_t value);
 
@@ -57,18 +70,15 @@ void list_byte(std::uint32_t value);
 // among the end types (7 to 9); a data type is stored in record_type.
 void outrecinit(int type, std::uint32_t address);
 
-// In the final pass, writes the record, unless it is a data record without data.
+// In the final pass, finishes the record, unless it is a data record without data.
 void putout();
 
-// Writes the record.
+// Finishes the record: hands it to the formats.
 void putout1();
-
-// Ends the C array.
-void end_array();
 
 void emit_new_run();
 
-// Forgets the bytes of the line. Those behind code_i are always 0.
+// Forgets the bytes of the line. Those after code_i are always 0.
 inline void drop_listed_bytes() {
     clear_used<16>(Code, code_i);
     code_i = 0;

@@ -23,15 +23,14 @@
 // Bytes gathered before a write; a character that has begun may be among them.
 inline constexpr std::size_t kOutputBufferSize = buffer_size(65536, kLongestBegunCharacter + 1);
 
-// The memory in which an output file gathers its bytes. A short output then touches one page only.
-struct alignas(4096) OutputBuffer {
-    std::array<char, kOutputBufferSize> bytes;
-};
+// The memory in which an output file gathers its bytes: apart from the file, so that a buffer which
+// is not used touches no page.
+using OutputBuffer = std::array<char, kOutputBufferSize>;
 
 class OutputFile {
   public:
     // The buffer must outlive the file.
-    explicit OutputFile(OutputBuffer &buffer) : buffer_(buffer.bytes.data()) {}
+    explicit OutputFile(OutputBuffer &buffer) : buffer_(buffer.data()) {}
 
     // Where the file is to go; looked up before it is created.
     Destination &destination() { return destination_; }

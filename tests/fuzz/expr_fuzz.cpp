@@ -1,8 +1,8 @@
 // The expression evaluator and the operand parser on a random line, in both kinds of passes.
 #include "as/asMain.h"
 #include "as/asOptions.h"
-#include "as/asOutput.h"
 #include "as/asPlace.h"
+#include "as/asStreams.h"
 #include "expr/expr.h"
 #include "symtab/symtab.h"
 #include "target/operand.h"

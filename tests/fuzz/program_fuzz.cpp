@@ -2,7 +2,6 @@
 // without errors its outputs must agree.
 #include "as/asData.h"
 #include "as/asMain.h"
-#include "as/asOutput.h"
 #include "tests/fuzz/agreement.h"
 #include "tests/fuzz/memory_files.h"
 
@@ -20,12 +19,6 @@ namespace {
 // Reserving more would only make the runs longer.
 constexpr std::int64_t kReservationLimit = 1024;
 
-struct EndOfRun {
-    int status;
-};
-
-void throw_end_of_run(int status) { throw EndOfRun{status}; }
-
 std::vector<const char *> arguments_for(unsigned choice) {
     constexpr std::array<const char *, 8> kOptions = {"-L", "-S",       "-g",       "-A",
                                                       "-w", "-Cnocase", "-Cnopure", "-DFLAG"};
@@ -37,14 +30,6 @@ std::vector<const char *> arguments_for(unsigned choice) {
     }
     arguments.push_back("f.szirpa");
     return arguments;
-}
-
-int run(const std::vector<const char *> &arguments) {
-    try {
-        return as_main(static_cast<int>(arguments.size()), arguments.data());
-    } catch (const EndOfRun &end) {
-        return end.status;
-    }
 }
 
 // Statements that random bytes hardly ever make; a replay has no use for them.
@@ -73,11 +58,11 @@ int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     if (size == 0) {
         return 0;
     }
-    end_run_hook = throw_end_of_run;
     reservation_limit = kReservationLimit;
     const std::string_view source(reinterpret_cast<const char *>(data) + 1, size - 1);
     const MemoryFiles files("f.szirpa", source);
-    const int status = run(arguments_for(data[0]));
+    const std::vector<const char *> arguments = arguments_for(data[0]);
+    const int status = as_main(static_cast<int>(arguments.size()), arguments.data());
     const std::string *records = files.output("f.s19");
     const std::string *script = files.output("f.fmem");
     if (status == 0 && records != nullptr && script != nullptr &&

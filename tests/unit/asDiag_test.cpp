@@ -1,9 +1,10 @@
 // Diagnostics: both forms of every report, and what each report counts and stops.
 #include "as/asDiag.h"
 #include "as/asOptions.h"
-#include "as/asOutput.h"
 #include "as/asPlace.h"
 #include "as/asSource.h"
+#include "as/asStreams.h"
+#include "target/srecord.h"
 #include "tests/unit/support.h"
 
 #include <algorithm>

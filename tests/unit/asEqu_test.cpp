@@ -2,6 +2,7 @@
 #include "as/asDiag.h"
 #include "as/asEqu.h"
 #include "as/asLabel.h"
+#include "as/asList.h"
 #include "as/asOptions.h"
 #include "as/asPlace.h"
 #include "symtab/symtab.h"

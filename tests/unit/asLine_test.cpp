@@ -1,10 +1,10 @@
 // The line assembler: its small functions, the fields of a line, and the label that data belongs
 // to.
+#include "as/asDebug.h"
 #include "as/asDiag.h"
 #include "as/asLabel.h"
 #include "as/asLine.h"
 #include "as/asOptions.h"
-#include "as/asOutput.h"
 #include "as/asPlace.h"
 #include "as/asRead.h"
 #include "as/asSource.h"

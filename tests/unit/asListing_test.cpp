@@ -1,10 +1,12 @@
 // The listing of a line: its address, its bytes in both layouts, its continuation lines.
+#include "as/asDebug.h"
+#include "as/asDiag.h"
 #include "as/asLabel.h"
 #include "as/asListing.h"
 #include "as/asOptions.h"
-#include "as/asOutput.h"
 #include "as/asPlace.h"
 #include "as/asSource.h"
+#include "as/asStreams.h"
 #include "target/emit.h"
 #include "target/encode.h"
 #include "target/location.h"
@@ -282,6 +284,26 @@ TEST_F(Listing, SwitchesAreOffInANewRunAndTheOneForSkippedLinesInANewPass) {
     EXPECT_EQ(listing_on, 1);
     listing_new_run();
     EXPECT_EQ(listing_on, 0);
+}
+
+// ---- Head and tail
+// --------------------------------------------------------------------------------------
+
+TEST_F(Listing, HeadNamesTheListingAndSwitchesItOn) {
+    listing_on = 0;
+    begin_listing("some.lst");
+    EXPECT_EQ(listing_on, 1);
+    EXPECT_EQ(take_listing(), "HXzirpa - ZIRPA Absolute crossassembler, Version 1.3\n"
+                              "Free software under the MIT License.\n\n"
+                              "\nFile: some.lst\n");
+}
+
+TEST_F(Listing, TailIsTheNumberOfErrorsIfThereAreAny) {
+    end_listing();
+    EXPECT_EQ(take_listing(), "");
+    Errors = 12;
+    end_listing();
+    EXPECT_EQ(take_listing(), "\n\n****** Total Errors: 12\n");
 }
 
 // ---- Records of instructions

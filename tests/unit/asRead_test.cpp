@@ -4,6 +4,7 @@
 #include "as/asRead.h"
 #include "as/asSource.h"
 #include "expr/expr.h"
+#include "symtab/symtab.h"
 #include "target/emit.h"
 #include "target/encode.h"
 #include "target/operand.h"

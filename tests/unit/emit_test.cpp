@@ -1,9 +1,8 @@
-// Emission: the primitives in both kinds of pass, the listing copy, records, script lines and C
-// rows.
+// Emission: the primitives in both kinds of pass, the listing copy, records, and what formats take.
 #include "as/asOptions.h"
-#include "as/asOutput.h"
 #include "target/emit.h"
 #include "target/location.h"
+#include "target/srecord.h"
 #include "tests/unit/support.h"
 
 #include <vector>
@@ -17,7 +16,7 @@ class Emission : public RunTest {
     void SetUp() override {
         RunTest::SetUp();
         open_output(objectfile, "prog.s19");
-        open_output(zirpafile, "prog.fmem");
+        emit_to(nullptr, put_srecord);
     }
 
     // The final pass, with a record begun at an address.
@@ -32,11 +31,6 @@ class Emission : public RunTest {
     static std::string object() {
         objectfile.flush();
         return read_text("prog.s19");
-    }
-
-    static std::string script() {
-        zirpafile.flush();
-        return read_text("prog.fmem");
     }
 
     // The record of a type and address, with bytes behind it.
@@ -75,7 +69,6 @@ TEST_F(Emission, PrimitivesOnlyAdvanceTheLocationCounterBeforeTheFinalPass) {
     EXPECT_EQ(code_i, 0U);
     EXPECT_EQ(Byte_Extension, 0);
     EXPECT_EQ(object(), "");
-    EXPECT_EQ(script(), "");
 }
 
 TEST_F(Emission, ByteIsTheLow8Bits) {
@@ -315,132 +308,72 @@ TEST_F(Emission, RecordBegunByAFullOneHasTheTypeOfItsOwnAddress) {
     EXPECT_TRUE(object().ends_with("\nS20501000E00EB\n"));
 }
 
-// ---- The script
+// ---- The formats
 // -------------------------------------------------------------------------------------
 
-TEST_F(Emission, ScriptSetsEveryByteOfAWrittenRecord) {
-    begin_final_pass(0x10);
-    ebyte(0xF0);
-    ebyte(5);
-    EXPECT_EQ(script(), "");
-    putout();
-    EXPECT_EQ(script(), "\n #setMemory  10=F0\n #setMemory  11=05");
-}
+std::vector<std::uint32_t> bytes_taken;
+std::vector<Record> records_taken;
 
-TEST_F(Emission, ScriptAddressesAreOneByteWide) {
-    begin_final_pass(0x12FF);
-    ebyte(1);
-    ebyte(2);
-    putout();
-    EXPECT_EQ(script(), "\n #setMemory  FF=01\n #setMemory  00=02");
-}
+void take_byte(std::uint32_t value) { bytes_taken.push_back(value & 0xFF); }
+void take_record(const Record &record) { records_taken.push_back(record); }
 
-// Quirk (wide-script): the script assumes two address bytes, so further ones become memory
-// contents.
-TEST_F(Emission, SurplusAddressBytesBecomeMemoryContents) {
-    begin_final_pass(0x12345);
-    ebyte(0xAA);
-    putout();
-    EXPECT_EQ(object(), "S205012345AAE7\n");
-    EXPECT_EQ(script(), "\n #setMemory  23=45\n #setMemory  24=AA");
-}
-
-TEST_F(Emission, SurplusAddressBytesOfAnEndRecordDoSoToo) {
-    enter_final_pass();
-    record(9, 0x1234);
-    EXPECT_EQ(script(), "");
-    EXPECT_EQ(record(9, 0x12345), "S80401234592\n");
-    EXPECT_EQ(script(), "\n #setMemory  23=45");
-    EXPECT_EQ(record(9, 0x12345678), "S70512345678E6\n");
-    EXPECT_EQ(script(), "\n #setMemory  23=45\n #setMemory  34=56\n #setMemory  35=78");
-}
-
-TEST_F(Emission, EmissionGoesOnWithoutAScript) {
-    zirpafile.close();
-    begin_final_pass(0x10);
-    ebyte(0xF0);
-    ebyte(5);
-    putout();
-    EXPECT_EQ(object(), "S1050010F005F5\n");
-}
-
-// ---- The C array
-// ------------------------------------------------------------------------------------
-
-class ArrayRows : public Emission {
+class Formats : public Emission {
   protected:
     void SetUp() override {
         Emission::SetUp();
-        open_output(algofile, "prog_cout.c");
-        O_cout = 1;
-    }
-
-    static std::string rows() {
-        algofile.flush();
-        return read_text("prog_cout.c");
+        bytes_taken.clear();
+        records_taken.clear();
     }
 };
 
-TEST_F(ArrayRows, ValuesAreSeparatedByCommas) {
-    begin_final_pass();
-    ebyte(0xAB);
-    EXPECT_EQ(algofilecount, 1U);
+TEST_F(Formats, TakeBytesAtOnceAndRecordsWhenTheyAreFinished) {
+    emit_to(take_byte, take_record);
+    begin_final_pass(0x1234);
+    ebyte(0x1F0);
     eshort(0x0102);
-    ecode(0x0304);
-    EXPECT_EQ(rows(), "0xAB,0x01,0x02,0x03,0x04");
-    elong(0x05060708);
-    outcode(9);
-    EXPECT_EQ(rows(), "0xAB,0x01,0x02,0x03,0x04,0x05,0x06,0x07,0x08,0x09");
-    EXPECT_EQ(algofilecount, 10U);
+    elong(0x03040506);
+    outcode(7);
+    EXPECT_EQ(bytes_taken, (std::vector<std::uint32_t>{0xF0, 1, 2, 3, 4, 5, 6, 7}));
+    EXPECT_TRUE(records_taken.empty());
+    putout();
+    ASSERT_EQ(records_taken.size(), 1U);
+    EXPECT_EQ(records_taken[0].type, 1);
+    ASSERT_EQ(records_taken[0].count, 10U);
+    EXPECT_EQ(records_taken[0].bytes[0], 0x12);
+    EXPECT_EQ(records_taken[0].bytes[1], 0x34);
+    EXPECT_EQ(records_taken[0].bytes[2], 0xF0);
+    EXPECT_EQ(records_taken[0].bytes[9], 7);
 }
 
-TEST_F(ArrayRows, RowHoldsSixteenValues) {
-    begin_final_pass();
-    for (int byte = 0; byte < 15; ++byte) {
-        ebyte(0);
-    }
-    EXPECT_FALSE(rows().ends_with("\n"));
-    ebyte(1);
-    EXPECT_TRUE(rows().ends_with(",0x00,0x01,\n"));
-    EXPECT_EQ(algofilecount, 0U);
-    ebyte(2);
-    EXPECT_TRUE(rows().ends_with(",0x01,\n0x02"));
-}
-
-TEST_F(ArrayRows, ArrayEndsOnALineOfItsOwn) {
-    begin_final_pass();
-    end_array();
-    EXPECT_EQ(rows(), "};\n");
-    ebyte(1);
-    end_array();
-    EXPECT_EQ(rows(), "};\n0x01\n};\n");
-}
-
-TEST_F(ArrayRows, FullRowNeedsNoFurtherLineFeedAtTheEnd) {
-    begin_final_pass();
-    emit_zeros(16);
-    end_array();
-    EXPECT_TRUE(rows().ends_with(",0x00,\n};\n"));
-}
-
-TEST_F(ArrayRows, NothingIsAddedBeforeTheFinalPassOrWithoutTheOption) {
+TEST_F(Formats, TakeNothingBeforeTheFinalPass) {
+    emit_to(take_byte, take_record);
     ebyte(1);
     elong(1);
-    EXPECT_EQ(rows(), "");
-    O_cout = 0;
-    begin_final_pass();
-    ebyte(1);
-    elong(1);
-    outcode(1);
-    EXPECT_EQ(rows(), "");
+    putout();
+    EXPECT_TRUE(bytes_taken.empty());
+    EXPECT_TRUE(records_taken.empty());
 }
 
-TEST_F(ArrayRows, NewRunBeginsARow) {
-    algofilecount = 5;
+TEST_F(Formats, TakeWhatTheyHaveAskedFor) {
+    emit_to(take_byte, nullptr);
+    begin_final_pass();
+    ebyte(1);
+    putout();
+    EXPECT_EQ(bytes_taken.size(), 1U);
+    EXPECT_TRUE(records_taken.empty());
+}
+
+TEST_F(Formats, AreForgottenByANewRun) {
+    emit_to(take_byte, take_record);
     code_i = 7;
     emit_new_run();
-    EXPECT_EQ(algofilecount, 0U);
     EXPECT_EQ(code_i, 0U);
+    begin_final_pass();
+    ebyte(1);
+    putout();
+    EXPECT_TRUE(bytes_taken.empty());
+    EXPECT_TRUE(records_taken.empty());
+    EXPECT_EQ(object(), "");
 }
 
 } // namespace

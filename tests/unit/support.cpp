@@ -8,7 +8,6 @@
 #include "as/asListing.h"
 #include "as/asMain.h"
 #include "as/asOptions.h"
-#include "as/asOutput.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"
 #include "target/encode.h"
@@ -24,12 +23,6 @@
 #include <fcntl.h>
 #include <unistd.h>
 
-namespace {
-
-void throw_end_of_run(int status) { throw EndOfRun{status}; }
-
-} // namespace
-
 void RunTest::SetUp() {
     std::string pattern = (std::filesystem::temp_directory_path() / "zirpa_XXXXXX").string();
     ASSERT_NE(mkdtemp(pattern.data()), nullptr);
@@ -40,13 +33,11 @@ void RunTest::SetUp() {
     output_ = ::open(directory.c_str(), O_TMPFILE | O_RDWR | O_CLOEXEC, 0600);
     ASSERT_GE(output_, 0);
     standard_output.attach(output_);
-    end_run_hook = throw_end_of_run;
     Pass = 1;
     begin_pass();
 }
 
 void RunTest::TearDown() {
-    end_run_hook = nullptr;
     standard_output.flush();
     start_up("HXzirpa");
     ::close(output_);

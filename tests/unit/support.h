@@ -1,18 +1,13 @@
 // What the unit tests share: a run set up anew for each test, a line to scan, captured output, and
-// ends of runs that come back as exceptions.
+// outputs that can be read back.
 #pragma once
 
-#include "util/output.h"
+#include "as/asStreams.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
-
-// Thrown in place of leaving the process.
-struct EndOfRun {
-    int status;
-};
 
 // Every test begins as a run does, in a fresh temporary working directory, in pass 1.
 class RunTest : public ::testing::Test {

@@ -2,9 +2,9 @@
 #include "as/asDiag.h"
 #include "as/asList.h"
 #include "as/asOptions.h"
-#include "as/asOutput.h"
 #include "as/asPlace.h"
 #include "as/asSource.h"
+#include "as/asStreams.h"
 #include "symtab/symtab.h"
 #include "tests/unit/support.h"
 

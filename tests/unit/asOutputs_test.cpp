@@ -1,14 +1,17 @@
 // The output files of a run: their names, their creation, headers and close-down.
 #include "as/asCommand.h"
+#include "as/asDebug.h"
 #include "as/asDiag.h"
-#include "as/asFiles.h"
 #include "as/asOptions.h"
-#include "as/asOutput.h"
+#include "as/asOutputs.h"
 #include "as/asPlace.h"
 #include "as/asPseudo.h"
 #include "as/asSource.h"
+#include "target/carray.h"
 #include "target/emit.h"
 #include "target/location.h"
+#include "target/script.h"
+#include "target/srecord.h"
 #include "tests/unit/support.h"
 
 #include <filesystem>
@@ -40,11 +43,6 @@ class OutputFiles : public RunTest {
         outrecinit(record_type, LC);
     }
 
-    // Ends the run as a fatal error does: what has been created stays.
-    static void abandon_run() {
-        EXPECT_EQ(end_status([] { end_run(1); }), 1);
-    }
-
     static std::string refused(const std::string &name) {
         return "Cannot create output fil '" + name + "'\n";
     }
@@ -61,7 +59,7 @@ TEST_F(OutputFiles, NamesComeFromTheSourceInTheWorkingDirectory) {
     EXPECT_EQ(Object_name, "a.s19");
     EXPECT_EQ(List_name, "a.lst");
     EXPECT_EQ(zirpafilename, "a.fmem");
-    abandon_run();
+    close_outputs();
     for (const char *name : {"a.s19", "a.lst", "a.fmem"}) {
         EXPECT_TRUE(file_exists(name)) << name;
     }
@@ -77,7 +75,7 @@ TEST_F(OutputFiles, GivenNameServesTheRecordsAndItsTitleTheListing) {
     EXPECT_EQ(Object_name, "out/prog.v2.s19");
     EXPECT_EQ(List_name, "prog.v2.lst");
     EXPECT_EQ(zirpafilename, "a.fmem");
-    abandon_run();
+    close_outputs();
     for (const char *name : {"out/prog.v2.s19", "prog.v2.lst", "prog.v2_cout.c", "a.fmem"}) {
         EXPECT_TRUE(file_exists(name)) << name;
     }
@@ -97,7 +95,7 @@ TEST_F(OutputFiles, OptionalFilesAreCreatedOnRequestAlone) {
     EXPECT_TRUE(zirpafile.is_open());
     EXPECT_FALSE(listfile.is_open());
     EXPECT_FALSE(algofile.is_open());
-    abandon_run();
+    close_outputs();
     EXPECT_FALSE(file_exists("a.lst"));
     EXPECT_FALSE(file_exists("a_cout.c"));
 }
@@ -141,13 +139,12 @@ TEST_F(OutputFiles, StandardStreamsThatAreFilesAreRefusedAsOutputs) {
 TEST_F(OutputFiles, NewRunForgetsTheNames) {
     O_list = 1;
     ASSERT_EQ(openfiles("a.szirpa"), 1);
-    files_new_run();
+    outputs_new_run();
     EXPECT_EQ(File_name, "");
     EXPECT_EQ(FileTitle, "");
     EXPECT_EQ(Object_name, "");
     EXPECT_EQ(List_name, "");
     EXPECT_EQ(zirpafilename, "");
-    EXPECT_EQ(startsymname, "start");
 }
 
 // ---- Failures
@@ -259,7 +256,7 @@ TEST_F(OutputFiles, LinkThatLeadsNowhereIsReplacedByTheOutput) {
         std::filesystem::create_symlink(target, "a.lst");
         EXPECT_EQ(end_status([] { openfiles("a.szirpa"); }), -1) << target;
         EXPECT_TRUE(listfile.is_open()) << target;
-        abandon_run();
+        close_outputs();
         EXPECT_TRUE(std::filesystem::is_regular_file(std::filesystem::symlink_status("a.lst")));
         EXPECT_EQ(take_output(), "");
         source_new_pass();
@@ -295,7 +292,7 @@ TEST_F(OutputFiles, HeadersNameTheirFiles) {
     name_output("out/prog.s19");
     begin_final_pass();
     write_headers();
-    abandon_run();
+    close_outputs();
     EXPECT_EQ(read_text("prog.lst"), "HXzirpa - ZIRPA Absolute crossassembler, Version 1.3\n"
                                      "Free software under the MIT License.\n"
                                      "\n"
@@ -433,6 +430,64 @@ TEST_F(OutputFiles, ListingThatCannotBeWrittenTakesTheRecordsWithIt) {
     EXPECT_TRUE(report_write_failures());
     EXPECT_EQ(take_output(), "HXzirpa: Can't write 'a.lst'\n");
     EXPECT_FALSE(file_exists("a.s19"));
+}
+
+// ---- Runs that end early
+// ---------------------------------------------------------------------------------
+
+class EarlyEnd : public OutputFiles {
+  protected:
+    void SetUp() override {
+        OutputFiles::SetUp();
+        O_list = 1;
+        O_cout = 1;
+        begin_final_pass();
+        objectfile.put("one");
+        listfile.put("two");
+        algofile.put("three");
+        zirpafile.put("four");
+    }
+
+    static void expect_side_outputs() {
+        EXPECT_EQ(read_text("a.lst"), "two");
+        EXPECT_EQ(read_text("a_cout.c"), "const unsigned char algo[] = {\nthree");
+        EXPECT_EQ(read_text("a.fmem"), "four");
+    }
+};
+
+TEST_F(EarlyEnd, ClosedOutputsHoldWhatHasBeenWritten) {
+    close_outputs();
+    EXPECT_EQ(read_text("a.s19"), "one");
+    expect_side_outputs();
+}
+
+TEST_F(EarlyEnd, AbandonedOutputsDoTooButTheRecordsAreDeleted) {
+    abandon_outputs();
+    EXPECT_FALSE(file_exists("a.s19"));
+    expect_side_outputs();
+}
+
+// What is not open is not this run's.
+TEST_F(EarlyEnd, AbandonedRunWithoutRecordsDeletesNone) {
+    close_outputs();
+    abandon_outputs();
+    EXPECT_EQ(read_text("a.s19"), "one");
+}
+
+TEST_F(EarlyEnd, NewRunClosesWhatAnEarlierRunLeftOpen) {
+    outputs_new_run();
+    for (const OutputFile *file : {&objectfile, &listfile, &algofile, &zirpafile}) {
+        EXPECT_FALSE(file->is_open());
+    }
+    EXPECT_FALSE(file_exists("a.s19"));
+    expect_side_outputs();
+}
+
+TEST_F(OutputFiles, NewRunForgetsTheFailuresOfAnEarlierOne) {
+    ASSERT_TRUE(create_output(listfile, "/dev/full", OldFile::kReplaced));
+    listfile.put("text");
+    outputs_new_run();
+    EXPECT_FALSE(listfile.has_failed());
 }
 
 } // namespace

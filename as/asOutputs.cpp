@@ -1,0 +1,290 @@
+#include "as/asOutputs.h"
+
+#include "as/asCommand.h"
+#include "as/asDebug.h"
+#include "as/asDiag.h"
+#include "as/asListing.h"
+#include "as/asOptions.h"
+#include "as/asPseudo.h"
+#include "as/asSource.h"
+#include "as/asStreams.h"
+#include "symtab/symtab.h"
+#include "target/carray.h"
+#include "target/emit.h"
+#include "target/location.h"
+#include "target/script.h"
+#include "target/srecord.h"
+#include "util/path.h"
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <vector>
+
+#include <unistd.h>
+
+std::string File_name;
+std::string FileTitle;
+std::string Object_name;
+std::string List_name;
+std::string zirpafilename;
+
+namespace {
+
+constexpr std::size_t kOpenfilesNameLimit = 1023;
+
+std::string array_name; // the C array file
+
+// ---- The outputs ----
+
+std::uint32_t entry_address() {
+    if (entry_is_defined != 0) {
+        return static_cast<std::uint32_t>(entryLC);
+    }
+    return default_entry_seen != 0 ? defaultentryLC : LC;
+}
+
+void end_object_file() {
+    end_srecords(entry_address());
+    if (O_symdebug != 0) {
+        write_debug_part();
+    }
+}
+
+// Where an output's name comes from.
+enum class Naming {
+    kOption, // the name given with -o itself; else the source's title and the suffix
+    kTitle,  // the title of the name given with -o, else of the source, and the suffix
+    kSource, // always the source's title and the suffix
+};
+
+// What isn't given doesn't apply: an output without an option is always wanted, one without a
+// writer takes nothing.
+struct Output {
+    OutputFile &file;
+    std::string &name;
+    Naming naming;
+    const char *suffix;
+    // What the run is for: it ends when this can't be created. An old file keeps its owner and
+    // mode. It appears last, when all is well, and is deleted otherwise.
+    bool is_result = false;
+    std::int16_t *option = nullptr;                  // cleared when the output can't be created
+    const OutputFile *companion = nullptr;           // an output without which this one stays empty
+    void (*warn)() = nullptr;                        // reports either
+    void (*begin)() = nullptr;                       // when the file is created
+    void (*head)(const std::string &name) = nullptr; // before the final pass
+    ByteWriter byte_writer = nullptr;
+    RecordWriter record_writer = nullptr;
+    void (*tail)() = nullptr; // after the final pass
+
+    bool is_wanted() const { return option == nullptr || *option != 0; }
+};
+
+// In the order in which the outputs are created and their failures reported.
+constexpr std::array<Output, 4> kOutputs = {{
+    {.file = objectfile,
+     .name = Object_name,
+     .naming = Naming::kOption,
+     .suffix = ".s19",
+     .is_result = true,
+     .record_writer = put_srecord,
+     .tail = end_object_file},
+    {.file = listfile,
+     .name = List_name,
+     .naming = Naming::kTitle,
+     .suffix = ".lst",
+     .option = &O_list,
+     .warn = [] { Warning("Can't create listfile"); },
+     .head = begin_listing,
+     .tail = end_listing},
+    // Quirk (array-needs-listing): without a listing the array stays empty, because it is the
+    // listing that is asked for when the array is created.
+    {.file = algofile,
+     .name = array_name,
+     .naming = Naming::kTitle,
+     .suffix = "_cout.c",
+     .option = &O_cout,
+     .companion = &listfile,
+     .warn = [] { Warning("Can't create C output file"); },
+     .begin = begin_array,
+     .byte_writer = put_array_value,
+     .tail = end_array},
+    // Quirk (script-name): after the source even with -o, where simulators look for it.
+    {.file = zirpafile,
+     .name = zirpafilename,
+     .naming = Naming::kSource,
+     .suffix = ".fmem",
+     .head = begin_script,
+     .record_writer = put_script_lines},
+}};
+static_assert(kOutputs.size() <= kMostTemporaryFiles);
+
+// ---- Names ----
+
+void derive_names(const char *file) {
+    File_name = FilenameFromPath(file);
+    FileTitle = File_name;
+    RemoveExtension(FileTitle);
+    std::string title = FileTitle;
+    if (O_oflag != 0) {
+        title = FilenameFromPath(OutputTitle.c_str());
+        RemoveExtension(title);
+    }
+    for (const Output &output : kOutputs) {
+        output.name = (output.naming == Naming::kTitle ? title : FileTitle) + output.suffix;
+        if (output.naming == Naming::kOption && O_oflag != 0) {
+            output.name = OutputTitle;
+        }
+    }
+}
+
+// ---- Outputs that must not be the same file ----
+
+[[noreturn]] void refuse(const Output &output) {
+    vpFatal("Cannot create output fil '%s'", output.name.c_str());
+}
+
+// Ends the run if an output is the same file as the source or an output before it, or as a standard
+// stream: messages would overwrite it.
+void refuse_colliding_outputs() {
+    const auto printed = regular_file(STDOUT_FILENO);
+    const auto complained = regular_file(STDERR_FILENO);
+    std::vector<const Destination *> earlier;
+    for (const Output &output : kOutputs) {
+        if (!output.is_wanted()) {
+            continue;
+        }
+        Destination &destination = output.file.destination();
+        const OldFile old_file = output.is_result ? OldFile::kRewritten : OldFile::kReplaced;
+        if (!destination.look_up(output.name, old_file) || is_source_file(destination) ||
+            (printed && destination.is_file(*printed)) ||
+            (complained && destination.is_file(*complained)) ||
+            std::any_of(earlier.begin(), earlier.end(), [&](const Destination *other) {
+                return destination.is_same_file(*other);
+            })) {
+            refuse(output);
+        }
+        earlier.push_back(&destination);
+    }
+}
+
+// ---- Creation ----
+
+// Goes on without an output that can't be created, unless it is the result.
+void create(const Output &output) {
+    const bool created = output.file.create();
+    if (!created && output.is_result) {
+        refuse(output);
+    }
+    if (created && (output.companion == nullptr || output.companion->is_open())) {
+        if (output.begin != nullptr) {
+            output.begin();
+        }
+        emit_to(output.byte_writer, output.record_writer);
+    } else if (output.option != nullptr) {
+        output.warn();
+        *output.option = 0;
+    }
+}
+
+// ---- Close-down ----
+
+bool any_has_failed() {
+    return std::any_of(kOutputs.begin(), kOutputs.end(),
+                       [](const Output &output) { return output.file.has_failed(); });
+}
+
+bool all_is_well() { return Errors == 0 && !any_has_failed(); }
+
+// Applies an action to the results, or to all other outputs.
+template <typename Action> void for_each(bool is_result, Action action) {
+    for (const Output &output : kOutputs) {
+        if (output.is_result == is_result) {
+            action(output.file);
+        }
+    }
+}
+
+void close_side_outputs() {
+    for_each(false, [](OutputFile &file) { file.close(); });
+}
+
+} // namespace
+
+void outputs_new_run() {
+    abandon_outputs();
+    File_name.clear();
+    FileTitle.clear();
+    for (const Output &output : kOutputs) {
+        output.file.forget_failure();
+        output.name.clear();
+    }
+}
+
+int openfiles(const char *file) {
+    if (std::strlen(file) > kOpenfilesNameLimit || push_source(file) == 0) {
+        return 0;
+    }
+    derive_names(file);
+    refuse_colliding_outputs();
+    for (const Output &output : kOutputs) {
+        if (output.is_wanted()) {
+            create(output);
+        }
+    }
+    if (O_symdebug != 0) {
+        begin_debug_records();
+    }
+    return 1;
+}
+
+void write_headers() {
+    for (const Output &output : kOutputs) {
+        if (output.is_wanted() && output.head != nullptr) {
+            output.head(output.name);
+        }
+    }
+}
+
+void CloseDown() {
+    for (const Output &output : kOutputs) {
+        if (output.is_wanted() && output.tail != nullptr) {
+            output.tail();
+        }
+    }
+    close_side_outputs();
+    // What the buffers hold is not worth writing after errors. Closing may fail as well.
+    if (Errors == 0) {
+        for_each(true, [](OutputFile &file) { file.finish(); });
+    }
+    if (all_is_well()) {
+        for_each(true, [](OutputFile &file) { file.publish(); });
+    }
+    if (!all_is_well()) {
+        for_each(true, [](OutputFile &file) { file.withdraw(); });
+    }
+    closesym();
+}
+
+bool report_write_failures() {
+    for (const Output &output : kOutputs) {
+        if (output.file.has_failed()) {
+            standard_output.put({kProgramName, ": Can't write '", output.name, "'\n"});
+        }
+    }
+    return any_has_failed();
+}
+
+void close_outputs() {
+    close_side_outputs();
+    for_each(true, [](OutputFile &file) { file.close(); });
+}
+
+void abandon_outputs() {
+    close_side_outputs();
+    for_each(true, [](OutputFile &file) {
+        if (file.is_open()) {
+            file.withdraw();
+        }
+    });
+}
