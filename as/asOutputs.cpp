@@ -70,7 +70,7 @@ struct Output {
     bool is_result = false;
     std::int16_t *option = nullptr;                  // cleared when the output can't be created
     const OutputFile *companion = nullptr;           // an output without which this one stays empty
-    void (*warn)() = nullptr;                        // reports either
+    void (*warn)() = nullptr;                        // reports either; goes with an option
     void (*begin)() = nullptr;                       // when the file is created
     void (*head)(const std::string &name) = nullptr; // before the final pass
     ByteWriter byte_writer = nullptr;

@@ -4,7 +4,6 @@
 #include "as/asPlace.h"
 #include "as/asSource.h"
 #include "as/asStreams.h"
-#include "target/srecord.h"
 #include "tests/unit/support.h"
 
 #include <algorithm>
@@ -338,7 +337,7 @@ TEST_F(Diagnostics, FatalErrorNamesThePathInBothPlacesAndEndsWithStatusOne) {
     open_listing();
     EXPECT_EQ(end_status([] { vpFatal("File '%s' not found", "x"); }), 1);
     EXPECT_EQ(take_output(), path() + " (12)Fatal error: File 'x' not found\n");
-    EXPECT_EQ(read_text("out.lst"), "\"" + path() + "\" (12) Fatal error: File 'x' not found\n");
+    EXPECT_EQ(listing(), "\"" + path() + "\" (12) Fatal error: File 'x' not found\n");
     EXPECT_EQ(Errors, 0);
     EXPECT_EQ(Warnings, 0);
 }
@@ -354,7 +353,7 @@ TEST_F(Diagnostics, FatalErrorWithoutAFileNamesNoneAndIsNotListed) {
     open_listing();
     EXPECT_EQ(end_status([] { vpFatal("Cannot create output fil '%s'", "a.s19"); }), 1);
     EXPECT_EQ(take_output(), "Fatal error: Cannot create output fil 'a.s19'\n");
-    EXPECT_EQ(read_text("out.lst"), "");
+    EXPECT_EQ(listing(), "");
 }
 
 TEST_F(Diagnostics, FatalErrorIsNotSilencedByAnErrorOfTheLine) {
@@ -374,13 +373,6 @@ TEST_F(Diagnostics, FatalTextIsCutTo1024Characters) {
         const std::string shown(std::min<std::size_t>(size, 1024), 'x');
         EXPECT_EQ(take_output(), "Fatal error: " + shown + "\n") << size;
     }
-}
-
-TEST_F(Diagnostics, FatalErrorLeavesFilesAsTheyAre) {
-    open_output(objectfile, "a.s19");
-    objectfile.put("S1");
-    EXPECT_EQ(end_status([] { vpFatal("%s", "over"); }), 1);
-    EXPECT_EQ(read_text("a.s19"), "S1");
 }
 
 // ---- State
