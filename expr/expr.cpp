@@ -3,8 +3,8 @@
 #include "as/asDiag.h"
 #include "as/asOptions.h"
 #include "as/asPlace.h"
+#include "expr/record.h"
 #include "symtab/symtab.h"
-#include "target/operand.h"
 #include "target/scan.h"
 #include "util/text.h"
 #include "util/wrap.h"
@@ -248,17 +248,6 @@ void add_term(Step &step) {
 // operator; any other operator takes the whole value so far. Quirk (remainder-of-sum): a "%" alone
 // is such an operator. Quirk (doubled-percent): "%%" is not, since its second "%" begins a number.
 bool term_goes_on(const char *p) { return *p == '/' || *p == '*' || (*p == '%' && p[1] == '%'); }
-
-void note_symbol(OperandRecord &operand, Symbol *symbol) {
-    const auto count = static_cast<std::size_t>(operand.symbol_count++);
-    if (count < kOperandSymbolLimit) {
-        operand.symbols[count] = symbol;
-    }
-    if (operand.first_symbol == nullptr) {
-        operand.first_symbol = symbol;
-    }
-    operand.symbol_size = symbol->bit_size;
-}
 
 void count_forward_reference(Symbol *symbol) {
     if (Pass2 == 0) {

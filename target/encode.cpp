@@ -6,6 +6,7 @@
 
 #include "as/asDiag.h"
 #include "as/asOptions.h"
+#include "expr/record.h"
 #include "target/emit.h"
 #include "target/location.h"
 #include "target/operand.h"

@@ -5,13 +5,8 @@
 #include "expr/expr.h"
 #include "target/optab.h"
 #include "target/scan.h"
-#include "util/clear.h"
 #include "util/text.h"
 
-#include <algorithm>
-
-OperandRecord opnd1;
-OperandRecord opnd2;
 int commadel = 0;
 
 namespace {
@@ -20,16 +15,12 @@ bool is_register(int token) {
     return token == TOK_A || token == TOK_CC || token == TOK_X || token == TOK_Y || token == TOK_SP;
 }
 
-std::size_t remembered_symbols(const OperandRecord &operand) {
-    return std::min(static_cast<std::size_t>(operand.symbol_count), kOperandSymbolLimit);
-}
-
 // The one of two modes that an index register stands for, or 0 for any other token.
 std::uint64_t index_mode(int token, std::uint64_t x_mode, std::uint64_t y_mode) {
     return token == TOK_X ? x_mode : token == TOK_Y ? y_mode : 0;
 }
 
-// Behind an expression: nothing, or a comma and the register that it is an offset from.
+// After an expression: nothing, or a comma and the register that it is an offset from.
 std::uint64_t mode_after_expression() {
     if (lookahead(',') == 0) {
         return ADR_ABS;
@@ -41,7 +32,7 @@ std::uint64_t mode_after_expression() {
     return index_mode(token, ADR_X_OFF, ADR_Y_OFF);
 }
 
-// Behind a comma without an expression: a register with its step before or after it.
+// After a comma without an expression: a register with its step before or after it.
 std::uint64_t auto_step_mode() {
     if (lookahead('-') != 0) {
         return index_mode(gettoken(kOperandMode), ADR_X_PREDEC, ADR_Y_PREDEC);
@@ -68,11 +59,6 @@ std::uint64_t accumulator_mode() {
 }
 
 } // namespace
-
-void ClearOp(OperandRecord &operand) {
-    clear_used<4>(operand.symbols, remembered_symbols(operand));
-    static_cast<OperandResult &>(operand) = {};
-}
 
 int Parse_Operand(OperandRecord &operand) {
     // Before the final pass the mode alone counts.

@@ -4,8 +4,8 @@
 
 #include "as/asDiag.h"
 #include "as/asOptions.h"
+#include "expr/record.h"
 #include "target/emit.h"
-#include "target/operand.h"
 #include "util/bitsize.h"
 #include "util/wrap.h"
 

@@ -4,6 +4,7 @@
 #include "as/asPlace.h"
 #include "as/asStreams.h"
 #include "expr/expr.h"
+#include "expr/record.h"
 #include "symtab/symtab.h"
 #include "target/operand.h"
 #include "target/scan.h"

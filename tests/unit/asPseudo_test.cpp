@@ -5,6 +5,7 @@
 #include "as/asPlace.h"
 #include "as/asPseudo.h"
 #include "as/asSource.h"
+#include "expr/record.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"
 #include "target/location.h"

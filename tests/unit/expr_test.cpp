@@ -3,8 +3,8 @@
 #include "expr/expr.h"
 
 #include "as/asOptions.h"
+#include "expr/record.h"
 #include "symtab/symtab.h"
-#include "target/operand.h"
 #include "target/scan.h"
 #include "tests/unit/support.h"
 

@@ -225,33 +225,6 @@ TEST_F(OperandParser, FillsTheRecordThatItIsGiven) {
     EXPECT_EQ(opnd1.mode, 0U);
 }
 
-TEST_F(OperandParser, ClearingZeroesEveryField) {
-    Symbol symbol;
-    OperandRecord operand;
-    operand.mode = ADR_IMM;
-    operand.value = -1;
-    operand.pc_bias = 1;
-    operand.forward_references = 2;
-    operand.symbol_size = -1;
-    operand.external_offset = 3;
-    operand.term_count = 1;
-    operand.symbol_count = static_cast<std::int32_t>(kOperandSymbolLimit) + 1;
-    operand.first_symbol = &symbol;
-    operand.symbols.fill(&symbol);
-    ClearOp(operand);
-    EXPECT_EQ(operand.mode, 0U);
-    EXPECT_EQ(operand.value, 0);
-    EXPECT_EQ(operand.pc_bias, 0);
-    EXPECT_EQ(operand.forward_references, 0);
-    EXPECT_EQ(operand.symbol_size, 0);
-    EXPECT_EQ(operand.external_offset, 0);
-    EXPECT_EQ(operand.term_count, 0);
-    EXPECT_EQ(operand.symbol_count, 0);
-    EXPECT_EQ(operand.first_symbol, nullptr);
-    EXPECT_EQ(operand.symbols[0], nullptr);
-    EXPECT_EQ(operand.symbols[kOperandSymbolLimit - 1], nullptr);
-}
-
 TEST_F(OperandParser, ALineBeginsWithoutTheCommaFlag) {
     commadel = 1;
     operand_new_line();

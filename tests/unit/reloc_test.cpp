@@ -3,9 +3,9 @@
 
 #include "as/asDiag.h"
 #include "as/asOptions.h"
+#include "expr/record.h"
 #include "target/emit.h"
 #include "target/location.h"
-#include "target/operand.h"
 #include "tests/unit/support.h"
 
 #include <cstddef>
