@@ -5,7 +5,7 @@
 #include "as/asListing.h"
 #include "as/asPlace.h"
 #include "as/asPseudo.h"
-#include "expr/expr.h"
+#include "expr/evaluate.h"
 #include "symtab/symtab.h"
 #include "target/scan.h"
 #include "util/text.h"

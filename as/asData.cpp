@@ -4,7 +4,7 @@
 #include "as/asLabel.h"
 #include "as/asOptions.h"
 #include "as/asPlace.h"
-#include "expr/expr.h"
+#include "expr/evaluate.h"
 #include "expr/record.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"

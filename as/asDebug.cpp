@@ -4,7 +4,7 @@
 #include "as/asList.h"
 #include "as/asPlace.h"
 #include "as/asRead.h"
-#include "expr/expr.h"
+#include "expr/evaluate.h"
 #include "symtab/symtab.h"
 #include "target/location.h"
 #include "target/srecord.h"

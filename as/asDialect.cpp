@@ -8,7 +8,7 @@
 #include "as/asPlace.h"
 #include "as/asPseudo.h"
 #include "as/asSource.h"
-#include "expr/expr.h"
+#include "expr/evaluate.h"
 #include "target/operand.h"
 #include "util/path.h"
 #include "util/text.h"

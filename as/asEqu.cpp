@@ -5,7 +5,7 @@
 #include "as/asList.h"
 #include "as/asOptions.h"
 #include "as/asPlace.h"
-#include "expr/expr.h"
+#include "expr/evaluate.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"
 #include "util/text.h"

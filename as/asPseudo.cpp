@@ -7,7 +7,7 @@
 #include "as/asOptions.h"
 #include "as/asPlace.h"
 #include "as/asSource.h"
-#include "expr/expr.h"
+#include "expr/evaluate.h"
 #include "expr/record.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"

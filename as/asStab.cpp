@@ -6,7 +6,7 @@
 #include "as/asDiag.h"
 #include "as/asPlace.h"
 #include "as/asRead.h"
-#include "expr/expr.h"
+#include "expr/evaluate.h"
 #include "symtab/symtab.h"
 #include "target/location.h"
 #include "util/number.h"

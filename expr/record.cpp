@@ -1,3 +1,5 @@
+// One record serves all operands of a run, since only one is worked on at a time; so each use
+// begins with a cleared one.
 #include "expr/record.h"
 
 #include "symtab/symtab.h"

@@ -1,8 +1,11 @@
+// An operand has an expression, a register or neither in front, then a comma and a register, with a
+// step beside it or not. The expression is tried first, and what it does not take is looked at by
+// registers: that a register's name can't begin an expression is what keeps the two apart.
 #include "target/operand.h"
 
 #include "as/asOptions.h"
 #include "as/asPlace.h"
-#include "expr/expr.h"
+#include "expr/evaluate.h"
 #include "target/optab.h"
 #include "target/scan.h"
 #include "util/text.h"

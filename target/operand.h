@@ -1,9 +1,9 @@
 // The operand parser: turns the operand field of an instruction into one addressing mode and a
 // value.
 //
-// A fault in the form of an operand is not reported here: the encoder that asks for the operand knows
-// which message fits the instruction. All parts stand right next to each other, since a blank ends
-// the operand and begins the comment.
+// A fault in the form of an operand is not reported here: the encoder that asks for the operand
+// knows which message fits the instruction. All parts stand right next to each other, since a blank
+// ends the operand and begins the comment.
 #pragma once
 
 #include "expr/record.h"

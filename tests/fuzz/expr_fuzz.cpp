@@ -3,7 +3,7 @@
 #include "as/asOptions.h"
 #include "as/asPlace.h"
 #include "as/asStreams.h"
-#include "expr/expr.h"
+#include "expr/evaluate.h"
 #include "expr/record.h"
 #include "symtab/symtab.h"
 #include "target/operand.h"

@@ -3,7 +3,7 @@
 #include "as/asLabel.h"
 #include "as/asRead.h"
 #include "as/asSource.h"
-#include "expr/expr.h"
+#include "expr/evaluate.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"
 #include "target/encode.h"

@@ -62,6 +62,53 @@ bool is_delimiter_code(int code) {
     return code < 33 || code > 127 || kDelimiterMarks.find(byte(code)) != std::string::npos;
 }
 
+// ---- A token as it stands in the text ----
+
+TEST_F(TokenScanner, ALookAtATokenMovesNothing) {
+    begin_line("#$1F+x");
+    ctoken = TOK_NAME;
+    const ScannedToken number = scan_token(Line.begin() + 1, kExpressionMode, 0);
+    EXPECT_EQ(number.token, TOK_NUMBER);
+    EXPECT_EQ(number.number, 31);
+    EXPECT_EQ(number.end, Line.begin() + 4);
+    EXPECT_EQ(column(), 0);
+    EXPECT_EQ(ctoken, TOK_NAME);
+}
+
+TEST_F(TokenScanner, TheTokenBeforeIsAsTheCallerSays) {
+    begin_line("%1");
+    ctoken = TOK_NUMBER;
+    EXPECT_EQ(scan_token(Col_Ptr, kExpressionMode, TOK_PLUS).token, TOK_NUMBER);
+    ctoken = TOK_PLUS;
+    EXPECT_EQ(scan_token(Col_Ptr, kExpressionMode, TOK_NUMBER).token, TOK_REMAINDER);
+}
+
+TEST_F(TokenScanner, TheCodesFallIntoKinds) {
+    for (const int code : {0, 32, 255}) {
+        EXPECT_TRUE(is_character(code)) << code;
+    }
+    for (int code = 257; code <= 294; ++code) {
+        EXPECT_FALSE(is_character(code)) << code;
+        EXPECT_EQ(is_operand(code), code == 276 || code == 277) << code;
+        EXPECT_EQ(is_operator(code), (code >= 258 && code <= 275) || code == 286) << code;
+    }
+    EXPECT_FALSE(is_operand(44));
+    EXPECT_FALSE(is_operator(44));
+}
+
+TEST_F(TokenScanner, OnlyTheCharactersOfAnOperatorBelongToIt) {
+    const std::vector<std::string> pairs = {"==", "!=", "<=", "<<", ">=", ">>", "||", "&&"};
+    for (const char first : std::string("()*+-/^~|&!=<>")) {
+        for (int code = 1; code < 256; ++code) {
+            const std::string text = {first, byte(code)};
+            const bool is_pair = std::find(pairs.begin(), pairs.end(), text) != pairs.end();
+            const int read = token(text);
+            EXPECT_EQ(column(), is_pair ? 2 : 1) << first << ' ' << code;
+            EXPECT_EQ(is_character(read), !is_pair && first == '=') << first << ' ' << code;
+        }
+    }
+}
+
 // ---- Names ----
 
 TEST_F(TokenScanner, NamesBeginWithALetterOrAnUnderscore) {
@@ -114,20 +161,6 @@ TEST_F(TokenScanner, AByteFrom128UpRightBehindMakesItNoName) {
         }
         EXPECT_EQ(reads_name(std::string("ab") + byte(code)), code < 128) << code;
         EXPECT_EQ(column(), code < 128 ? 2 : 0) << code;
-    }
-}
-
-TEST_F(TokenScanner, ALengthIsToldForANameOnly) {
-    EXPECT_EQ(symbol_length("a.b$_9,"), 6U);
-    EXPECT_EQ(symbol_length("_"), 1U);
-    EXPECT_EQ(symbol_length("9a"), 0U);
-    EXPECT_EQ(symbol_length(".a"), 0U);
-    EXPECT_EQ(symbol_length("$a"), 0U);
-    EXPECT_EQ(symbol_length(""), 0U);
-    EXPECT_EQ(symbol_length("ab\xE9"), 0U);
-    for (const std::size_t length : {127U, 128U, 129U, 130U}) {
-        EXPECT_EQ(symbol_length(std::string(length, 'n').c_str()),
-                  std::min<std::size_t>(length, 128));
     }
 }
 

@@ -1,8 +1,9 @@
-// The expression evaluator.
-#include "as/asPlace.h"
-#include "expr/expr.h"
+// The evaluation of expressions, and the faults with which it is refused.
+#include "expr/evaluate.h"
 
 #include "as/asOptions.h"
+#include "as/asPlace.h"
+#include "expr/check.h"
 #include "expr/record.h"
 #include "symtab/symtab.h"
 #include "target/scan.h"
@@ -463,28 +464,6 @@ TEST_F(ExpressionWithoutValue, LeavesBehindWhatTheEvaluationLeaves) {
         EXPECT_EQ(traces(text, false), traces(text, true)) << text;
     }
     EXPECT_EQ(traces("one+two*one ", false).names, (std::vector<std::string>{"one", "two", "one"}));
-}
-
-// ---- The syntax check alone ----
-
-TEST_F(Expression, TheCheckLeavesTheScanPositionBehindAGoodExpression) {
-    begin("1+2,X");
-    EXPECT_EQ(p00(), STATUS_OK);
-    EXPECT_EQ(column(), 3);
-    EXPECT_EQ(state, STATE_OPERAND_SEEN);
-}
-
-TEST_F(Expression, TheCheckDoesNotMoveOnAFaultyExpression) {
-    const std::vector<std::pair<std::string, int>> texts = {
-        {"#(1+2", 3000}, {"#1)", 3001},   {"#+1", 3002}, {"#'A''B'", 3003},
-        {"#1+", 3004},   {"#'A'?", 3005}, {"#SP", 3006}};
-    for (const auto &[text, code] : texts) {
-        begin(text);
-        ++Col_Ptr;
-        EXPECT_EQ(p00(), code) << text;
-        EXPECT_EQ(column(), 1) << text;
-    }
-    EXPECT_EQ(take_output(), "");
 }
 
 // ---- One step alone ----
