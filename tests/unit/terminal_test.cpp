@@ -3,6 +3,7 @@
 
 #include "tests/unit/support.h"
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -29,10 +30,20 @@ class Terminal : public RunTest {
         EXPECT_EQ(::tcsetattr(terminal, TCSANOW, &settings), 0);
         TerminalGuard guard;
         EXPECT_TRUE(guard.write(terminal, text));
-        std::string arrived(16384, '\0');
-        const ssize_t size = text.empty() ? 0 : ::read(master, arrived.data(), arrived.size());
-        EXPECT_GE(size, 0);
-        arrived.resize(static_cast<std::size_t>(size));
+        // It may arrive in pieces, so a mark tells the end.
+        constexpr char kEnd = '\x1C';
+        EXPECT_EQ(::write(terminal, &kEnd, 1), 1);
+        std::string arrived;
+        std::array<char, 256> piece{};
+        while (!arrived.ends_with(kEnd)) {
+            const ssize_t size = ::read(master, piece.data(), piece.size());
+            if (size <= 0) {
+                ADD_FAILURE() << "the terminal is closed";
+                break;
+            }
+            arrived.append(piece.data(), static_cast<std::size_t>(size));
+        }
+        arrived.pop_back();
         ::close(terminal);
         ::close(master);
         return arrived;
