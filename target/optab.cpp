@@ -221,7 +221,7 @@ consteval std::array<std::uint8_t, kLetters + 1> first_rows() {
             rows[letter] = static_cast<std::uint8_t>(row);
         }
     }
-    for (; letter <= kLetters; ++letter) {
+    for (; letter < rows.size(); ++letter) {
         rows[letter] = static_cast<std::uint8_t>(optab.size());
     }
     return rows;
