@@ -91,11 +91,17 @@ inline ScannedToken register_or_name(const char *p) {
 // Digits go on up to a delimiter, not up to the first other character, so that 12AB is one faulty
 // number and not a number with a name after it.
 
+const char *digit_fault_text(unsigned base) {
+    switch (base) {
+    case 10: return "Illegal decimal digit";
+    case 16: return "Illegal hexadecimal digit";
+    default: return "Illegal binary digit";
+    }
+}
+
 // Takes the faulty character too, so that the scan goes on after it.
 [[gnu::cold]] ScannedToken faulty_digit(const char *p, unsigned base) {
-    Error(base == 10   ? "Illegal decimal digit"
-          : base == 16 ? "Illegal hexadecimal digit"
-                       : "Illegal binary digit");
+    Error(digit_fault_text(base));
     return token_of(p, TOK_END, 1);
 }
 
