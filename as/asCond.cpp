@@ -1,3 +1,7 @@
+// Two numbers tell where a line stands: ifdepth, how many conditionals are open, and skipping, the
+// depth of the one whose branch is not taken, with everything inside it. A word inside a skipped
+// region only counts the depth; the word of that very depth may end the skipping. Which branch of a
+// conditional has been taken is kept by depth.
 #include "as/asCond.h"
 
 #include "as/asDiag.h"
@@ -37,10 +41,10 @@ std::int32_t &satisfied() {
 
 // ---- The operand words of a line ----
 
-// NULs behind the copy, so that it may be read ahead as the line itself may be.
+// NULs after the copy, so that it may be read ahead as the line itself may be.
 constexpr std::size_t kLookAhead = 16;
 
-// A copy of the rest of the line, split at blanks. A word is followed by a NUL; behind the copy
+// A copy of the rest of the line, split at blanks. A word is followed by a NUL; after the copy
 // there is room for a look ahead.
 struct OperandWords {
     std::array<char, kConditionalTextLimit + kLookAhead> text{};
@@ -82,7 +86,7 @@ void read_words() {
 
 std::int64_t evaluate(const char *word) { return evalexp(word, 1, words.column_of(word)); }
 
-// The symbol named by the first word, entered as undefined if it is new; none, reported, if that
+// The symbol named by the first word, entered as undefined if it is new; null, reported, if that
 // can't be done.
 Symbol *named_symbol() {
     Symbol *symbol = getsym(words.first);
@@ -96,6 +100,8 @@ Symbol *named_symbol() {
     return symbol;
 }
 
+// A test enters a name that is new, marked as met by a test first: the final pass begins with such
+// names undefined, as pass 0 has met them.
 bool name_is_defined() {
     const Symbol *symbol = named_symbol();
     return symbol != nullptr && symbol->has(SYM_DEFINED);
@@ -189,6 +195,7 @@ void do_else() {
     if (satisfied() == kElseSeen) {
         Error("#else after #else");
     }
+    // A second "#else" skips, whatever the first has done.
     skipping = satisfied() != kNoBranchTaken ? ifdepth : 0;
     satisfied() = kElseSeen;
 }
@@ -196,6 +203,7 @@ void do_else() {
 void do_endif() {
     if (skipping != 0) {
         --ifdepth;
+        // The conditional that was skipped is the one that ends here.
         if (skipping > ifdepth) {
             skipping = 0;
         }

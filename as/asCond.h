@@ -15,14 +15,14 @@ inline constexpr std::size_t kConditionalTextLimit = 512;
 
 // ---- State owned here; set up once for all passes ----
 
-extern std::int32_t ifdepth;  // depth of open conditionals, 0: none
-extern std::int32_t skipping; // depth of the conditional whose lines are skipped, 0: none
+extern std::int32_t ifdepth;  // depth of open conditionals
+extern std::int32_t skipping; // depth of the conditional whose lines are skipped; 0: assembled
 
 // ---- Functions ----
 
 void init_as_conditional_handling();
 
-// Carries out the conditional word of that number, with the scan position behind it: 1; or 0 for
+// Carries out the conditional word of that number, with the scan position after it: 1; or 0 for
 // any other number.
 int DoCond(int token);
 

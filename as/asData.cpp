@@ -1,3 +1,6 @@
+// All three define the line's label first, at the location where their bytes begin, then emit, and
+// then register the size with the last seen label. Pass 1 goes the same way, because the bytes that
+// are not emitted yet still move the location counter.
 #include "as/asData.h"
 
 #include "as/asDiag.h"
@@ -29,6 +32,7 @@ void register_size(std::int32_t count, std::uint16_t element_size) {
         Error("RegisterSymSize failed");
         return;
     }
+    // The first directive sets the type of the data, those after it make it longer.
     if (last_seen_label_offset == 0) {
         symbol->element_count = count;
         symbol->element_size = element_size;
@@ -38,7 +42,7 @@ void register_size(std::int32_t count, std::uint16_t element_size) {
     }
 }
 
-// The byte that a character behind a backslash stands for.
+// The byte that a character after a backslash stands for.
 char escaped(char ch) {
     switch (ch) {
     case 'b': return 8;
@@ -76,6 +80,7 @@ int do_define_data() {
     define_directive_label();
     std::int32_t count = 0;
     ClearOp(opnd1);
+    // Before the final pass a value takes its byte whatever it is.
     while (true) {
         if (ppexpr(opnd1, 1, Pass2 != 0) != 0 || do_reloc_cmd(opnd1, REL_CMD_OFF_8, LC) != 0) {
             return kFailed;
@@ -131,6 +136,7 @@ int do_reserve_memory(int unit) {
         return fail("Bad constant delimiter");
     }
     const std::int64_t bytes = wrap_multiply(unit, opnd1.value);
+    // More than the address space can't be meant.
     if (bytes < 1 || bytes > reservation_limit) {
         return fail("Undetermined size for reservation of storage");
     }

@@ -14,7 +14,7 @@ extern std::int64_t reservation_limit; // largest block in bytes: 2^32; only fuz
 // FCB: a list of byte values. 1, or -1 after an error.
 int do_define_data();
 
-// FCS: a string in delimiters, with a 0 byte behind it if terminate is set. 1 before the final
+// FCS: a string in delimiters, with a 0 byte after it if terminate is set. 1 before the final
 // pass, 2 in it, or -1 after an error.
 int do_define_characters(char delimiter, int terminate);
 

@@ -1,3 +1,6 @@
+// A report goes to standard output and, while a listing is open, there too, in a form of its own.
+// The listing's line for the source line follows later, because it shows what the line has
+// generated.
 #include "as/asDiag.h"
 
 #include "as/asOptions.h"
@@ -48,7 +51,7 @@ Place current_place() {
 
 bool is_listing() { return O_list != 0 && listfile.is_open(); }
 
-// Quirk (error-count): 16 bits, so 65,536 errors are none.
+// Quirk (error-count): 16 bits, so 65,536 errors count as 0.
 void count_error() { Errors = static_cast<std::int16_t>(static_cast<std::uint16_t>(Errors) + 1U); }
 
 void report_error(const char *text) {
@@ -96,6 +99,7 @@ void Error(const char *text) {
     Line_Done = 1;
 }
 
+// A handler that reports and gives up does so in one statement.
 int fail(const char *text) {
     Error(text);
     return -1;
@@ -106,6 +110,7 @@ void vpError(const char *format, ...) {
     va_start(values, format);
     const std::string text = Pass2 != 0 ? format_text(format, values) : std::string();
     va_end(values);
+    // A report with a value says more than that the line is faulty, so each is made.
     LineError = 0;
     Error(text.c_str());
 }
@@ -137,6 +142,7 @@ void vpFatal(const char *format, ...) {
     va_start(values, format);
     std::string text = format_text(format, values);
     va_end(values);
+    // A name from outside may be of any length.
     text.resize(std::min<std::size_t>(text.size(), kFatalTextLimit));
     const Place place = current_place();
     if (*place.path == '\0') {
@@ -159,6 +165,7 @@ void diag_new_pass() {
     Phase_Error_Written = 0;
 }
 
+// The phase-error flags need no clearing: they are set in the final pass alone.
 void diag_new_counts() {
     Errors = 0;
     Warnings = 0;

@@ -1,8 +1,13 @@
 // Diagnostics: the one family of functions through which every error and warning is reported.
 //
-// Reports are made only in the final pass, so that a problem is told once although the source is
-// read three times; fatal errors end the run in any pass. Each report goes to standard output and,
-// when there is a listing, into the listing ahead of the offending line.
+// Reports are made only in the final pass, so that a problem is reported once although the source
+// is read three times; fatal errors end the run in any pass. Each report goes to standard output
+// and, when there is a listing, into the listing ahead of the offending line.
+//
+// Error and Line_Done: an error ends work on its line, which Line_Done says to all steps that
+// follow. Callers don't look at a result; they return, or go on and find the line done. In one case
+// Error leaves Line_Done alone: from the second phase error of the pass on it swallows all reports.
+// A caller whose line must end all the same sets Line_Done again itself.
 #pragma once
 
 #include <cstdarg>

@@ -1,3 +1,6 @@
+// A row a number leads to its handler. Three groups do nothing but say so: words of modules that
+// are linked later, which an absolute assembler has no use for, words of pages of the listing, and
+// numbers without a row, which are silent.
 #include "as/asDialect.h"
 
 #include "as/asDiag.h"
@@ -23,6 +26,8 @@ namespace {
 constexpr int kCarriedOut = 2;
 constexpr int kFailed = -1;
 
+// The file is opened at once and read from the next line on. Its lines belong to no label of this
+// one, and the listing shows no address for a line that only names a file.
 int do_include() {
     pending_listLC = 0;
     resetLabel();
@@ -39,6 +44,8 @@ void warn_old_fashioned(const char *word, const char *instead) {
     vpWarning("Old fashioned directive: '%s', use '%s' instead", word, instead);
 }
 
+// A listing that was not asked for can't be switched on; the switch for skipped lines is remembered
+// in any case.
 int do_list() {
     warn_old_fashioned("LIST", "OPTION LIST");
     listing_on = O_list != 0 ? 1 : listing_on;
@@ -68,7 +75,7 @@ int do_unimplemented() {
     return kFailed;
 }
 
-// Words of modules that are linked later: what follows them belongs to no label.
+// What follows them belongs to no label.
 int do_module_word() {
     resetLabel();
     return do_unimplemented();
@@ -84,6 +91,7 @@ int do_extern() {
     return do_module_word();
 }
 
+// Only remembered: no instruction of this target depends on it.
 int do_set_direct_page() {
     ClearOp(opnd1);
     if (ppexpr(opnd1, 1) != 0) {
@@ -98,6 +106,8 @@ int do_set_direct_page() {
     MC6809_anticipated_dp = low_32(opnd1.value);
     return kCarriedOut;
 }
+
+// ---- The numbers ----
 
 struct NumberedDirective {
     std::uint32_t token;

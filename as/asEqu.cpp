@@ -1,3 +1,6 @@
+// The same line is met three times. Pass 0 creates the symbol with its value. Pass 1 finds it and
+// only marks it as defined again, because it can't tell a duplicate from the line's own first
+// visit. The final pass can: a marked symbol whose recorded line is another one is a duplicate.
 #include "as/asEqu.h"
 
 #include "as/asDiag.h"
@@ -63,7 +66,7 @@ void check_constant(Symbol &symbol, std::int32_t value_before) {
     }
 }
 
-// Gives the label its value. None when pass 0 has created it and nothing is left to be done.
+// Gives the label its value. Null when pass 0 has created it and nothing is left to be done.
 Symbol *equate(std::string_view name, int set) {
     Symbol *symbol = getsym(name);
     if (symbol == nullptr) {
@@ -71,6 +74,7 @@ Symbol *equate(std::string_view name, int set) {
             (void)create_constant(name, signed_32(evalexp(Col_Ptr, 0)), set);
             return nullptr;
         }
+        // The operand may name the symbol itself, which then is 0.
         symbol = create_constant(name, 0, set);
         store_operand(*symbol);
         return symbol;
@@ -99,6 +103,7 @@ int DoEqu(int set) {
         return kCarriedOut;
     }
     const std::uint32_t value = low_32(symbol->value);
+    // The value stands where other lines show an address and their bytes.
     list_byte(value >> 8U);
     list_byte(value);
     pending_listLC = 0;

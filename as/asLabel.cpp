@@ -1,3 +1,4 @@
+// The label's text is not copied: it starts the line, so its length says it all.
 #include "as/asLabel.h"
 
 #include "as/asPlace.h"
@@ -26,7 +27,7 @@ int IsLabel() {
         return 0;
     }
     label_length = yytext.size();
-    lookahead(':');
+    lookahead(':'); // one that is right there may end the label
     return 1;
 }
 
@@ -53,7 +54,7 @@ void define_label(std::uint32_t value) {
 void define_directive_label() {
     if (label != 0) {
         define_label(LC);
-        IsEqu = 1;
+        IsEqu = 1; // the line assembler would define it at the address before the directive
     }
 }
 

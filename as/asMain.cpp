@@ -1,3 +1,5 @@
+// as_main below tells the run from its start to its exit status; what each step needs stands above
+// it in the same order.
 #include "as/asMain.h"
 
 #include "as/asCommand.h"
@@ -155,6 +157,7 @@ const char *begin_run(int argc, const char *const *argv) {
 
 } // namespace
 
+// Outputs come first: closed standard descriptors are filled before any file is opened.
 void start_up(const char *invocation) {
     streams_new_run();
     outputs_new_run();

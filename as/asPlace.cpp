@@ -1,3 +1,5 @@
+// The line is copied out of the file's text, so that it can end in NULs of its own: whatever reads
+// a line may then look a few characters ahead without asking where the line ends.
 #include "as/asPlace.h"
 
 #include <algorithm>
@@ -17,13 +19,14 @@ void LineBuffer::assign(const char *text, std::size_t size) {
     const std::size_t taken = std::min(size, kLineReadLimit);
     std::memcpy(text_.data(), text, taken);
     terminate(taken);
+    // A NUL ends the text of a line, as it would have ended a string that was read into a buffer.
     terminate(std::strlen(text_.data()));
 }
 
 void LineBuffer::assign_without_nul(const char *text, std::size_t size) {
     const std::size_t taken = std::min(size, kLineReadLimit);
-    // In whole pieces, for which there is room behind the file's text and the line's. Most lines
-    // are one.
+    // In whole pieces, for which there is room after the file's text and the line's. Most lines are
+    // one, and a copy of fixed size is a few moves instead of a call.
     std::size_t i = 0;
     do {
         std::memcpy(&text_[i], &text[i], kFileGuard);
@@ -38,6 +41,7 @@ void LineBuffer::end_in_line_feed() {
 }
 
 const FileEntry *getCurrentFileInfo(int n) {
+    // Reports that come before the first file or after the last one name the main file.
     const int index = n < 0 ? std::max(place_file, 0) : n;
     return index <= file_entry_ptr ? &file_entry[static_cast<std::size_t>(index)] : nullptr;
 }

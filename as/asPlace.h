@@ -17,7 +17,7 @@
 // Longest piece of a line that is read at once, in characters; a rest comes as the next line.
 inline constexpr std::size_t kLineReadLimit = 4095;
 
-// The text of one line: always NUL-terminated, with further NULs behind the terminator, so that a
+// The text of one line: always NUL-terminated, with further NULs after the terminator, so that a
 // position in it can be read a few characters ahead without a check.
 class LineBuffer {
   public:
@@ -37,7 +37,7 @@ class LineBuffer {
     std::string_view view() const { return {text_.data(), length_}; }
 
   private:
-    static constexpr std::size_t kGuard = 16; // NULs behind a line
+    static constexpr std::size_t kGuard = 16; // NULs after a line
 
     void terminate(std::size_t length) {
         length_ = length;
@@ -67,8 +67,8 @@ extern int realline;         // lines read in this pass, over all files
 extern int listline;         // line number in the listing
 
 extern std::deque<FileEntry> file_entry; // files in opening order; rebuilt in passes 0 and 1
-extern int file_entry_ptr;               // index of the last file, -1: none
-extern int place_file;                   // index of the file that is read, -1: none
+extern int file_entry_ptr;               // index of the last file, -1: no file
+extern int place_file;                   // index of the file that is read, -1: no file
 
 // ---- Functions ----
 
@@ -76,7 +76,7 @@ extern int place_file;                   // index of the file that is read, -1: 
 // file.
 const FileEntry *getCurrentFileInfo(int n);
 
-// Index of the current file in the file table, -1: none.
+// Index of the current file in the file table, -1: no file.
 inline int current_file_index() { return place_file; }
 
 // Counts a line that has been taken from the current file.

@@ -1,3 +1,5 @@
+// The tables are searched from front to back. They are so short that nothing faster can be noticed,
+// but for one look at the first letter.
 #include "as/asPseudo.h"
 
 #include "as/asData.h"
@@ -121,6 +123,7 @@ std::uint32_t GetPseudoToken(const char *word) {
     return directive == nullptr ? DIR_NONE : directive->token;
 }
 
+// A word that is no directive is left where it is, to be read as a mnemonic.
 int PseudoOp() {
     const DirectiveEntry *directive = take_directive();
     return directive == nullptr ? 0 : directive->handler();
@@ -161,6 +164,7 @@ int DoOrg() {
         return fail("Forward reference");
     }
     // Quirk (directive-tail): whatever follows the expression is not looked at, as with EQU.
+    // The bytes so far belong to the old address.
     putout();
     LC = low_32(opnd1.value);
     listLC = LC;
@@ -174,6 +178,7 @@ int DoOrg() {
 }
 
 int DoEnd() {
+    // Before the final pass the name may not be known yet, and nothing is reported.
     if (Pass2 == 0 || isblanc(*Col_Ptr)) {
         endflag = 1;
         return 1;

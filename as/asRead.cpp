@@ -11,6 +11,8 @@
 
 namespace {
 
+// A module with state of a line is one more call here. Each is inline, since this is done for every
+// line of every pass.
 void reset_line_state() {
     diag_new_line();
     label_new_line();

@@ -1,3 +1,7 @@
+// The sequence of file switches is a list of steps, one for each file that is entered or left; a
+// step holds the file that is current after it. Passes 0 and 1 append to the list as files are
+// opened and end, the final pass walks along it. The position in each file's text is kept with the
+// file, so that rewinding is all that the final pass needs.
 #include "as/asSource.h"
 
 #include "as/asDiag.h"
@@ -30,7 +34,7 @@ struct LoadedFile {
 };
 std::deque<LoadedFile> loaded_files;
 
-FileEntry *file_being_read = nullptr; // of the current step; none outside the source
+FileEntry *file_being_read = nullptr; // of the current step; null outside the source
 
 std::string absolute_path(const std::string &name) {
     if (PathHasRoot(name.c_str())) {
@@ -41,7 +45,8 @@ std::string absolute_path(const std::string &name) {
     return path;
 }
 
-// The file of that name, read at the first call for it; none when it cannot be read.
+// The file of that name, read at the first call for it; null when it cannot be read.
+// Pipes serve as sources too, and can be read only once.
 const LoadedFile *load(const std::string &name) {
     for (const LoadedFile &file : loaded_files) {
         if (file.opened_name == name) {
@@ -77,7 +82,9 @@ std::string in_include_directory(const std::string &name) {
     return start + directory + "/" + name;
 }
 
-// Opens the first of the places where name may be; name becomes the place.
+// Opens the first of the places where name may be; name becomes the place. A failure that says
+// nothing about the file, such as too many open files, ends the search: going on could find another
+// file of the same name.
 const LoadedFile *open_source(std::string &name) {
     const LoadedFile *file = load(name);
     if (file != nullptr || PathHasRoot(name.c_str()) || is_passing_failure(errno)) {
@@ -100,6 +107,8 @@ const LoadedFile *open_source(std::string &name) {
     return nullptr;
 }
 
+// The files of the table up to the depth of the stack, which are those on it as long as each file
+// opens one other at most.
 bool is_on_stack(const std::string &name) {
     for (int i = 0; i <= source_stack_ptr && i <= file_entry_ptr; ++i) {
         if (file_entry[static_cast<std::size_t>(i)].pathname == name) {
@@ -109,7 +118,7 @@ bool is_on_stack(const std::string &name) {
     return false;
 }
 
-// The file that is current after a step of the sequence, -1: none.
+// The file that is current after a step of the sequence, -1: no file.
 int file_at_step(int step) {
     if (step < 0 || step >= static_cast<int>(file_entry_index.size())) {
         return -1;
@@ -137,6 +146,8 @@ void select_file() {
     place_file = source_stack_ptr < 0 ? -1 : file_at_step(pplevel);
 }
 
+// Takes the next step of the recorded sequence. Only here is the line kept with the file that is
+// left, so only the final pass resumes that file's numbers.
 int replay_push() {
     if (FileEntry *file = file_of_step(pplevel); file != nullptr) {
         file->saved_line = Line_no;
@@ -149,6 +160,8 @@ int replay_push() {
     return 1;
 }
 
+// Makes a file that has been read the current one, as a new entry of the table even if it has been
+// entered before: the entry holds how far this inclusion has been read.
 void enter_file(const LoadedFile &file) {
     FileEntry entry;
     entry.pathname = file.pathname;
@@ -171,7 +184,8 @@ inline std::size_t piece_size(const FileEntry &file) {
     return size_with_line_feed(&file.text->data[file.position], left);
 }
 
-// Reads the next piece of a file into Line.
+// Reads the next piece of a file into Line. Only a text with a NUL needs a look at where the line
+// ends before it.
 bool read_piece(FileEntry &file) {
     const FileText &text = *file.text;
     const std::size_t size = piece_size(file);
@@ -195,6 +209,8 @@ std::string start_directory(const char *invocation) {
 }
 
 } // namespace
+
+// ---- A run and its passes ----
 
 void source_new_run(const char *invocation) {
     AsmStartDirectory = start_directory(invocation);
@@ -230,6 +246,8 @@ void source_new_counts() {
     endflag = 0;
 }
 
+// ---- The stack of files ----
+
 int push_source(const char *name) {
     if (source_stack_ptr > kSourceStackTop) {
         vpFatal("To many input files, source stack exhausted");
@@ -257,7 +275,7 @@ int push_source(const char *name) {
 int pop_source() {
     --source_stack_ptr;
     ++pplevel;
-    // The step two back is the parent only when the file being left has opened none itself;
+    // The step two back is the parent only when the file being left has opened no other itself;
     // otherwise it is a file already at its end, and the rest of the outer files is not read.
     if (Pass2 == 0) {
         record_step(pplevel, file_at_step(pplevel - 2));
@@ -271,7 +289,10 @@ int pop_source() {
     return source_stack_ptr >= 0 ? 1 : 0;
 }
 
+// ---- Lines ----
+
 bool read_source_line() {
+    // The file that included the one at its end goes on, if there is one.
     while (file_being_read == nullptr || !read_piece(*file_being_read)) {
         if (pop_source() == 0) {
             return false;
@@ -284,6 +305,7 @@ bool read_source_line() {
         // Quirk (long-line): the spelling, and a limit three below the room for a line.
         Warning("Source line is to long");
     }
+    // A source with the line ends of another system is read as if it had this one's.
     if (length >= 2 && Line.begin()[length - 2] == '\r') {
         Line.end_in_line_feed();
     }
@@ -305,6 +327,8 @@ void skip_source_lines(LineTest is_skipped) {
         file.position += size;
     }
 }
+
+// ---- Directories ----
 
 const char *GetAsmStartDirectory() {
     return AsmStartDirectory.empty() ? nullptr : AsmStartDirectory.c_str();

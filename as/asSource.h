@@ -26,9 +26,9 @@ inline constexpr std::size_t kIncludeDirectoryLimit = 21;
 
 extern std::string AsmStartDirectory;   // the program's own directory, without a trailing separator
 extern std::string AsmCurrentDirectory; // working directory at start
-extern int source_stack_ptr;            // nesting depth; 0: main file, -1: none
+extern int source_stack_ptr;            // nesting depth; 0: main file, -1: no file
 extern int pplevel; // step in the sequence of file switches, -1 before the first
-extern std::vector<int> file_entry_index;      // per step: the current file's index, -1: none
+extern std::vector<int> file_entry_index;      // per step: the current file's index, -1: no file
 extern std::vector<std::string> include_stack; // include directories in the order given
 extern int newuse;  // the current file has changed; cleared by the listing
 extern int endflag; // the current file is to be left before the next line
@@ -65,7 +65,7 @@ using LineTest = bool (*)(const char *text, std::size_t size);
 // Counts the lines that come next without reading them, up to the first that is of use.
 void skip_source_lines(LineTest is_skipped);
 
-// The module's directories, or none when empty.
+// The module's directories, or null when empty.
 const char *GetAsmStartDirectory();
 const char *GetAsmCurrentDirectory();
 

@@ -1,5 +1,5 @@
 #!/usr/bin/env python3
-"""Checks that no module of the program uses one above it, and that none use each other in a circle.
+"""Checks that no module of the program uses one above it, and that there is no circle.
 
     tools/check_floors.py [--library PATH] [--list]
 

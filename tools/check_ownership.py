@@ -4,8 +4,8 @@
     tools/check_ownership.py [--build DIRECTORY] [--list]
 
 Every module owns the state that its header declares. clang-query finds where such state is changed:
-assigned, counted up, handed on for a change, or its object told to change. What a module changes of
-others is compared with the third column of the table of modules. --list prints what is changed.
+assigned, counted up, handed on for a change, or changed by a function of its own. What a module
+changes of others is compared with the third column of the table of modules. --list prints it.
 """
 
 import argparse
@@ -20,8 +20,8 @@ import check_floors
 
 TABLE = check_floors.TOP / "docs" / "architecture.md"
 
-# Streams are told to take text by everyone: that is their use and no change of their owner's state.
-# Looking into a container through a function that could also change it is none either.
+# Everyone writes text to the streams: that is their use and no change of their owner's state.
+# Looking into a container through a function that could also change it is no change either.
 QUERY = r"""
 set bind-root false
 let global varDecl(hasGlobalStorage(), hasExternalFormalLinkage(),
@@ -93,7 +93,7 @@ def faults(found, table):
     for module, names in sorted(found.items()):
         for name, place in sorted(names.items()):
             if not any(fnmatch.fnmatch(name, row) for row in table.get(module, [])):
-                yield f"{place}: changes {name} of {owner[name]}, which the table does not tell"
+                yield f"{place}: changes {name} of {owner[name]}, which the table does not list"
     for module, rows in sorted(table.items()):
         for row in rows:
             if not any(fnmatch.fnmatch(name, row) for name in found.get(module, {})):

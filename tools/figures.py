@@ -4,8 +4,8 @@
     tools/figures.py [DIRECTORY]
 
 Run by hand, to see whether the house stays in order; nothing is held against the figures. Functions
-are those that universal-ctags finds with their last lines. The share of comments counts the lines that
-hold one.
+are those that universal-ctags finds with their last lines. The share of comments counts the lines
+that hold one.
 """
 
 import json
@@ -53,8 +53,8 @@ def main():
     print(f"sources             {len(sources)}, {sum(lines for lines, _ in lengths):,} lines, "
           f"median {statistics.median(lines for lines, _ in lengths):g}, "
           f"longest {lengths[-1][0]} ({lengths[-1][1]})")
-    print(f"functions           {len(found)}, median {statistics.median(lines for lines, _ in found):g}, "
-          f"longest {found[-1][0]} ({found[-1][1]})")
+    print(f"functions           {len(found)}, "
+          f"median {statistics.median(lines for lines, _ in found):g}, longest {found[-1][0]} ({found[-1][1]})")
     print(f"above {LONG_FUNCTION} lines      {len(long)} {' '.join(long)}".rstrip())
     print(f"comments, sources   {comment_share(sources):.1f} %")
     print(f"comments, headers   {comment_share(headers):.1f} %")
