@@ -5,7 +5,8 @@
 
 A module is a header and its source. What it uses is read from its includes, and from the symbols
 that its object file takes from others (nm), so that nothing is used by way of somebody else's
-header. The floors are those of tools/floors.txt. --list prints each floor with what its modules use.
+header. The floors are those of tools/floors.txt. --list prints each floor with what its modules
+use.
 """
 
 import argparse
@@ -42,7 +43,8 @@ def included():
 
 def linked(library):
     """The modules from which each module's object file takes a symbol."""
-    listed = subprocess.run(["nm", "-A", library], capture_output=True, text=True, check=True).stdout
+    listed = subprocess.run(["nm", "-A", library],
+                            capture_output=True, text=True, check=True).stdout
     modules = {pathlib.PurePath(module).name: module for module in included()}
     owners, wanted = {}, collections.defaultdict(set)
     for line in listed.splitlines():

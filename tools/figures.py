@@ -54,7 +54,8 @@ def main():
           f"median {statistics.median(lines for lines, _ in lengths):g}, "
           f"longest {lengths[-1][0]} ({lengths[-1][1]})")
     print(f"functions           {len(found)}, "
-          f"median {statistics.median(lines for lines, _ in found):g}, longest {found[-1][0]} ({found[-1][1]})")
+          f"median {statistics.median(lines for lines, _ in found):g}, "
+          f"longest {found[-1][0]} ({found[-1][1]})")
     print(f"above {LONG_FUNCTION} lines      {len(long)} {' '.join(long)}".rstrip())
     print(f"comments, sources   {comment_share(sources):.1f} %")
     print(f"comments, headers   {comment_share(headers):.1f} %")
