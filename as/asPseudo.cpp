@@ -1,5 +1,5 @@
-// The tables are searched from front to back. They are so short that nothing faster can be noticed,
-// but for one look at the first letter.
+// The tables are searched from front to back. They are so short that only a look at the first
+// letter pays.
 #include "as/asPseudo.h"
 
 #include "as/asData.h"
