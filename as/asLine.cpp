@@ -13,6 +13,7 @@
 #include "target/location.h"
 #include "target/optab.h"
 #include "target/scan.h"
+#include "util/ahead.h"
 #include "util/text.h"
 
 #include <cstring>

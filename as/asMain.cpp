@@ -21,6 +21,7 @@
 #include "symtab/symtab.h"
 #include "target/emit.h"
 #include "target/location.h"
+#include "util/ahead.h"
 #include "util/text.h"
 
 #include <csignal>

@@ -1,5 +1,5 @@
-// The tables are searched from front to back. They are so short that only a look at the first
-// letter pays.
+// An operation may be a directive on every line, so directives have a table of places. The tables
+// of conditional words are searched from front to back: few lines hold a hash sign.
 #include "as/asPseudo.h"
 
 #include "as/asData.h"
@@ -15,9 +15,12 @@
 #include "target/emit.h"
 #include "target/location.h"
 #include "target/scan.h"
+#include "util/ahead.h"
 #include "util/text.h"
+#include "util/words.h"
 #include "util/wrap.h"
 
+#include <iterator>
 #include <string>
 
 // clang-format off
@@ -69,8 +72,7 @@ constexpr int kFailed = -1;
 
 // The first row whose word stands at p, or null.
 const DirectiveEntry *find_directive(const DirectiveEntry *table, const char *p) {
-    // The words of the tables begin with lower-case letters, or with marks that hold this bit
-    // anyway.
+    // The words begin with lower-case letters, or with marks that hold this bit anyway.
     const int first = *p | 0x20;
     for (; table->name != nullptr; ++table) {
         if (*table->name == first && namecomparei(p, table->name)) {
@@ -80,30 +82,20 @@ const DirectiveEntry *find_directive(const DirectiveEntry *table, const char *p)
     return nullptr;
 }
 
-// The letters with which directives begin, a bit each by the low bits that both cases share.
-constexpr std::uint32_t initial_bit(char ch) { return 1U << (static_cast<unsigned>(ch) & 31U); }
+constexpr std::size_t kDirectives = std::size(pseudo_zirpa) - 1;
 
-consteval std::uint32_t initials() {
-    std::uint32_t bits = 0;
-    for (const DirectiveEntry *entry = pseudo_zirpa; entry->name != nullptr; ++entry) {
-        bits |= initial_bit(*entry->name);
-    }
-    return bits;
-}
-
-// Most operations are instructions, and begin with another letter than any directive: that spares
-// the search (3 % of the large workload's time; measured by returning true).
-bool may_be_directive(const char *word) { return (initials() & initial_bit(*word)) != 0; }
+constexpr WordTable<kDirectives, 5> kDirectiveWords(pseudo_zirpa, &DirectiveEntry::name);
 
 // The directive at the scan position, which moves to the operand: past the word and the blanks
 // after it, line ends included. Null if there is none; the scan position then stays.
 const DirectiveEntry *take_directive() {
-    const DirectiveEntry *directive =
-        may_be_directive(Col_Ptr) ? find_directive(pseudo_zirpa, Col_Ptr) : nullptr;
-    if (directive != nullptr) {
-        Col_Ptr = skipblanc(skipnonblanc(Col_Ptr));
+    const Word word = word_at(Col_Ptr);
+    const std::size_t row = kDirectiveWords.find(word.key);
+    if (row == kDirectives) {
+        return nullptr;
     }
-    return directive;
+    Col_Ptr = skip_blanks(word.end);
+    return &pseudo_zirpa[row];
 }
 
 // A conditional word of a table at p: its number, with position after it, or 0.

@@ -1,11 +1,11 @@
 // The table is written for people: whole mnemonics, forms and encoders by name. What the look-up
-// needs besides, where the rows of a letter begin and what a form adds by the number of its bit,
-// the compiler works out from it, so nothing can be added to one and be missing in the other.
+// needs besides, the places of the mnemonics and what a form adds by the number of its bit, the
+// compiler works out from it, so nothing can be added to one and be missing in the other.
 #include "target/optab.h"
 
 #include "as/asPlace.h"
 #include "target/scan.h"
-#include "util/text.h"
+#include "util/words.h"
 
 #include <bit>
 
@@ -199,68 +199,20 @@ consteval std::array<ModeBits, kCoders> bits_by_coder() {
 
 constexpr std::array<ModeBits, kCoders> kBitsByCoder = bits_by_coder();
 
-// ---- Look-up: along the rows of the first letter, which are few ----
-
-constexpr std::size_t kLetters = 26;
-
-// The place of a letter of either case in the alphabet; some other number for other characters.
-constexpr std::size_t letter_number(char ch) {
-    return static_cast<std::size_t>(static_cast<unsigned char>(to_upper(ch)) - 'A');
-}
-
-// The first row of each letter; it ends where the rows of the next letter begin.
-consteval std::array<std::uint8_t, kLetters + 1> first_rows() {
-    std::array<std::uint8_t, kLetters + 1> rows{};
-    std::size_t letter = 0;
-    for (std::size_t row = 0; row < optab.size(); ++row) {
-        const std::size_t number = letter_number(optab[row].mnemonic[0]);
-        if (number + 1 < letter) { // a compile error, since nothing can be thrown there
-            throw "a mnemonic stands below those of a later letter";
-        }
-        for (; letter <= number; ++letter) {
-            rows[letter] = static_cast<std::uint8_t>(row);
-        }
-    }
-    for (; letter < rows.size(); ++letter) {
-        rows[letter] = static_cast<std::uint8_t>(optab.size());
-    }
-    return rows;
-}
-
-constexpr std::array<std::uint8_t, kLetters + 1> kFirstRows = first_rows();
-
-// The bit that tells the cases of a letter apart. No character but a letter becomes one without it.
-constexpr int kCaseBit = 0x20;
-
-// The end of the word if it is that mnemonic, or null. The first letter is known to be right.
-const char *mnemonic_end(const char *word, const char *name) {
-    for (++word, ++name; *name != '\0'; ++word, ++name) {
-        if ((*word & ~kCaseBit) != *name) {
-            return nullptr;
-        }
-    }
-    return isblanc(*word) ? word : nullptr;
-}
+constexpr WordTable<kInstructions, 10> kMnemonics(optab.data(), &Instruction::mnemonic);
 
 } // namespace
 
-// A line has few words to be looked up and a letter few rows, most of which differ in the second
-// character, so walking along the rows costs hardly more than an index of all mnemonics.
 int ZIRPA_getmnem(MnemonicRecord *record) {
-    const char *word = Col_Ptr++;
-    const std::size_t letter = letter_number(*word);
-    if (letter >= kLetters) {
+    const Word word = word_at(Col_Ptr);
+    const std::size_t row = kMnemonics.find(word.key);
+    if (row == kInstructions) {
+        ++Col_Ptr;
         return 0;
     }
-    for (std::size_t i = kFirstRows[letter]; i < kFirstRows[letter + 1]; ++i) {
-        const Instruction &row = optab[i];
-        if (const char *end = mnemonic_end(word, row.mnemonic); end != nullptr) {
-            *record = {row.opcode, row.mode_mask, row.coder};
-            Col_Ptr = end;
-            return 1;
-        }
-    }
-    return 0;
+    *record = {optab[row].opcode, optab[row].mode_mask, optab[row].coder};
+    Col_Ptr = word.end;
+    return 1;
 }
 
 unsigned mode_bits(Coder coder, std::uint64_t mode) {

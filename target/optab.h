@@ -67,7 +67,7 @@ struct Instruction {
 
 inline constexpr std::size_t kInstructions = 85;
 
-// All instructions by their first letters; within a letter the order is that of the search.
+// All instructions, in alphabetical order by their first letter.
 extern const std::array<Instruction, kInstructions> optab;
 
 // An operand form, and what the encoders of instructions with operands add to the base opcode for

@@ -7,6 +7,7 @@
 
 #include "as/asDiag.h"
 #include "as/asPlace.h"
+#include "util/ahead.h"
 #include "util/text.h"
 
 #include <array>
@@ -35,10 +36,7 @@ inline std::size_t symbol_length(const char *p) {
     if (!starts_symbol(*p)) {
         return 0;
     }
-    const char *end = p + 1;
-    while (is_symbol_char(*end)) {
-        ++end;
-    }
+    const char *end = skip_symbol_chars(p);
     const auto length = static_cast<std::size_t>(end - p);
     // Quirk (long-names): a longer name is cut without a message, and its rest is the next token.
     if (length >= kNameLimit) {
@@ -210,6 +208,10 @@ ScannedToken scan_token(const char *p, int mode, int previous) {
     default: break;
     }
     return mode == kExpressionMode ? operator_or_character(p) : location_or_character(p, previous);
+}
+
+ScannedToken scan_operator(const char *p) {
+    return *p == '%' ? token_of(p, TOK_REMAINDER, 1) : operator_or_character(p);
 }
 
 int gettoken(int mode) {

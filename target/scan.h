@@ -74,6 +74,9 @@ extern int ctoken; // the code last read, which tells "%" and "*" apart; reset a
 // that digit is a TOK_END then.
 ScannedToken scan_token(const char *p, int mode, int previous);
 
+// The same where an operator is expected: operators and characters only.
+ScannedToken scan_operator(const char *p);
+
 // Reads the next token and returns its code.
 int gettoken(int mode);
 

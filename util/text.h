@@ -126,15 +126,6 @@ inline const char *skipblanc(const char *p) {
     return p;
 }
 
-// The first character that is no blank or tab. Unlike skipblanc it stops at other control
-// characters and at bytes of 128 or more: they end words but don't stand ahead of them.
-inline const char *skip_blanks_and_tabs(const char *p) {
-    while (*p == ' ' || *p == '\t') {
-        ++p;
-    }
-    return p;
-}
-
 // Skips characters above 32 (signed).
 inline const char *skipnonblanc(const char *p) {
     if (p != nullptr) {

@@ -85,14 +85,6 @@ TEST(CharacterClass, HexadecimalDigitsHaveValuesInEitherCase) {
 
 // ---- Skips ----
 
-TEST(SkipBlanksAndTabs, StopsAtEveryOtherByte) {
-    for (int code = 0; code < 256; ++code) {
-        const std::string text = std::string(" \t ") + byte(code) + "x";
-        const std::size_t expected = code == ' ' || code == '\t' ? 4 : 3;
-        EXPECT_EQ(skip_blanks_and_tabs(text.c_str()), text.c_str() + expected) << code;
-    }
-}
-
 TEST(Skipblanc, SkipsControlCharactersBlanksAndBytesFrom128Up) {
     const char *text = " \t\n\r\x01\x80\xFFX";
     EXPECT_EQ(skipblanc(text), text + 7);

