@@ -80,9 +80,8 @@ int do_define_data() {
     define_directive_label();
     std::int32_t count = 0;
     ClearOp(opnd1);
-    // Before the final pass a value takes its byte whatever it is.
     while (true) {
-        if (ppexpr(opnd1, 1, Pass2 != 0) != 0 || do_reloc_cmd(opnd1, REL_CMD_OFF_8, LC) != 0) {
+        if (ppexpr(opnd1, 1) != 0 || do_reloc_cmd(opnd1, REL_CMD_OFF_8, LC) != 0) {
             return kFailed;
         }
         ++count;

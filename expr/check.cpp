@@ -1,6 +1,6 @@
-// The check reads each token by the one before it, asks check_step what it makes of the expression,
-// and goes on until there is a status. Faulty or not, the token that gives the status is the last
-// of the list, so that a report can name its column.
+// The check reads token by token, asks check_step what each makes of the expression, and goes on
+// until there is a status. Where the token that gives the status begins is kept, faulty or not, so
+// that a report can name its column.
 #include "expr/check.h"
 
 #include "as/asPlace.h"
@@ -8,7 +8,7 @@
 #include "util/text.h"
 
 int state = 0;
-TokenList expression_tokens;
+const char *last_token = nullptr;
 
 namespace {
 
@@ -66,31 +66,20 @@ int check_step(int token, Progress &progress) {
 
 } // namespace
 
-void TokenList::read_on() {
-    add(scan_token(Col_Ptr, kExpressionMode, ctoken));
-    ctoken = last().token;
-}
-
 int p00() {
+    const char *start = Col_Ptr;
     Progress progress;
     int result = kScanOn;
-    ScannedToken token = {Col_Ptr, ctoken, 0};
-    expression_tokens.clear(Col_Ptr);
     while (result == kScanOn) {
-        token = scan_token(token.end, kExpressionMode, token.token);
-        expression_tokens.add(token);
-        result = check_step(token.token, progress);
+        last_token = Col_Ptr;
+        result = check_step(gettoken(kExpressionMode), progress);
     }
-    expression_tokens.skip();
-    ctoken = token.token;
     state = progress.state;
     // Quirk (open-parenthesis): an open parenthesis wins over whatever stopped the check.
     if (progress.depth > 0) {
         result = STATUS_MISSING_PARENTHESIS;
     }
-    if (result == STATUS_OK) {
-        Col_Ptr = expression_tokens.begin_of_last();
-    }
+    Col_Ptr = result == STATUS_OK ? last_token : start;
     return result;
 }
 

@@ -1,3 +1,7 @@
+// Most expressions are in order, and expr/usual computes them in one go. The rest is checked first
+// and then computed by p0 here, step by step, reading the tokens again: what is faulty, names that
+// are new, and what the check lets pass although it means nothing.
+//
 // A step keeps a sum, a multiplier and a term, and its value is sum + multiplier * term. "+" and
 // "-" move the term into the sum, "*" into the multiplier, and an operand is the new term, with
 // which the step mostly ends. The next step takes the value so far as its first term: that is what
@@ -9,7 +13,8 @@
 #include "as/asOptions.h"
 #include "as/asPlace.h"
 #include "expr/check.h"
-#include "expr/record.h"
+#include "expr/operator.h"
+#include "expr/usual.h"
 #include "symtab/symtab.h"
 #include "target/scan.h"
 #include "util/text.h"
@@ -22,38 +27,8 @@ int status = 0;
 int offset = 0;
 int in_paren = 0;
 int end_of_input = 0;
-Symbol *errorsp = nullptr;
 
 namespace {
-
-// ---- Operands ----
-
-// A forward reference counts once here, and once more where refsym has counted it.
-void count_forward_reference(Symbol *symbol) {
-    if (Pass2 == 0) {
-        forwardref = static_cast<std::int16_t>(forwardref + (symbol->has(SYM_UNDEFINED) ? 1 : 0));
-    } else if ((symbol->has(SYM_DEFINED) && symbol->definition_line > listline) ||
-               symbol->has(SYM_UNDEFINED)) {
-        ++forwardref;
-        errorsp = symbol;
-    }
-}
-
-std::int64_t name_value(std::string_view name, OperandRecord *operand) {
-    Symbol *symbol = refsym(name);
-    if (operand != nullptr) {
-        note_symbol(*operand, symbol);
-    }
-    count_forward_reference(symbol);
-    return symbol->value;
-}
-
-std::int64_t operand_value(const char *begin, const ScannedToken &scanned, OperandRecord *operand) {
-    return scanned.token == TOK_NUMBER ? scanned.number
-                                       : name_value(text_between(begin, scanned.end), operand);
-}
-
-// ---- Steps ----
 
 struct Step {
     std::int64_t sum;
@@ -64,8 +39,11 @@ struct Step {
 };
 
 // Steps that wait for a nested one, outermost first. They stand here instead of on the machine's
-// stack, so that no nesting can exhaust it. Each has taken a token.
-std::array<Step, kTokenLimit + 1> waiting_steps;
+// stack, so that no nesting can exhaust it. Each has taken a token, and a line has fewer tokens
+// than characters, its terminator included.
+std::array<Step, kLineReadLimit + 3> waiting_steps;
+
+// ---- Steps ----
 
 // Adds multiplier times a value that stands in the term's place.
 std::int64_t combine(const Step &step, std::int64_t term) {
@@ -79,11 +57,6 @@ void add_term(Step &step) {
     step.term = 0;
 }
 
-// Quirk (left-to-right): only "/", "*" or "%%" right after an operand keep it as the term of an
-// operator; any other operator takes the whole value so far. Quirk (remainder-of-sum): a "%" alone
-// is such an operator. Quirk (doubled-percent): "%%" is not, since its second "%" begins a number.
-bool term_goes_on(const char *p) { return *p == '/' || *p == '*' || (*p == '%' && p[1] == '%'); }
-
 // A token without a meaning of its own: a character ends the expression.
 std::int64_t end_step(const Step &step, int token) {
     if (is_character(token)) {
@@ -96,59 +69,32 @@ std::int64_t end_step(const Step &step, int token) {
     return step.sum;
 }
 
-// Division and remainder. Quirk (silent-remainder): only division by zero is reported; both stop
-// the steps from going on.
-std::int64_t divide(const Step &step, std::int64_t right) {
-    if (right == 0) {
-        if (step.pending == TOK_DIVIDE) {
-            Error("Integer divide by zero");
-        }
-        status = STATUS_STOPPED;
-        return step.sum;
+// The value of a step whose nested step has given the right side. Quirk (silent-remainder): only
+// division by zero is reported; both stop the steps from going on.
+std::int64_t complete(const Step &step, std::int64_t right) {
+    if (!is_division(step.pending) || right != 0) {
+        return combine(step, apply_operator(step.pending, step.term, right));
     }
-    return combine(step, step.pending == TOK_DIVIDE ? wrap_divide(step.term, right)
-                                                    : wrap_remainder(step.term, right));
-}
-
-// The value of a step whose nested step has given the right side of its pending operator.
-std::int64_t apply_pending(const Step &step, std::int64_t right) {
-    const std::int64_t left = step.term;
-    switch (step.pending) {
-    case TOK_DIVIDE:
-    case TOK_REMAINDER: return divide(step, right);
-    case TOK_EQ: return combine(step, left == right ? 1 : 0);
-    case TOK_NE: return combine(step, left != right ? 1 : 0);
-    case TOK_LE: return combine(step, left <= right ? 1 : 0);
-    case TOK_GE: return combine(step, left >= right ? 1 : 0);
-    case TOK_LOGICAL_AND: return combine(step, left != 0 && right != 0 ? 1 : 0);
-    case TOK_LOGICAL_OR: return combine(step, left != 0 || right != 0 ? 1 : 0);
-    case TOK_AND: return combine(step, left & right);
-    case TOK_OR: return combine(step, left | right);
-    case TOK_XOR: return combine(step, left ^ right);
-    case TOK_SHIFT_LEFT: return combine(step, shift_left(left, right));
-    case TOK_SHIFT_RIGHT: return combine(step, shift_right(left, right));
-    // Quirk (unary-drops): these two leave out the term on their left, which is the whole value so
-    // far.
-    case TOK_LOGICAL_NOT: return combine(step, right == 0 ? 1 : 0);
-    case TOK_COMPLEMENT: return combine(step, ~right);
-    default: return combine(step, right); // a parenthesis
+    if (step.pending == TOK_DIVIDE) {
+        Error("Integer divide by zero");
     }
+    status = STATUS_STOPPED;
+    return step.sum;
 }
 
 // Reads tokens into a step. Returns its value, or nothing while it waits for a nested step, the
 // token for which is pending.
 std::optional<std::int64_t> run_step(Step &step, OperandRecord *operand) {
     do {
-        const char *begin = Col_Ptr;
-        const ScannedToken &token = expression_tokens.next();
-        switch (token.token) {
+        const int token = gettoken(kExpressionMode);
+        switch (token) {
         case TOK_NUMBER:
         case TOK_NAME:
-            step.term = operand_value(begin, token, operand);
+            step.term = token == TOK_NUMBER ? yyval : name_value(yytext, operand);
             // Quirk (one-term): a step ends with its operand, so the right side of an operator is
             // one term or product. Quirk (division-chain): that of "/" goes on with the products
             // after it.
-            if (!term_goes_on(token.end)) {
+            if (!term_goes_on(Col_Ptr)) {
                 return value_of(step);
             }
             break;
@@ -169,10 +115,10 @@ std::optional<std::int64_t> run_step(Step &step, OperandRecord *operand) {
             return std::nullopt;
         case TOK_CLOSE: --in_paren; return value_of(step);
         default:
-            if (!is_operator(token.token)) {
-                return end_step(step, token.token);
+            if (!is_operator(token)) {
+                return end_step(step, token);
             }
-            step.pending = token.token;
+            step.pending = token;
             return std::nullopt;
         }
     } while (status >= 0);
@@ -191,9 +137,11 @@ bool wants_more(const Step &waiting) {
 
 // ---- Whole expressions ----
 
-// Evaluates the checked expression, step by step up to its end.
-std::int64_t evaluate_steps(OperandRecord *operand) {
-    expression_tokens.rewind();
+// The value of the checked expression at the scan position, which moves to its end.
+std::int64_t checked_value(OperandRecord *operand) {
+    end_of_input = 0;
+    in_paren = 0;
+    forwardref = 0;
     std::int64_t value = 0;
     // Quirk (product-after-parenthesis): a parenthesis ends the step, so what follows it has the
     // whole value so far on its left.
@@ -203,85 +151,49 @@ std::int64_t evaluate_steps(OperandRecord *operand) {
     return value;
 }
 
-// Moves to the end of the checked expression, as the steps do: onto the character that ended it, or
-// the faulty digit.
-void skip_to_end() { Col_Ptr = expression_tokens.last().end - 1; }
-
-// Takes over from the steps where no value is asked for: enters the names, in their order. Pass 1
-// needs no more of an operand, whose form alone decides on the length of the statement.
-void enter_names(OperandRecord *operand) {
-    for (std::size_t i = 0; i < expression_tokens.size(); ++i) {
-        if (expression_tokens[i].token == TOK_NAME) {
-            (void)operand_value(expression_tokens.begin_of(i), expression_tokens[i], operand);
-        }
-    }
+// Without reports a faulty character ends the expression instead of failing it, unless it could
+// belong to a word.
+bool is_failure(bool reports) {
+    return status != STATUS_OK &&
+           (reports || status != STATUS_ILLEGAL_CHARACTER || is_name_char(*last_token));
 }
 
-// The value of the checked expression, or 0 where none is needed.
-std::int64_t checked_value(OperandRecord *operand, bool is_value_needed) {
-    end_of_input = 0;
-    in_paren = 0;
-    forwardref = 0;
-    // The check ends at "<" and ">" but the steps don't, so only they know what is to be read.
-    if (!is_character(expression_tokens.last().token)) {
-        return evaluate_steps(operand);
-    }
-    if (!is_value_needed) {
-        skip_to_end();
-        enter_names(operand);
-        return 0;
-    }
-    return evaluate_steps(operand);
-}
-
-// The direct way: most expressions are a number or a name with a blank or a comma after it, which
-// needs neither list nor steps. Leaves all state as the check and the steps do. Where it gives
-// nothing, the check reads the token anew; a faulty digit is reported once all the same, as a line
-// has no second plain error.
-//
-// Earns 6 % of the processor time of the large workload. To measure it again, return nothing at
-// once.
-inline std::optional<std::int64_t> lone_operand_value(OperandRecord *operand) {
-    const char *begin = Col_Ptr;
-    const ScannedToken scanned = scan_token(begin, kExpressionMode, ctoken);
-    if (!is_operand(scanned.token) || !has_class(*scanned.end, kClassOperandEnd)) {
-        return std::nullopt;
-    }
-    errorsp = nullptr;
-    forwardref = 0;
-    status = STATUS_OK;
-    Col_Ptr = scanned.end;
-    ctoken = static_cast<unsigned char>(*scanned.end);
-    return operand_value(begin, scanned, operand);
-}
-
-// Runs the check at the scan position, which then is at the expression's start again. The column is
-// that of the start in the line.
-void check_expression(int column) {
+// The value of an expression that is not usual. Not inlined, so that what all others take stays
+// short.
+[[gnu::noinline]] ExpressionValue careful_value(int column, bool reports, OperandRecord *operand) {
     const char *start = Col_Ptr;
-    errorsp = nullptr;
+    const int previous = ctoken;
     status = p00();
-    offset = column + static_cast<int>(expression_tokens.begin_of_last() - start);
+    offset = column + static_cast<int>(last_token - start);
     Col_Ptr = start;
-}
-
-int column_in_line(const char *text) { return static_cast<int>(text - Line_Ptr); }
-
-// Without reports a faulty character ends the expression instead of failing it, unless it
-// could belong to a word.
-bool fails(int report) {
-    if (status == STATUS_OK) {
-        return false;
+    if (is_failure(reports)) {
+        if (reports) {
+            vpError("%s, Position[%d]", status_text(status), offset);
+        }
+        return kNoValue;
     }
-    return report != 0 || status != STATUS_ILLEGAL_CHARACTER ||
-           is_name_char(*expression_tokens.begin_of_last());
+    // The check has left the last token, but the first one is to be read by what stood before it.
+    ctoken = previous;
+    return {checked_value(operand), true};
 }
 
-void report_status() { vpError("%s, Position[%d]", status_text(status), offset); }
+// The value of the expression at the scan position, which moves to its end; column is that of the
+// position in the line. Nothing after a syntax error; the scan position then stays.
+ExpressionValue value_at(int column, bool reports, OperandRecord *operand) {
+    errorsp = nullptr;
+    const ExpressionValue value = usual_value(operand);
+    if (!value.is_known) {
+        return careful_value(column, reports, operand);
+    }
+    status = STATUS_OK;
+    return value;
+}
 
 bool is_undefined_reference() { return errorsp != nullptr && errorsp->has(SYM_UNDEFINED); }
 
 void report_undefined() { vpError("Undefined symbol '%s'", errorsp->name); }
+
+int column_in_line(const char *text) { return static_cast<int>(text - Line_Ptr); }
 
 } // namespace
 
@@ -298,7 +210,7 @@ std::int64_t p0(std::int64_t accumulated, int /*node_kind*/, int depth, int /*mo
         }
         // Hand the value to the waiting steps, as far as it completes them.
         while (waiting > 0 && !wants_more(waiting_steps[waiting - 1])) {
-            result = apply_pending(waiting_steps[--waiting], *result);
+            result = complete(waiting_steps[--waiting], *result);
         }
         if (waiting == 0) {
             return *result;
@@ -310,14 +222,9 @@ std::int64_t p0(std::int64_t accumulated, int /*node_kind*/, int depth, int /*mo
 std::int64_t evalexp(const char *text, int check, int column) {
     const char *entry = Col_Ptr;
     Col_Ptr = text;
-    std::optional<std::int64_t> value = lone_operand_value(nullptr);
-    if (!value) {
-        check_expression(column);
-        if (status != STATUS_OK) {
-            report_status();
-            return 0;
-        }
-        value = checked_value(nullptr, true);
+    const ExpressionValue value = value_at(column, true, nullptr);
+    if (!value.is_known) {
+        return 0;
     }
     if (check != 0 && Pass2 != 0 && forwardref != 0) {
         if (errorsp == nullptr) {
@@ -328,27 +235,20 @@ std::int64_t evalexp(const char *text, int check, int column) {
         }
     }
     Col_Ptr = entry;
-    return *value;
+    return value.value;
 }
 
 std::int64_t evalexp(const char *text, int check) {
     return evalexp(text, check, column_in_line(text));
 }
 
-int ppexpr(OperandRecord &operand, int report, bool is_value_needed) {
+int ppexpr(OperandRecord &operand, int report) {
     operand.symbol_size = -1;
-    std::optional<std::int64_t> value = lone_operand_value(&operand);
-    if (!value) {
-        check_expression(column_in_line(Col_Ptr));
-        if (fails(report)) {
-            if (report != 0) {
-                report_status();
-            }
-            return 1;
-        }
-        value = checked_value(&operand, is_value_needed);
+    const ExpressionValue value = value_at(column_in_line(Col_Ptr), report != 0, &operand);
+    if (!value.is_known) {
+        return 1;
     }
-    operand.value = *value;
+    operand.value = value.value;
     operand.forward_references = forwardref;
     operand.term_count = 1;
     if (Pass2 != 0 && is_undefined_reference()) {

@@ -19,7 +19,6 @@ extern int status;       // result of the check; STATUS_STOPPED ends evaluation 
 extern int offset;       // 0-based column in the line of the token at which the check stopped
 extern int in_paren;     // parenthesis depth during evaluation
 extern int end_of_input; // evaluation has met the end of the expression
-extern Symbol *errorsp;  // the last forward or undefined reference of the final pass, or null
 
 // ---- Functions ----
 
@@ -32,9 +31,8 @@ std::int64_t evalexp(const char *text, int check, int column);
 std::int64_t evalexp(const char *text, int check);
 
 // Evaluates the expression at the scan position into the record and moves to the character that
-// ended it: 0; or 1 for a syntax error, which is reported with report set. Where the value isn't
-// needed, the names are entered and the value may be 0.
-int ppexpr(OperandRecord &operand, int report, bool is_value_needed = true);
+// ended it: 0; or 1 for a syntax error, which is reported with report set.
+int ppexpr(OperandRecord &operand, int report);
 
 // One evaluation step that starts from the value so far; operand may be null. The node kind and
 // mode do not matter. Returns the new value.

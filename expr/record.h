@@ -7,6 +7,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <string_view>
 
 struct Symbol;
 
@@ -31,6 +32,10 @@ struct OperandRecord {
 extern OperandRecord opnd1; // the operand being read
 extern OperandRecord opnd2; // a second one, for two-operand targets
 
+// The last forward or undefined reference of the current expression in the final pass, or null;
+// reset for each expression.
+extern Symbol *errorsp;
+
 // ---- Functions ----
 
 // Zeroes the whole record.
@@ -38,3 +43,10 @@ void ClearOp(OperandRecord &operand);
 
 // Adds the next symbol of the expression.
 void note_symbol(OperandRecord &operand, Symbol *symbol);
+
+// The value of a name that an expression refers to. Counts a forward reference and adds the symbol
+// to the record, which may be null.
+std::int64_t name_value(std::string_view name, OperandRecord *operand);
+
+// The same for a symbol that has been found already.
+std::int64_t symbol_value(Symbol *symbol, OperandRecord *operand);

@@ -1,6 +1,6 @@
-// Four structures grow with the table: blocks of records, pieces of memory that hold the names'
-// texts, the index, and the chains. Nothing is ever taken out of any of them, so all are filled
-// from their ends, and the index needs no marks for deleted places.
+// Three structures grow with the table: blocks of records, pieces of memory that hold the names'
+// texts, and the index. Nothing is ever taken out of any of them, so all are filled from their
+// ends, and the index needs no marks for deleted places.
 #include "symtab/names.h"
 
 #include "as/asOptions.h"
@@ -15,7 +15,7 @@
 #include <new>
 #include <string>
 
-std::array<Symbol *, kSymbolChains> symheads{};
+std::array<std::vector<const Symbol *>, kSymbolChains> symheads;
 std::vector<std::vector<Symbol>> symlistptr;
 std::size_t symlistcnt = 0;
 std::size_t symcnt = 0;
@@ -31,6 +31,8 @@ constexpr int kOverflowStatus = 255;
     end_run(kOverflowStatus);
 }
 
+std::array<Symbol *, kSymbolBlockLimit> block_records{}; // the first record of each block
+
 // A block has room for all of its records from the start, so that they never move.
 void add_block() {
     if (symlistptr.size() >= kSymbolBlockLimit) {
@@ -41,6 +43,7 @@ void add_block() {
     } catch (const std::bad_alloc &) {
         end_on_overflow();
     }
+    block_records[symlistcnt] = symlistptr.back().data();
     symlistcnt = symlistptr.size();
     symcnt = 0;
 }
@@ -76,34 +79,14 @@ const char *store_name(std::string_view name) {
     return stored;
 }
 
-// ---- Chains ----
+// ---- Names as numbers ----
 
-std::array<Symbol *, kSymbolChains> symtails{}; // last record of each chain
-
-// The chain of a stored name: the sum of its leading symbol characters' codes, modulo 256. Printed
-// tables depend on it, which is all that it is good for: names of one program often share it.
-std::size_t chain_of(std::string_view name) {
-    unsigned sum = 0;
-    for (const char ch : name) {
-        if (!is_symbol_char(ch)) {
-            break;
-        }
-        sum += static_cast<unsigned char>(ch);
-    }
-    return sum % kSymbolChains;
-}
-
-void append_to_chain(Symbol *symbol) {
-    const std::size_t chain = chain_of(symbol->name_view());
-    if (symtails[chain] == nullptr) {
-        symheads[chain] = symbol;
-    } else {
-        symtails[chain]->next = symbol;
-    }
-    symtails[chain] = symbol;
-}
-
-// ---- The hash: the one fast path here ----
+// A name as it is stored, its ends and its hash.
+struct Key {
+    std::string_view name;
+    NameEnds ends;
+    std::uint64_t hash;
+};
 
 // A piece of the name as a number.
 template <typename Piece> std::uint64_t piece_at(const char *text) {
@@ -113,8 +96,9 @@ template <typename Piece> std::uint64_t piece_at(const char *text) {
 }
 
 constexpr std::size_t kPiece = sizeof(std::uint64_t);
+constexpr std::size_t kLongestByEnds = 2 * kPiece;
 
-// All of a text of at most eight bytes as a number: its first and last bytes, which may overlap.
+// All of a text of less than eight bytes: its first and last bytes, which may overlap.
 inline std::uint64_t whole_text(const char *text, std::size_t size) {
     if (size >= sizeof(std::uint32_t)) {
         return piece_at<std::uint32_t>(text) << 32U |
@@ -127,25 +111,52 @@ inline std::uint64_t whole_text(const char *text, std::size_t size) {
            piece_at<std::uint8_t>(text + size - 1);
 }
 
+inline NameEnds ends_of(std::string_view name) {
+    if (name.size() < kPiece) {
+        const std::uint64_t text = whole_text(name.data(), name.size());
+        return {text, text};
+    }
+    return {piece_at<std::uint64_t>(name.data()),
+            piece_at<std::uint64_t>(name.data() + name.size() - kPiece)};
+}
+
 // Takes eight bytes of the name at a time, the last eight overlapping those before them. The upper
 // bits, which give the place in the index, depend on all of the name.
 //
 // Fast path: it earns 15 % of the time of the symbols workload of the benchmark and 5 % of that of
 // the large one. To measure it again, take the characters one by one: for each, hash = (hash ^
 // character) * 0x100000001B3, and a multiplication by kMultiplier at the end.
-inline std::uint64_t name_hash(std::string_view name) {
+inline std::uint64_t name_hash(std::string_view name, const NameEnds &ends) {
     constexpr std::uint64_t kMultiplier = 0x9E3779B97F4A7C15U;
-    std::uint64_t hash = name.size();
-    const char *text = name.data();
-    if (name.size() <= kPiece) {
-        return (hash ^ whole_text(text, name.size())) * kMultiplier;
-    }
-    const char *last = text + name.size() - kPiece;
-    for (; text < last; text += kPiece) {
-        hash = (hash ^ piece_at<std::uint64_t>(text)) * kMultiplier;
+    std::uint64_t hash = (name.size() ^ ends.first) * kMultiplier;
+    hash ^= hash >> 32U;
+    for (std::size_t i = kPiece; i + kPiece < name.size(); i += kPiece) {
+        hash = (hash ^ piece_at<std::uint64_t>(name.data() + i)) * kMultiplier;
         hash ^= hash >> 32U;
     }
-    return (hash ^ piece_at<std::uint64_t>(last)) * kMultiplier;
+    return (hash ^ ends.last) * kMultiplier;
+}
+
+std::string folded_name; // the name of a key while case does not count
+
+[[gnu::noinline]] std::string_view fold(std::string_view name) {
+    folded_name.assign(name);
+    std::transform(folded_name.begin(), folded_name.end(), folded_name.begin(), to_upper);
+    return folded_name;
+}
+
+inline Key stored_key(std::string_view name) {
+    const NameEnds ends = ends_of(name);
+    return {name, ends, name_hash(name, ends)};
+}
+
+inline Key key_of(std::string_view name) {
+    return stored_key(O_symbol_case_sensitive == 0 ? fold(name) : name);
+}
+
+inline bool has_name(const Symbol &symbol, const Key &key) {
+    return symbol.name_ends == key.ends && symbol.name_length == key.name.size() &&
+           (key.name.size() <= kLongestByEnds || symbol.name_view() == key.name);
 }
 
 // ---- The index ----
@@ -156,7 +167,9 @@ using RecordNumber = std::uint16_t;
 constexpr RecordNumber kFree = 0xFFFF;
 static_assert(kSymbolBlockLimit < 256 && kSymbolsPerBlock <= 256);
 
-inline Symbol *record(RecordNumber number) { return &symlistptr[number >> 8U][number & 0xFFU]; }
+inline Symbol *record(RecordNumber number) {
+    return block_records[number >> 8U] + (number & 0xFFU);
+}
 
 RecordNumber last_record() {
     return static_cast<RecordNumber>((symlistcnt - 1) << 8U | (symcnt - 1));
@@ -175,7 +188,7 @@ std::size_t next_place(std::size_t place) { return (place + 1) & (symbol_index.s
 // Enters a record under its stored spelling, which folds to itself unless it was stored before case
 // ceased to count. Quirk (d-before-nocase): such a name is not found any more.
 void insert_into_index(RecordNumber number) {
-    std::size_t place = first_place(record(number)->name_hash);
+    std::size_t place = first_place(stored_key(record(number)->name_view()).hash);
     while (symbol_index[place] != kFree) {
         place = next_place(place);
     }
@@ -202,20 +215,12 @@ void add_to_index() {
     insert_into_index(last_record());
 }
 
-// A name as it is stored, and its hash.
-struct Key {
-    std::string_view name;
-    std::uint64_t hash;
-};
-
-inline bool has_name(const Symbol &symbol, const Key &key) {
-    return symbol.name_hash == key.hash && symbol.name_view() == key.name;
-}
-
 inline Symbol *find(const Key &key) {
+    // A place is always within the index.
+    const RecordNumber *index = symbol_index.data();
     std::size_t place = first_place(key.hash);
-    while (symbol_index[place] != kFree) {
-        Symbol *symbol = record(symbol_index[place]);
+    while (index[place] != kFree) {
+        Symbol *symbol = record(index[place]);
         if (has_name(*symbol, key)) {
             return symbol;
         }
@@ -224,27 +229,24 @@ inline Symbol *find(const Key &key) {
     return nullptr;
 }
 
-std::string folded_name; // the name of a key while case does not count
-
-[[gnu::noinline]] std::string_view fold(std::string_view name) {
-    folded_name.assign(name);
-    std::transform(folded_name.begin(), folded_name.end(), folded_name.begin(), to_upper);
-    return folded_name;
-}
-
-inline Key key_of(std::string_view name) {
-    if (O_symbol_case_sensitive == 0) {
-        name = fold(name);
+// Printed tables depend on this sum, which is all that it is good for: names of one program often
+// share it.
+std::size_t chain_of(std::string_view name) {
+    unsigned sum = 0;
+    for (const char ch : name) {
+        if (!is_symbol_char(ch)) {
+            break;
+        }
+        sum += static_cast<unsigned char>(ch);
     }
-    return {name, name_hash(name)};
+    return sum % kSymbolChains;
 }
 
 Symbol *add(const Key &key) {
     Symbol *symbol = next_record();
     symbol->name = store_name(key.name);
     symbol->name_length = static_cast<std::uint32_t>(key.name.size());
-    symbol->name_hash = key.hash;
-    append_to_chain(symbol);
+    symbol->name_ends = key.ends;
     add_to_index();
     return symbol;
 }
@@ -259,6 +261,15 @@ EnteredName enter_name(std::string_view name) {
     return symbol != nullptr ? EnteredName{symbol, false} : EnteredName{add(key), true};
 }
 
+void link_chains() {
+    symheads.fill({});
+    for (const std::vector<Symbol> &block : symlistptr) {
+        for (const Symbol &symbol : block) {
+            symheads[chain_of(symbol.name_view())].push_back(&symbol);
+        }
+    }
+}
+
 void init_as_symbol_table() {
     closesym();
     symbol_index.assign(std::size_t{1} << kFirstIndexBits, kFree);
@@ -267,8 +278,7 @@ void init_as_symbol_table() {
 }
 
 void closesym() {
-    symheads.fill(nullptr);
-    symtails.fill(nullptr);
+    symheads.fill({});
     symlistptr.clear();
     symlistcnt = 0;
     symcnt = 0;

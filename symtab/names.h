@@ -1,10 +1,10 @@
 // The names of the assembly: how their records are stored and found, whatever they mean.
 //
 // A record is made once, is never moved and lives until the end of the run, so the rest of the
-// program may keep pointers to it. It is reached in three ways: through the blocks that hold the
-// records in the order of their creation, through an index by name, and through 256 chains, which
-// keep only the order in which the table is printed. What a record says, and when it may change, is
-// decided in symtab/symtab.
+// program may keep pointers to it. It is reached in two ways: through the blocks that hold the
+// records in the order of their creation, and through an index by name. The 256 chains keep only
+// the order in which the table is printed, and are made for that. What a record says, and when it
+// may change, is decided in symtab/symtab.
 #pragma once
 
 #include <array>
@@ -20,10 +20,19 @@ inline constexpr std::size_t kSymbolsPerBlock = 200;
 inline constexpr std::size_t kSymbolBlockLimit = 199;
 inline constexpr std::size_t kSymbolChains = 256;
 
-// Fills a cache line, so that a look-up touches one.
+// The first and the last eight bytes of a name as numbers; they may overlap. With the length they
+// say all of a name of at most sixteen bytes.
+struct NameEnds {
+    std::uint64_t first = 0;
+    std::uint64_t last = 0;
+
+    bool operator==(const NameEnds &) const = default;
+};
+
+// Fills a cache line, so that a look-up touches one; only a long name's text is looked at, too.
 struct alignas(64) Symbol {
-    const char *name = nullptr;  // NUL-terminated, owned by the table; upper case with nocase
-    std::uint64_t name_hash = 0; // its place in the index
+    const char *name = nullptr; // NUL-terminated, owned by the table; upper case with nocase
+    NameEnds name_ends;
     std::uint32_t name_length = 0;
     std::uint32_t flags = 0;          // SymbolFlag
     std::int32_t definition_line = 0; // realline of the definition; 1 for -D, 0 while undefined
@@ -34,7 +43,6 @@ struct alignas(64) Symbol {
     std::uint16_t element_size = 0;        // bytes of one element
     std::int16_t bit_size = -1; // signed width class of a constant's value; -1: no constant
     Segment *segment = nullptr; // null: no segment
-    Symbol *next = nullptr;     // next in the chain
 
     bool has(std::uint32_t bits) const { return (flags & bits) != 0; }
     std::string_view name_view() const { return {name, name_length}; }
@@ -49,15 +57,20 @@ struct EnteredName {
 
 // ---- State owned here; emptied by init_as_symbol_table ----
 
-extern std::array<Symbol *, kSymbolChains> symheads; // heads of the chains, in print order
-extern std::vector<std::vector<Symbol>> symlistptr;  // the blocks, in order of creation
-extern std::size_t symlistcnt;                       // blocks handed out
-extern std::size_t symcnt;                           // records used in the current block
+// The chains in print order; filled by link_chains.
+extern std::array<std::vector<const Symbol *>, kSymbolChains> symheads;
+extern std::vector<std::vector<Symbol>> symlistptr; // the blocks, in order of creation
+extern std::size_t symlistcnt;                      // blocks handed out
+extern std::size_t symcnt;                          // records used in the current block
 
 // ---- Functions ----
 
 // Empties the table, but for one fresh block.
 void init_as_symbol_table();
+
+// Puts all records into the chains: the chain of a name is the sum of the codes of its leading
+// symbol characters, modulo 256, and a chain is in the order of creation.
+void link_chains();
 
 // Releases the table at the end of the run.
 void closesym();

@@ -109,17 +109,21 @@ Symbol *lookup(std::string_view name) {
 
 Symbol *refsym(std::string_view name) {
     Symbol *symbol = lookup(name);
+    note_reference(*symbol);
+    return symbol;
+}
+
+void note_reference(Symbol &symbol) {
     if (Pass2 != 0) {
-        if (symbol->definition_line > realline) {
+        if (symbol.definition_line > realline) {
             forwardref = 1;
         }
-    } else if (symbol->flags == SYM_UNDEFINED) {
+    } else if (symbol.flags == SYM_UNDEFINED) {
         // Exactly these: a name that is marked already, or that a test has entered, stays as it is.
-        symbol->flags |= SYM_FORWARD;
-        symbol->first_reference_line = Line_no;
+        symbol.flags |= SYM_FORWARD;
+        symbol.first_reference_line = Line_no;
         forwardref = 1;
     }
-    return symbol;
 }
 
 void defsym(std::string_view name, std::int64_t value, int check) {
@@ -133,8 +137,9 @@ void defsym(std::string_view name, std::int64_t value, int check) {
 
 void symwrite(OutputFile &stream) {
     bool header_due = true;
-    for (const Symbol *head : symheads) {
-        for (const Symbol *symbol = head; symbol != nullptr; symbol = symbol->next) {
+    link_chains();
+    for (const std::vector<const Symbol *> &chain : symheads) {
+        for (const Symbol *symbol : chain) {
             if (header_due) {
                 // Quirk (table-heads): the two headers differ by three blanks.
                 stream.put(&stream == &standard_output

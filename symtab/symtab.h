@@ -56,6 +56,9 @@ Symbol *lookup(std::string_view name);
 // As lookup, for a reference from an expression: notes forward references.
 Symbol *refsym(std::string_view name);
 
+// The part of refsym after the look-up.
+void note_reference(Symbol &symbol);
+
 // Defines a name as valid_sym reads it; the final pass compares instead, and with check set reports
 // a value that has moved.
 void defsym(std::string_view name, std::int64_t value, int check);

@@ -3,7 +3,6 @@
 // registers: that a register's name can't begin an expression is what keeps the two apart.
 #include "target/operand.h"
 
-#include "as/asOptions.h"
 #include "as/asPlace.h"
 #include "expr/evaluate.h"
 #include "target/optab.h"
@@ -64,16 +63,14 @@ std::uint64_t accumulator_mode() {
 } // namespace
 
 int Parse_Operand(OperandRecord &operand) {
-    // Before the final pass the mode alone counts.
-    const bool is_value_needed = Pass2 != 0;
     ClearOp(operand);
     commadel = 0;
     if (lookahead('#') != 0) {
-        if (ppexpr(operand, 1, is_value_needed) != 0) {
+        if (ppexpr(operand, 1) != 0) {
             return 1;
         }
         operand.mode = ADR_IMM;
-    } else if (ppexpr(operand, 0, is_value_needed) == 0) {
+    } else if (ppexpr(operand, 0) == 0) {
         operand.mode = mode_after_expression();
     } else if (lookahead(',') != 0) {
         operand.mode = auto_step_mode();

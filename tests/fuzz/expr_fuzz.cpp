@@ -9,6 +9,7 @@
 #include "target/operand.h"
 #include "target/scan.h"
 #include "tests/fuzz/memory_files.h"
+#include "util/ahead.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -30,11 +31,11 @@ void set_line(const std::uint8_t *data, std::size_t size) {
     scan_new_line();
 }
 
-// As conditional words do, on a copy exactly as large as the text: any byte read behind it is
+// As conditional words do, on a copy with exactly the room to look ahead: any byte read after it is
 // noticed.
 void evaluate_copy() {
     const std::string_view text = Line.view();
-    const auto copy = std::make_unique<char[]>(text.size() + 1);
+    const auto copy = std::make_unique<char[]>(text.size() + kLookAhead);
     text.copy(copy.get(), text.size());
     (void)evalexp(copy.get(), 1, 0);
     Col_Ptr = Line.begin();

@@ -8,6 +8,7 @@
 #include "symtab/symtab.h"
 #include "target/scan.h"
 #include "tests/unit/support.h"
+#include "util/ahead.h"
 
 #include <cstddef>
 #include <cstdint>
@@ -429,43 +430,6 @@ TEST_F(Expression, LessAndGreaterPassTheCheckButCannotBeEvaluated) {
     }
 }
 
-// ---- Without a value ----
-
-// What an expression leaves behind beside its value.
-struct Traces {
-    std::ptrdiff_t column;
-    int previous_token;
-    std::int16_t forward_references;
-    std::vector<std::string> names;
-
-    bool operator==(const Traces &) const = default;
-};
-
-class ExpressionWithoutValue : public Expression {
-  protected:
-    Traces traces(const std::string &text, bool is_value_needed) {
-        init_as_symbol_table();
-        enter_first_pass();
-        begin(text);
-        EXPECT_EQ(ppexpr(opnd1, 1, is_value_needed), 0) << text;
-        EXPECT_EQ(take_output(), "") << text;
-        Traces left = {column(), ctoken, opnd1.forward_references, {}};
-        for (int i = 0; i < opnd1.symbol_count; ++i) {
-            left.names.emplace_back(opnd1.symbols[static_cast<std::size_t>(i)]->name);
-        }
-        return left;
-    }
-};
-
-TEST_F(ExpressionWithoutValue, LeavesBehindWhatTheEvaluationLeaves) {
-    for (const std::string text :
-         {"1 ", "one,X", "1+2 ", "one+two*three,Y", "(one+(two))/3 ", "!one%two ", "one/0+two ",
-          "%101+one ", "1<two ", "one>two,X", "1<(two ", "(5)$ ", "'A'+one", "one-two"}) {
-        EXPECT_EQ(traces(text, false), traces(text, true)) << text;
-    }
-    EXPECT_EQ(traces("one+two*one ", false).names, (std::vector<std::string>{"one", "two", "one"}));
-}
-
 // ---- One step alone ----
 
 class EvaluationStep : public Expression {
@@ -757,13 +721,13 @@ TEST_F(Expression, ACopiedWordIsReportedAtItsColumnInTheLine) {
     EXPECT_EQ(Col_Ptr, word.c_str());
 }
 
-TEST_F(Expression, ACopiedWordIsNotReadBeyondItsEnd) {
+TEST_F(Expression, ACopiedWordIsReadAheadAsFarAsTextsAre) {
     begin("");
     for (const std::string head : {"", "1", "q", "1+", "(1)", "-(", "1-"}) {
         for (const char *tail : {"", "S", "C", "'", "'A", "$", "%", "<", "7", "q", "!", "+", ")"}) {
-            // Exactly as large as the word, so that any byte read behind it is noticed.
+            // Exactly as large as that, so that any byte read after it is noticed.
             const std::string word = head + tail;
-            const auto copy = std::make_unique<char[]>(word.size() + 1);
+            const auto copy = std::make_unique<char[]>(word.size() + kLookAhead);
             word.copy(copy.get(), word.size());
             evalexp(copy.get(), 0, 0);
         }

@@ -52,7 +52,6 @@ TEST_F(SymbolTable, CreatedRecordHoldsWhatWasGiven) {
     EXPECT_EQ(symbol->element_size, 0U);
     EXPECT_EQ(symbol->file, -1);
     EXPECT_EQ(symbol->bit_size, -1);
-    EXPECT_EQ(symbol->next, nullptr);
     EXPECT_EQ(getsym("loop"), symbol);
 }
 
