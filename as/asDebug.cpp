@@ -1,4 +1,6 @@
 // The records are kept in memory until close-down, because the S-records come first in the file.
+// Those of instructions are two numbers each until then: that takes a quarter of the memory of
+// their text. Before any other record they become text, so that the order is kept.
 #include "as/asDebug.h"
 
 #include "as/asList.h"
@@ -10,17 +12,13 @@
 #include "target/srecord.h"
 #include "util/format.h"
 
-#include <algorithm>
 #include <initializer_list>
+#include <vector>
 
 std::string symdebfile;
 std::string startsymname;
 
 namespace {
-
-// Room for the records of 300,000 lines. Memory that is reserved costs nothing until it is used;
-// moving the records whenever they have outgrown their place would touch all of it again.
-constexpr std::size_t kRoom = std::size_t{1} << 24U;
 
 // Fewest digits of a value.
 constexpr unsigned kValueDigits = 8;
@@ -30,6 +28,51 @@ std::string_view current_file() { return getCurrentFileInfo(-1)->name; }
 std::string_view current_segment() {
     return current_seg == nullptr ? std::string_view() : current_seg->name;
 }
+
+// ---- Instructions ----
+
+struct InstructionRecord {
+    std::int32_t line;
+    std::uint32_t address;
+};
+std::vector<InstructionRecord> instructions;
+int instructions_file = 0;                     // index of the file that all of them are in
+const Segment *instructions_segment = nullptr; // and their segment
+
+bool fits_the_others() {
+    return instructions_file == current_file_index() && instructions_segment == current_seg;
+}
+
+// Hands the records over as text, piece by piece.
+template <typename Put> void put_instructions(Put put) {
+    if (instructions.empty()) {
+        return;
+    }
+    const std::string head = "SY:C:X:" + getCurrentFileInfo(instructions_file)->name + ":";
+    const std::string middle =
+        ":1:" + (instructions_segment == nullptr ? "" : instructions_segment->name) + ":";
+    for (const InstructionRecord &record : instructions) {
+        NumberText line;
+        NumberText address;
+        put(head);
+        put(decimal_text(line, record.line));
+        put(middle);
+        put(hex_text(address, record.address, 1));
+        put("\n");
+    }
+    instructions.clear();
+}
+
+void note_instruction(std::int32_t line, std::uint32_t address) {
+    if (!fits_the_others()) {
+        (void)debug_text();
+        instructions_file = current_file_index();
+        instructions_segment = current_seg;
+    }
+    instructions.push_back({line, address});
+}
+
+// ---- Records of fields ----
 
 std::string decimal(std::int64_t value) {
     NumberText text;
@@ -43,31 +86,36 @@ std::string hex_value(std::int64_t value) {
 }
 
 void put_record(std::string_view kind, std::initializer_list<std::string_view> fields) {
-    std::size_t size = kind.size() + 1;
+    add_debug_text(kind);
     for (const std::string_view field : fields) {
-        size += 1 + field.size();
+        symdebfile += ':';
+        symdebfile += field;
     }
-    const std::size_t begin = symdebfile.size();
-    symdebfile.resize(begin + size);
-    char *end = std::copy(kind.begin(), kind.end(), &symdebfile[begin]);
-    for (const std::string_view field : fields) {
-        *end++ = ':';
-        end = std::copy(field.begin(), field.end(), end);
-    }
-    *end = '\n';
+    symdebfile += '\n';
 }
 
 } // namespace
 
-void begin_debug_records() { symdebfile.reserve(kRoom); }
+const std::string &debug_text() {
+    put_instructions([](std::string_view text) { symdebfile += text; });
+    return symdebfile;
+}
+
+void add_debug_text(std::string_view text) {
+    if (!text.empty()) {
+        (void)debug_text();
+        symdebfile += text;
+    }
+}
 
 void asm_write_sd_exec(int line, std::int32_t count, std::uint32_t address) {
-    NumberText line_text;
-    NumberText count_text;
-    NumberText address_text;
-    put_record("SY:C:X",
-               {current_file(), decimal_text(line_text, line), decimal_text(count_text, count),
-                current_segment(), hex_text(address_text, address, 1)});
+    if (count == 1) {
+        note_instruction(line, address);
+        return;
+    }
+    NumberText text;
+    put_record("SY:C:X", {current_file(), decimal(line), decimal(count), current_segment(),
+                          hex_text(text, address, 1)});
 }
 
 void asm_write_sd_function(std::string_view name, const std::array<std::int32_t, 3> &numbers,
@@ -95,15 +143,18 @@ void asm_write_sd_local_symbol(const std::array<std::string, 3> &fields, std::in
 }
 
 void begin_type_record(std::string_view text) {
-    symdebfile.append("ST:").append(current_file()).append(":").append(text);
+    add_debug_text("ST:");
+    symdebfile.append(current_file()).append(":").append(text);
 }
 
 void write_debug_part() {
     objectfile.put({"SX:C:s:", startsymname, "\n", symdebfile});
     symdebfile.clear();
+    put_instructions([](std::string_view text) { objectfile.put(text); });
 }
 
 void debug_new_run() {
     symdebfile.clear();
+    instructions.clear();
     startsymname = "start";
 }

@@ -13,17 +13,23 @@
 
 // ---- State owned here ----
 
-extern std::string symdebfile;   // the records of the final pass; emptied when they are written
+// The records of the final pass as text, but for the instructions noted last; emptied when they are
+// written. debug_text gives all of them.
+extern std::string symdebfile;
 extern std::string startsymname; // the symbol at which a debugger starts; always "start"
 
 // ---- Functions ----
 
-// Makes room for the records of a run.
-void begin_debug_records();
+// The records so far as text.
+const std::string &debug_text();
+
+// Adds text after the records so far.
+void add_debug_text(std::string_view text);
 
 // The last field, the rest of a ".stab" line, is not looked into and may hold colons.
 
-// An instruction or statement stands at an address.
+// An instruction or statement stands at an address. Most records are of this kind, with a count of
+// 1, and stay numbers until they are written.
 void asm_write_sd_exec(int line, std::int32_t count, std::uint32_t address);
 
 // A function, with three numbers and three addresses that the compiler gives.

@@ -9,9 +9,9 @@
 #include "as/asStreams.h"
 #include "target/emit.h"
 #include "target/encode.h"
+#include "util/format.h"
 
 #include <algorithm>
-#include <array>
 #include <string_view>
 
 int listing_on = 0;
@@ -21,79 +21,83 @@ namespace {
 
 // Bytes of a listing line.
 constexpr std::size_t kColumns = 6;
-constexpr unsigned kLineNumberWidth = 4;
+constexpr std::size_t kLineNumberWidth = 4;
 constexpr std::string_view kEmptyColumns = "                  ";
 static_assert(kEmptyColumns.size() == 3 * kColumns);
 
-void put_byte_columns(std::size_t first) {
-    std::array<char, kEmptyColumns.size()> text;
-    char *end = text.data();
+// Lines are composed where they stand in the output; each of these writes at a position and returns
+// the one after it.
+
+char *write_text(char *end, std::string_view text) {
+    return std::copy(text.begin(), text.end(), end);
+}
+
+char *write_byte_columns(char *end, std::size_t first) {
+    char *columns_end = write_text(end, kEmptyColumns);
     for (std::size_t i = first; i < std::min(first + kColumns, code_i); ++i) {
-        *end++ = ' ';
-        end = hex_byte(end, Code[i]);
+        end = hex_byte(end + 1, Code[i]);
     }
-    std::fill(end, text.data() + text.size(), ' ');
-    listfile.put(std::string_view(text.data(), text.size()));
+    return columns_end;
 }
 
 // No directive chooses words; they would be for data that is wider than a byte.
-void put_word_columns(std::size_t first) {
+char *write_word_columns(char *end, std::size_t first) {
     for (std::size_t i = first; i < first + kColumns; i += 2) {
         if (i < code_i) {
-            listfile.put(' ');
-            listfile.put_hex_byte(Code[i]);
-            listfile.put_hex_byte(Code[i + 1]);
+            *end++ = ' ';
+            end = hex_byte(hex_byte(end, Code[i]), Code[i + 1]);
         } else {
-            listfile.put("     ");
+            end = write_text(end, "     ");
         }
     }
-    listfile.put("   ");
+    return write_text(end, "   ");
 }
 
-void put_columns(std::size_t first) {
-    if (Byte_Extension != 0) {
-        put_byte_columns(first);
-    } else {
-        put_word_columns(first);
+char *write_columns(char *end, std::size_t first) {
+    return Byte_Extension != 0 ? write_byte_columns(end, first) : write_word_columns(end, first);
+}
+
+// The address, or the value of a constant, and the bytes after it.
+char *write_address_and_bytes(char *end) {
+    if (pending_listLC != 0) {
+        return write_columns(hex_byte(end, listLC), 0);
     }
+    if (IsEquDirective != 0) {
+        // Quirk (equ-low-byte): the value has 32 bits, but one column.
+        return write_text(hex_byte(end, Code[1]), kEmptyColumns);
+    }
+    return write_columns(write_text(end, "  "), 0);
 }
 
-// The text brings its own line end.
-void put_number_and_text() {
-    listfile.put(' ');
-    listfile.put_decimal(listline, kLineNumberWidth);
-    listfile.put(". ");
-    listfile.put(Line.view());
+char *write_line_number(char *end) {
+    NumberText text;
+    const std::string_view digits = decimal_text(text, listline);
+    *end++ = ' ';
+    for (std::size_t length = digits.size(); length < kLineNumberWidth; ++length) {
+        *end++ = ' ';
+    }
+    return write_text(write_text(end, digits), ". ");
 }
 
 // Quirk (blank-row): a count of 12, 18 or more full rows is followed by one line of blanks.
 void put_continuation_lines() {
     std::size_t first = kColumns;
     do {
-        listfile.put("    ");
-        put_columns(first);
-        listfile.put('\n');
+        char *line = listfile.room(kRoomLimit);
+        char *end = write_columns(write_text(line, "    "), first);
+        *end++ = '\n';
+        listfile.add(end);
         first += kColumns;
     } while (code_i >= first);
 }
 
+// The text brings its own line end. A constant has no bytes to go on with.
 void put_line() {
+    char *line = listfile.room(kRoomLimit);
+    listfile.add(write_line_number(write_address_and_bytes(line)));
+    listfile.put(Line.view());
     const bool is_value = pending_listLC == 0 && IsEquDirective != 0;
-    if (is_value) {
-        // Quirk (equ-low-byte): the value has 32 bits, but one column.
-        listfile.put_hex_byte(Code[1]);
-        listfile.put(kEmptyColumns);
-        put_number_and_text();
-        return;
-    }
-    if (pending_listLC != 0) {
-        listfile.put_hex_byte(listLC);
-    } else {
-        listfile.put("  ");
-    }
-    put_columns(0);
-    put_number_and_text();
-    if (code_i > kColumns) {
+    if (code_i > kColumns && !is_value) {
         put_continuation_lines();
     }
 }

@@ -26,6 +26,7 @@
 
 #include <csignal>
 #include <new>
+#include <string>
 
 namespace {
 
@@ -53,10 +54,9 @@ void initpass1(int pass) {
 // lines, comments, and lines that begin with a blank and a word. A piece without a line feed may be
 // followed by blanks without end, so it is read.
 bool has_no_constant(const char *text, std::size_t size) {
-    if (*text == ' ') {
-        return text[size - 1] == '\n' && has_class(*skip_blanks_and_tabs(text), kClassLetter);
-    }
-    return *text == ';' || *text == '\n';
+    const bool is_operation = *text == ' ' && text[size - 1] == '\n' &&
+                              has_class(*skip_blanks_and_tabs(text), kClassLetter);
+    return is_operation || *text == ';' || *text == '\n';
 }
 
 // The next line for pass 0. The others are counted instead of read, since most lines are
@@ -91,7 +91,9 @@ void write_symbols() {
         symwrite(O_list != 0 ? listfile : standard_output);
     }
     if (O_symdebug != 0) {
-        symdebugwrite(symdebfile);
+        std::string types;
+        symdebugwrite(types);
+        add_debug_text(types);
     }
 }
 

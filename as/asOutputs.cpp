@@ -232,9 +232,6 @@ int openfiles(const char *file) {
             create(output);
         }
     }
-    if (O_symdebug != 0) {
-        begin_debug_records();
-    }
     return 1;
 }
 

@@ -61,7 +61,7 @@ std::int32_t decimal_field(const std::string &field) {
 // Copies the continuation lines of the current line to the records as they are.
 void copy_continuation_lines() {
     while (line_divided(Line_Ptr) && as_read_line() != 0) {
-        symdebfile.append(Line.view());
+        add_debug_text(Line.view());
     }
 }
 
@@ -111,7 +111,7 @@ void process_type() {
     if (line_divided(Line_Ptr)) {
         copy_continuation_lines();
     } else {
-        symdebfile += '\n';
+        add_debug_text("\n");
     }
 }
 

@@ -4,7 +4,7 @@
 #include "as/asOptions.h"
 #include "as/asStreams.h"
 
-#include <array>
+#include <cstring>
 #include <string_view>
 
 namespace {
@@ -27,14 +27,15 @@ void begin_script(const std::string &name) {
 // Quirk (wide-script): a wider address spills into the script as memory contents at shifted
 // addresses, since simulators replay the script as it is.
 void put_script_lines(const Record &record) {
+    // Two blanks after the keyword, since readers of the script may count columns.
+    static constexpr std::string_view kCommand = "\n #setMemory  00=00";
     unsigned address = record.bytes[1];
     for (std::size_t i = kAddressBytes; i < record.count; ++i) {
-        // Two blanks after the keyword, since readers of the script may count columns.
-        zirpafile.put("\n #setMemory  ");
-        std::array<char, 5> setting;
-        char *end = hex_byte(setting.data(), address++);
-        *end++ = '=';
-        (void)hex_byte(end, record.bytes[i]);
-        zirpafile.put(std::string_view(setting.data(), setting.size()));
+        char *line = zirpafile.room(kCommand.size());
+        std::memcpy(line, kCommand.data(), kCommand.size());
+        char *end = line + kCommand.size();
+        (void)hex_byte(end - 5, address++);
+        (void)hex_byte(end - 2, record.bytes[i]);
+        zirpafile.add(end);
     }
 }

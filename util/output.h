@@ -20,8 +20,12 @@
 #include <initializer_list>
 #include <string_view>
 
+// The longest text that is composed in the buffer, in bytes.
+inline constexpr std::size_t kRoomLimit = 80;
+
 // Bytes gathered before a write; a character that has begun may be among them.
-inline constexpr std::size_t kOutputBufferSize = buffer_size(65536, kLongestBegunCharacter + 1);
+inline constexpr std::size_t kOutputBufferSize =
+    buffer_size(65536, kLongestBegunCharacter + kRoomLimit);
 
 // The memory in which an output file gathers its bytes: apart from the file, so that a buffer which
 // is not used touches no page.
@@ -66,6 +70,16 @@ class OutputFile {
         }
     }
     void put(std::initializer_list<std::string_view> texts);
+
+    // Room for a text of at most kRoomLimit bytes that is composed in its place; add says where it
+    // ends.
+    char *room(std::size_t size) {
+        if (size > kOutputBufferSize - used_) {
+            write_out(false);
+        }
+        return buffer_ + used_;
+    }
+    void add(const char *end) { used_ = static_cast<std::size_t>(end - buffer_); }
 
     // Two upper-case hexadecimal digits.
     void put_hex_byte(unsigned value) { put(hex_byte_text(value)); }

@@ -361,10 +361,10 @@ TEST_F(AssembledLine, DebuggerLineIsAnOrdinaryFaultyLineInPassZero) {
 TEST_F(AssembledLine, DebuggerLineGoesToItsRecordsWithTheOptionAlone) {
     begin_reports();
     assemble(".stab type t\n", 2);
-    EXPECT_EQ(symdebfile, "");
+    EXPECT_EQ(debug_text(), "");
     O_symdebug = 1;
     assemble(".stab type t\n", 2);
-    EXPECT_EQ(symdebfile, "ST:prog.szirpa:t\n");
+    EXPECT_EQ(debug_text(), "ST:prog.szirpa:t\n");
     EXPECT_EQ(Line_Done, 1);
     assemble(" .stab type t\n", 2);
     EXPECT_EQ(take_output(), error("Illegal mnemonic"));

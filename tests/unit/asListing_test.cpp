@@ -318,7 +318,7 @@ TEST_F(Listing, InstructionIsRecordedWithOrWithoutAListing) {
     listLC = 0x100;
     LC = 0x101;
     as_write_listline(false);
-    EXPECT_EQ(symdebfile, "SY:C:X:prog.szirpa:12:1::100\n");
+    EXPECT_EQ(debug_text(), "SY:C:X:prog.szirpa:12:1::100\n");
     EXPECT_EQ(take_listing(), "");
 }
 
@@ -332,10 +332,10 @@ TEST_F(Listing, OtherLinesAreNotRecorded) {
     O_symdebug = 1;
     O_compiler_generated_input = 1;
     as_write_listline(false);
-    EXPECT_EQ(symdebfile, "");
+    EXPECT_EQ(debug_text(), "");
     O_compiler_generated_input = 0;
     as_write_listline(false);
-    EXPECT_NE(symdebfile, "");
+    EXPECT_NE(debug_text(), "");
 }
 
 } // namespace

@@ -167,7 +167,7 @@ TEST_F(WholeRun, StartUpResetsEveryModule) {
     EXPECT_EQ(record_type, 2);
     EXPECT_EQ(Pass, 0);
     EXPECT_EQ(Pass2, 0);
-    EXPECT_EQ(symdebfile, "");
+    EXPECT_EQ(debug_text(), "");
     EXPECT_TRUE(include_stack.empty());
     EXPECT_EQ(AsmStartDirectory, "/opt/bin");
     EXPECT_EQ(AsmCurrentDirectory, directory);

@@ -47,7 +47,7 @@ class StabLines : public RunTest {
         symdebfile.clear();
         begin_line(line);
         ProcessStab();
-        return symdebfile;
+        return debug_text();
     }
 
     std::string warning(const std::string &text) const {
@@ -59,7 +59,7 @@ TEST_F(StabLines, RecordsNameTheCurrentSegment) {
     begin_records();
     current_seg = LookupSegment("code", 1);
     asm_write_sd_exec(12, 1, 0);
-    EXPECT_EQ(symdebfile, "SY:C:X:prog.szirpa:12:1:code:0\n");
+    EXPECT_EQ(debug_text(), "SY:C:X:prog.szirpa:12:1:code:0\n");
     EXPECT_EQ(records(".stab sym L a:b:c:5:rest\n"), "SY:C:S:L:prog.szirpa:code:a:b:c:5:rest\n");
     EXPECT_EQ(records(".stab sym V a:b:5:rest\n"), "SY:C:S:V:prog.szirpa:code:a:b:5:rest\n");
     EXPECT_EQ(records(".stab sym v a:main:5:rest\n"),
@@ -189,7 +189,7 @@ TEST_F(StabLines, ContinuedTypeKeepsItsPlusAndItsContinuation) {
     begin_records(".stab type a+\n  b+\nc\n NOP\n");
     ASSERT_EQ(as_read_line(), 1);
     ProcessStab();
-    EXPECT_EQ(symdebfile, "ST:prog.szirpa:a+  b+\nc\n");
+    EXPECT_EQ(debug_text(), "ST:prog.szirpa:a+  b+\nc\n");
     ASSERT_EQ(as_read_line(), 1);
     EXPECT_EQ(Line.view(), " NOP\n");
 }
@@ -198,7 +198,7 @@ TEST_F(StabLines, ContinuedTypeStopsAtTheEndOfTheSource) {
     begin_records(".stab type a+\nb+\n");
     ASSERT_EQ(as_read_line(), 1);
     ProcessStab();
-    EXPECT_EQ(symdebfile, "ST:prog.szirpa:a+b+\n");
+    EXPECT_EQ(debug_text(), "ST:prog.szirpa:a+b+\n");
     EXPECT_EQ(as_read_line(), 0);
 }
 
@@ -288,7 +288,7 @@ TEST_F(StabLines, ContinuedSymbolKeepsItsPlusAndItsContinuation) {
     begin_records(".stab sym V a:b:5:t+\n  u+\nw\n NOP\n");
     ASSERT_EQ(as_read_line(), 1);
     ProcessStab();
-    EXPECT_EQ(symdebfile, "SY:C:S:V:prog.szirpa::a:b:5:t+\n  u+\nw\n");
+    EXPECT_EQ(debug_text(), "SY:C:S:V:prog.szirpa::a:b:5:t+\n  u+\nw\n");
     ASSERT_EQ(as_read_line(), 1);
     EXPECT_EQ(Line.view(), " NOP\n");
 }
@@ -297,10 +297,10 @@ TEST_F(StabLines, ContinuationIsCopiedEvenWhereNoRecordIsWritten) {
     begin_records(".stab sym F a:b:5:t+\n  u\n.stab sym Q a+\nw\n NOP\n");
     ASSERT_EQ(as_read_line(), 1);
     ProcessStab();
-    EXPECT_EQ(symdebfile, "  u\n");
+    EXPECT_EQ(debug_text(), "  u\n");
     ASSERT_EQ(as_read_line(), 1);
     ProcessStab();
-    EXPECT_EQ(symdebfile, "  u\nw\n");
+    EXPECT_EQ(debug_text(), "  u\nw\n");
     ASSERT_EQ(as_read_line(), 1);
     EXPECT_EQ(Line.view(), " NOP\n");
 }
