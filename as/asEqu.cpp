@@ -42,9 +42,9 @@ void equate_existing(Symbol &symbol, int set) {
 }
 
 Symbol *create_constant(std::string_view name, std::int32_t value, int set) {
-    Symbol *symbol = putsym(name, value, realline,
-                            SYM_DEFINED | SYM_ABSOLUTE | (set != 0 ? SYM_REDEFINABLE : 0U),
-                            kNameKind, nullptr, kNoData);
+    Symbol *symbol =
+        putname(name, value, realline,
+                SYM_DEFINED | SYM_ABSOLUTE | (set != 0 ? SYM_REDEFINABLE : 0U), kNoData);
     if (symbol != nullptr) {
         symbol->segment = absolute_segment();
     }
@@ -68,7 +68,7 @@ void check_constant(Symbol &symbol, std::int32_t value_before) {
 
 // Gives the label its value. Null when pass 0 has created it and nothing is left to be done.
 Symbol *equate(std::string_view name, int set) {
-    Symbol *symbol = getsym(name);
+    Symbol *symbol = find_name(name);
     if (symbol == nullptr) {
         if (Pass == 0 && set == 0) {
             (void)create_constant(name, signed_32(evalexp(Col_Ptr, 0)), set);

@@ -12,7 +12,7 @@ int IsEquDirective = 0;
 int pending_listLC = 0;
 std::uint32_t listLC = 0;
 
-std::string last_seen_label;
+std::string_view last_seen_label;
 std::uint32_t last_seen_label_value = 0;
 std::uint32_t last_seen_label_offset = 0;
 
@@ -34,7 +34,7 @@ int IsLabel() {
 std::string_view label_name() { return {Line_Ptr, label_length}; }
 
 void resetLabel() {
-    last_seen_label.clear();
+    last_seen_label = {};
     last_seen_label_value = 0;
     last_seen_label_offset = 0;
 }
@@ -46,9 +46,8 @@ void SetLastLabel(std::string_view name, std::uint32_t value) {
 }
 
 void define_label(std::uint32_t value) {
-    const std::string_view name = label_name();
-    defsym(name, value, 1);
-    SetLastLabel(name, value);
+    const Symbol *symbol = defsym(label_name(), value, 1);
+    SetLastLabel(symbol->name_view(), value);
 }
 
 void define_directive_label() {

@@ -9,7 +9,6 @@
 #pragma once
 
 #include <cstdint>
-#include <string>
 #include <string_view>
 
 // ---- State owned here ----
@@ -20,7 +19,8 @@ extern int IsEquDirective;   // the line is an EQU line; reset at each line
 extern int pending_listLC;   // the listing shows an address; set at each assembled line
 extern std::uint32_t listLC; // that address; reset at each pass
 
-extern std::string last_seen_label;          // the label that data belongs to; empty: no label
+// The label that data belongs to, as the symbol table has it; empty: no label.
+extern std::string_view last_seen_label;
 extern std::uint32_t last_seen_label_value;  // its address
 extern std::uint32_t last_seen_label_offset; // bytes registered for it by its first data directive
 
@@ -32,7 +32,8 @@ int IsLabel();
 // The label of the line, which has one.
 std::string_view label_name();
 
-// Forgets the last seen label, or sets it with nothing registered for it yet.
+// Forgets the last seen label, or sets it with nothing registered for it yet; the name must stay
+// where it is.
 void resetLabel();
 void SetLastLabel(std::string_view name, std::uint32_t value);
 

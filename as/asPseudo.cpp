@@ -1,5 +1,5 @@
-// An operation may be a directive on every line, so directives have a table of places. The tables
-// of conditional words are searched from front to back: few lines hold a hash sign.
+// The words of a table are found by their place in another one (util/words.h): any line may hold
+// a directive, and where conditional words count without a hash sign, one of those, too.
 #include "as/asPseudo.h"
 
 #include "as/asData.h"
@@ -36,7 +36,7 @@ constexpr DirectiveEntry pseudo_zirpa[] = {
 
 // Quirk (two-hashes): the first word holds its hash sign, so that the if with an expression is
 // written "##if".
-const DirectiveEntry macro_pure[] = {
+constexpr DirectiveEntry macro_pure[] = {
     {"#if",     DIR_IF,          0, nullptr},
     {"else",    DIR_ELSE,        0, nullptr},
     {"endif",   DIR_ENDIF,       0, nullptr},
@@ -48,7 +48,7 @@ const DirectiveEntry macro_pure[] = {
     {nullptr,   DIR_NONE,        0, nullptr},
 };
 
-const DirectiveEntry macro_native[] = {
+constexpr DirectiveEntry macro_native[] = {
     {".if",     DIR_IF,     0, nullptr},
     {".else",   DIR_ELSE,   0, nullptr},
     {".endif",  DIR_ENDIF,  0, nullptr},
@@ -70,18 +70,6 @@ namespace {
 constexpr int kCarriedOut = 2;
 constexpr int kFailed = -1;
 
-// The first row whose word stands at p, or null.
-const DirectiveEntry *find_directive(const DirectiveEntry *table, const char *p) {
-    // The words begin with lower-case letters, or with marks that hold this bit anyway.
-    const int first = *p | 0x20;
-    for (; table->name != nullptr; ++table) {
-        if (*table->name == first && namecomparei(p, table->name)) {
-            return table;
-        }
-    }
-    return nullptr;
-}
-
 constexpr std::size_t kDirectives = std::size(pseudo_zirpa) - 1;
 
 constexpr WordTable<kDirectives, 5> kDirectiveWords(pseudo_zirpa, &DirectiveEntry::name);
@@ -98,21 +86,28 @@ const DirectiveEntry *take_directive() {
     return &pseudo_zirpa[row];
 }
 
-// A conditional word of a table at p: its number, with position after it, or 0.
-int find_conditional(const DirectiveEntry *table, const char *p, const char *&position) {
-    const DirectiveEntry *word = find_directive(table, p);
-    if (word == nullptr) {
+constexpr WordTable<std::size(macro_pure) - 1, 5> kPureWords(macro_pure, &DirectiveEntry::name);
+constexpr WordTable<std::size(macro_native) - 1, 5> kNativeWords(macro_native,
+                                                                 &DirectiveEntry::name);
+
+// A conditional word at p: its number, with position after it, or 0.
+template <std::size_t words, unsigned bits>
+int find_conditional(const WordTable<words, bits> &table, const DirectiveEntry *rows, const char *p,
+                     const char *&position) {
+    const Word word = word_at(p);
+    const std::size_t row = table.find(word.key);
+    if (row == words) {
         return DIR_NONE;
     }
-    position = skipnonblanc(p);
-    return static_cast<int>(word->token);
+    position = word.end;
+    return static_cast<int>(rows[row].token);
 }
 
 } // namespace
 
 std::uint32_t GetPseudoToken(const char *word) {
-    const DirectiveEntry *directive = find_directive(pseudo_zirpa, word);
-    return directive == nullptr ? DIR_NONE : directive->token;
+    const std::size_t row = kDirectiveWords.find(word_at(word).key);
+    return row == kDirectives ? DIR_NONE : pseudo_zirpa[row].token;
 }
 
 // A word that is no directive is left where it is, to be read as a mnemonic.
@@ -129,19 +124,20 @@ int isPseudoEqu() {
 int find_conditional_word(const char *&position) {
     const char *p = position;
     if (O_directive_style_pure != 0 && *p == '#') {
-        p = skipblanc(p + 1);
-        if (const int token = find_conditional(macro_pure, p, position); token != 0) {
+        p = skip_blanks(p + 1);
+        if (const int token = find_conditional(kPureWords, macro_pure, p, position); token != 0) {
             return token;
         }
     }
     if (O_directive_style_native != 0) {
-        if (const int token = find_conditional(macro_native, p, position); token != 0) {
+        if (const int token = find_conditional(kNativeWords, macro_native, p, position);
+            token != 0) {
             return token;
         }
     }
     if (O_directive_style_gnu != 0 && *p == '.') {
         // The words have a dot of their own, so a match needs two, as in "..if".
-        return find_conditional(macro_native, skipblanc(p + 1), position);
+        return find_conditional(kNativeWords, macro_native, skip_blanks(p + 1), position);
     }
     return 0;
 }

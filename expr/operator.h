@@ -5,10 +5,12 @@
 
 #include <cstdint>
 
-// True where an operand that ends at p is no value of its own yet. Quirk (left-to-right): only "/",
-// "*" or "%%" right after an operand keep it as the term of an operator; any other operator takes
-// the whole value so far. Quirk (remainder-of-sum): a "%" alone is such an operator. Quirk
-// (doubled-percent): "%%" is not, since its second "%" begins a number.
+// True where an operand that ends at p is no value of its own yet.
+//
+// Quirk (left-to-right): only "/", "*" or "%%" right after an operand keep it as the term of an
+// operator; any other operator takes the whole value so far.
+// Quirk (remainder-of-sum): a "%" alone is such an operator.
+// Quirk (doubled-percent): "%%" is not, since its second "%" begins a number.
 inline bool term_goes_on(const char *p) {
     return *p == '/' || *p == '*' || (*p == '%' && p[1] == '%');
 }

@@ -61,7 +61,12 @@ std::int64_t read_right_side(Reader &reader, int token, std::int64_t left) {
 
 std::int64_t read_parenthesis(Reader &reader) {
     const std::int64_t value = read_expression(reader, next_operand(reader));
-    return *reader.p++ == ')' ? value : give_up(reader);
+    // What is not usual may end the text, after which there is nothing to look at.
+    if (!reader.is_usual || *reader.p != ')') {
+        return give_up(reader);
+    }
+    ++reader.p;
+    return value;
 }
 
 // What a product begins with, when that is no operand.

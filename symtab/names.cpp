@@ -98,26 +98,29 @@ template <typename Piece> std::uint64_t piece_at(const char *text) {
 constexpr std::size_t kPiece = sizeof(std::uint64_t);
 constexpr std::size_t kLongestByEnds = 2 * kPiece;
 
-// All of a text of less than eight bytes: its first and last bytes, which may overlap.
-inline std::uint64_t whole_text(const char *text, std::size_t size) {
-    if (size >= sizeof(std::uint32_t)) {
-        return piece_at<std::uint32_t>(text) << 32U |
-               piece_at<std::uint32_t>(text + size - sizeof(std::uint32_t));
+// The ends of a name of less than four bytes: its bytes, of which some may be taken twice.
+inline NameEnds ends_of_short(std::string_view name) {
+    if (name.empty()) {
+        return {};
     }
-    if (size == 0) {
-        return 0;
-    }
-    return piece_at<std::uint8_t>(text) << 16U | piece_at<std::uint8_t>(text + size / 2) << 8U |
-           piece_at<std::uint8_t>(text + size - 1);
+    const std::uint64_t bytes = piece_at<std::uint8_t>(name.data()) << 16U |
+                                piece_at<std::uint8_t>(name.data() + name.size() / 2) << 8U |
+                                piece_at<std::uint8_t>(name.data() + name.size() - 1);
+    return {bytes, bytes};
 }
 
+// Two halves of four bytes, which may overlap, make an end, so that names of less than eight bytes
+// take the same way as all others.
 inline NameEnds ends_of(std::string_view name) {
-    if (name.size() < kPiece) {
-        const std::uint64_t text = whole_text(name.data(), name.size());
-        return {text, text};
+    constexpr std::size_t kHalf = kPiece / 2;
+    if (name.size() < kHalf) {
+        return ends_of_short(name);
     }
-    return {piece_at<std::uint64_t>(name.data()),
-            piece_at<std::uint64_t>(name.data() + name.size() - kPiece)};
+    const std::size_t distance = name.size() < kPiece ? 0 : kHalf;
+    const char *first = name.data();
+    const char *last = name.data() + name.size() - kHalf;
+    return {piece_at<std::uint32_t>(first) | piece_at<std::uint32_t>(first + distance) << 32U,
+            piece_at<std::uint32_t>(last - distance) | piece_at<std::uint32_t>(last) << 32U};
 }
 
 // Takes eight bytes of the name at a time, the last eight overlapping those before them. The upper
@@ -185,10 +188,10 @@ std::size_t first_place(std::uint64_t hash) { return hash >> index_shift; }
 
 std::size_t next_place(std::size_t place) { return (place + 1) & (symbol_index.size() - 1); }
 
-// Enters a record under its stored spelling, which folds to itself unless it was stored before case
-// ceased to count. Quirk (d-before-nocase): such a name is not found any more.
-void insert_into_index(RecordNumber number) {
-    std::size_t place = first_place(stored_key(record(number)->name_view()).hash);
+// Enters a record by the hash of its stored spelling, which folds to itself unless it was stored
+// before case ceased to count. Quirk (d-before-nocase): such a name is not found any more.
+void insert_into_index(RecordNumber number, std::uint64_t hash) {
+    std::size_t place = first_place(hash);
     while (symbol_index[place] != kFree) {
         place = next_place(place);
     }
@@ -201,18 +204,18 @@ void grow_index() {
     --index_shift;
     for (const RecordNumber number : old) {
         if (number != kFree) {
-            insert_into_index(number);
+            insert_into_index(number, stored_key(record(number)->name_view()).hash);
         }
     }
 }
 
 // Enters the record created last.
-void add_to_index() {
+void add_to_index(std::uint64_t hash) {
     const std::size_t records = (symlistcnt - 1) * kSymbolsPerBlock + symcnt;
     if (records * 2 > symbol_index.size()) {
         grow_index();
     }
-    insert_into_index(last_record());
+    insert_into_index(last_record(), hash);
 }
 
 inline Symbol *find(const Key &key) {
@@ -247,7 +250,7 @@ Symbol *add(const Key &key) {
     symbol->name = store_name(key.name);
     symbol->name_length = static_cast<std::uint32_t>(key.name.size());
     symbol->name_ends = key.ends;
-    add_to_index();
+    add_to_index(key.hash);
     return symbol;
 }
 

@@ -92,7 +92,12 @@ void define_before_final_pass(Symbol &symbol, std::int64_t value) {
 
 Symbol *putsym(std::string_view name, std::int32_t value, std::int32_t line, std::uint32_t flags,
                int /*kind*/, const char * /*file*/, std::int32_t count) {
-    const EnteredName entered = enter_name(up_to_blank(name));
+    return putname(up_to_blank(name), value, line, flags, count);
+}
+
+Symbol *putname(std::string_view name, std::int32_t value, std::int32_t line, std::uint32_t flags,
+                std::int32_t count) {
+    const EnteredName entered = enter_name(name);
     if (!entered.is_new) {
         Error("(F1024)");
         return nullptr;
@@ -126,13 +131,14 @@ void note_reference(Symbol &symbol) {
     }
 }
 
-void defsym(std::string_view name, std::int64_t value, int check) {
+const Symbol *defsym(std::string_view name, std::int64_t value, int check) {
     Symbol *symbol = lookup(name);
     if (Pass2 != 0) {
         compare_in_final_pass(*symbol, value, check);
     } else {
         define_before_final_pass(*symbol, value);
     }
+    return symbol;
 }
 
 void symwrite(OutputFile &stream) {

@@ -47,6 +47,10 @@ extern std::int16_t forwardref;
 Symbol *putsym(std::string_view name, std::int32_t value, std::int32_t line, std::uint32_t flags,
                int kind, const char *file, std::int32_t count);
 
+// The same for a name as valid_sym reads it, which holds no blank.
+Symbol *putname(std::string_view name, std::int32_t value, std::int32_t line, std::uint32_t flags,
+                std::int32_t count);
+
 // The record whose whole name equals the leading run of symbol characters, or null.
 Symbol *getsym(std::string_view name);
 
@@ -60,8 +64,8 @@ Symbol *refsym(std::string_view name);
 void note_reference(Symbol &symbol);
 
 // Defines a name as valid_sym reads it; the final pass compares instead, and with check set reports
-// a value that has moved.
-void defsym(std::string_view name, std::int64_t value, int check);
+// a value that has moved. Returns the record.
+const Symbol *defsym(std::string_view name, std::int64_t value, int check);
 
 // Prints the table. The header differs between the listing and standard output.
 void symwrite(OutputFile &stream);

@@ -9,19 +9,6 @@ bool ends_in_mark(const char *s, char mark) {
 
 bool line_divided(const char *s) { return ends_in_mark(s, '+'); }
 
-bool namecomparei(const char *text, const char *name) {
-    while (!isblanc(*text) && *name != '\0') {
-        const char left = *text == '\\' ? '/' : to_upper(*text);
-        const char right = *name == '\\' ? '/' : to_upper(*name);
-        if (left != right) {
-            return false;
-        }
-        ++text;
-        ++name;
-    }
-    return isblanc(*text) && *name == '\0';
-}
-
 const char *nlstrcpy(std::string &d, const char *s) {
     d.clear();
     return s == nullptr ? nullptr : copy_while(d, s, [](char ch) { return !is_line_end(ch); });

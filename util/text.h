@@ -126,25 +126,11 @@ inline const char *skipblanc(const char *p) {
     return p;
 }
 
-// Skips characters above 32 (signed).
-inline const char *skipnonblanc(const char *p) {
-    if (p != nullptr) {
-        while (!isblanc(*p)) {
-            ++p;
-        }
-    }
-    return p;
-}
-
 // True if the text has at least two characters and ends in mark and a line feed.
 bool ends_in_mark(const char *s, char mark);
 
 // True for a debugger line that the next line continues: it ends in "+" and a line feed.
 bool line_divided(const char *s);
-
-// True when the word at text equals name: letters of either case are equal, "/" and "\" are equal,
-// the word ends at the first blank (isblanc) and the name at its NUL, and both must end together.
-bool namecomparei(const char *text, const char *name);
 
 // ---- Copies: each replaces what the destination held ----
 

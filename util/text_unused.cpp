@@ -52,6 +52,28 @@ const char *skipFNameDelimiter(const char *p) {
     return *p == '\0' ? nullptr : p;
 }
 
+const char *skipnonblanc(const char *p) {
+    if (p != nullptr) {
+        while (!isblanc(*p)) {
+            ++p;
+        }
+    }
+    return p;
+}
+
+bool namecomparei(const char *text, const char *name) {
+    while (!isblanc(*text) && *name != '\0') {
+        const char left = *text == '\\' ? '/' : to_upper(*text);
+        const char right = *name == '\\' ? '/' : to_upper(*name);
+        if (left != right) {
+            return false;
+        }
+        ++text;
+        ++name;
+    }
+    return isblanc(*text) && *name == '\0';
+}
+
 bool line_continued(const char *s) { return ends_in_mark(s, '\\'); }
 
 bool nlstrcmp(const char *a, const char *b) {

@@ -19,6 +19,13 @@ const char *skipNameDelimiter(const char *p);
 // Advances past characters below 33, "," and ";"; null if the text ends first.
 const char *skipFNameDelimiter(const char *p);
 
+// Skips characters above 32 (signed).
+const char *skipnonblanc(const char *p);
+
+// True when the word at text equals name: letters of either case are equal, "/" and "\" are equal,
+// the word ends at the first blank (isblanc) and the name at its NUL, and both must end together.
+bool namecomparei(const char *text, const char *name);
+
 // True if the text has at least two characters and ends in a backslash and a line feed.
 bool line_continued(const char *s);
 

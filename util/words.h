@@ -20,7 +20,8 @@
 // Longest word, in characters.
 inline constexpr std::size_t kWordLimit = 8;
 
-// No character but a letter becomes an upper-case letter without this bit.
+// No character but a letter becomes an upper-case letter without this bit. The marks below the
+// letters become control characters, which are in no word.
 inline constexpr unsigned kCaseBit = 0x20;
 
 using WordKey = std::uint64_t; // first character lowest; 0: no word

@@ -3,6 +3,8 @@
 
 #include "util/text.h"
 
+#include "tests/unit/support.h"
+
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -11,9 +13,6 @@
 namespace {
 
 std::string byte(int code) { return std::string(1, static_cast<char>(code)); }
-
-// The text with room to look ahead from its terminator on.
-std::string with_room(const std::string &text) { return text + std::string(kLookAhead, '\0'); }
 
 // A code in each of the sixteen places in turn, among characters that are not of its kind.
 template <typename Mask, typename Test> void expect_masks(Mask mask, Test test, char other) {

@@ -54,9 +54,10 @@ class Directives : public ReportTest {
 
     // The number of a conditional word and the column where the scan went on.
     static std::pair<std::uint32_t, long> conditional(const std::string &text) {
-        const char *position = text.c_str();
+        const std::string line = with_room(text);
+        const char *position = line.c_str();
         const auto token = static_cast<std::uint32_t>(is_conditional_macro_directive(position));
-        return {token, position - text.c_str()};
+        return {token, position - line.c_str()};
     }
 };
 
@@ -64,6 +65,9 @@ using Found = std::pair<std::uint32_t, long>;
 
 // ---- Tables
 // -----------------------------------------------------------------------------------------
+
+// The number of the directive at the start of a text.
+std::uint32_t token_of(const std::string &text) { return GetPseudoToken(with_room(text).c_str()); }
 
 TEST_F(Directives, TargetHasSixDirectives) {
     EXPECT_EQ(rows(pseudo_zirpa),
@@ -97,27 +101,27 @@ TEST_F(Directives, NativeConditionalWordsAreDotted) {
 // ------------------------------------------------------------------------------------
 
 TEST_F(Directives, WordsMatchInAnyCaseUpToABlank) {
-    EXPECT_EQ(GetPseudoToken("org"), 7U);
-    EXPECT_EQ(GetPseudoToken("OrG 5"), 7U);
-    EXPECT_EQ(GetPseudoToken("EQU\t5"), 8U);
-    EXPECT_EQ(GetPseudoToken("Rmb\n"), 16U);
-    EXPECT_EQ(GetPseudoToken("fcb\x80"), 11U);
-    EXPECT_EQ(GetPseudoToken("FCS\r"), 20U);
-    EXPECT_EQ(GetPseudoToken("eNd"), 10U);
+    EXPECT_EQ(token_of("org"), 7U);
+    EXPECT_EQ(token_of("OrG 5"), 7U);
+    EXPECT_EQ(token_of("EQU\t5"), 8U);
+    EXPECT_EQ(token_of("Rmb\n"), 16U);
+    EXPECT_EQ(token_of("fcb\x80"), 11U);
+    EXPECT_EQ(token_of("FCS\r"), 20U);
+    EXPECT_EQ(token_of("eNd"), 10U);
 }
 
 TEST_F(Directives, OtherWordsAreNoDirectives) {
     for (const char *word : {"", "o", " org", "or", "orgs", "org,", "org;x", "org:", "fdb", ".byte",
                              "db", "set", "include", "#if", "else"}) {
-        EXPECT_EQ(GetPseudoToken(word), 0U) << word;
+        EXPECT_EQ(token_of(word), 0U) << word;
     }
 }
 
 TEST_F(Directives, CaseOfSymbolsDoesNotConcernDirectives) {
     O_symbol_case_sensitive = 0;
-    EXPECT_EQ(GetPseudoToken("OrG 5"), 7U);
+    EXPECT_EQ(token_of("OrG 5"), 7U);
     O_symbol_case_sensitive = 1;
-    EXPECT_EQ(GetPseudoToken("OrG 5"), 7U);
+    EXPECT_EQ(token_of("OrG 5"), 7U);
 }
 
 TEST_F(Directives, EquIsRecognisedWithTheBlanksBehindIt) {

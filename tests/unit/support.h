@@ -3,11 +3,17 @@
 #pragma once
 
 #include "as/asStreams.h"
+#include "util/ahead.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 #include <vector>
+
+// The text with room to look ahead from its terminator on, as texts that are scanned have it.
+inline std::string with_room(const std::string &text) {
+    return text + std::string(kLookAhead, '\0');
+}
 
 // Every test begins as a run does, in a fresh temporary working directory, in pass 1.
 class RunTest : public ::testing::Test {

@@ -99,29 +99,6 @@ TEST(Skipblanc, StopsAtTheTerminatorAndAtVisibleText) {
 
 TEST(Skipblanc, GivesNullForNull) { EXPECT_EQ(skipblanc(nullptr), nullptr); }
 
-TEST(Skipnonblanc, StopsAtTheFirstBlank) {
-    const char *text = "a;,!~ b";
-    EXPECT_EQ(skipnonblanc(text), text + 5);
-}
-
-TEST(Skipnonblanc, TakesBytesFrom128UpForBlanks) {
-    const char *lowest = "ab\x80"
-                         "c";
-    EXPECT_EQ(skipnonblanc(lowest), lowest + 2);
-    const char *highest = "ab\xFF"
-                          "c";
-    EXPECT_EQ(skipnonblanc(highest), highest + 2);
-    const char *below = "ab\x7F"
-                        "c";
-    EXPECT_EQ(skipnonblanc(below), below + 4);
-}
-
-TEST(Skipnonblanc, StopsAtTheTerminatorAndGivesNullForNull) {
-    const char *text = "abc";
-    EXPECT_EQ(skipnonblanc(text), text + 3);
-    EXPECT_EQ(skipnonblanc(nullptr), nullptr);
-}
-
 // ---- Tests of line ends ----
 
 TEST(LineDivided, NeedsAPlusAndALineFeed) {
@@ -143,38 +120,6 @@ TEST(LineDivided, NeedsTwoCharacters) {
 }
 
 // ---- Comparisons ----
-
-TEST(Namecomparei, LettersOfEitherCaseAreEqual) {
-    EXPECT_TRUE(namecomparei("org", "ORG"));
-    EXPECT_TRUE(namecomparei("OrG 5", "oRg"));
-    EXPECT_FALSE(namecomparei("ora", "org"));
-    EXPECT_FALSE(namecomparei("or g", "or g"));
-    EXPECT_FALSE(namecomparei("@", "`"));
-    EXPECT_FALSE(namecomparei("[", "{"));
-}
-
-TEST(Namecomparei, SlashAndBackslashAreEqual) {
-    EXPECT_TRUE(namecomparei("a/b", "a\\b"));
-    EXPECT_TRUE(namecomparei("a\\b", "a/b"));
-    EXPECT_FALSE(namecomparei("a|b", "a/b"));
-}
-
-TEST(Namecomparei, TheWordEndsAtAnyBlankIncludingBytesFrom128Up) {
-    for (int code = 1; code < 256; ++code) {
-        const std::string text = std::string("org") + byte(code) + "x";
-        EXPECT_EQ(namecomparei(text.c_str(), "org"), code < 33 || code > 127) << code;
-    }
-}
-
-TEST(Namecomparei, WordAndNameMustEndTogether) {
-    EXPECT_FALSE(namecomparei("or", "org"));
-    EXPECT_FALSE(namecomparei("or ", "org"));
-    EXPECT_FALSE(namecomparei("orgs", "org"));
-    EXPECT_FALSE(namecomparei("org,", "org"));
-    EXPECT_FALSE(namecomparei("org;x", "org"));
-    EXPECT_TRUE(namecomparei("", ""));
-    EXPECT_FALSE(namecomparei("", "org"));
-}
 
 // ---- Copies of lines ----
 

@@ -1,14 +1,14 @@
 // Words known when the program is compiled.
 #include "util/words.h"
 
+#include "tests/unit/support.h"
+
 #include <gtest/gtest.h>
 
 #include <cstddef>
 #include <string>
 
 namespace {
-
-std::string with_room(const std::string &text) { return text + std::string(kLookAhead, '\0'); }
 
 WordKey key_at(const std::string &text) { return word_at(with_room(text).c_str()).key; }
 
