@@ -1,6 +1,5 @@
 #include "as/asCommand.h"
 
-#include "as/asOptions.h"
 #include "as/asSource.h"
 #include "as/asStreams.h"
 #include "symtab/symtab.h"
@@ -78,32 +77,12 @@ const ValueOption *find_value_option(const char *argument) {
 
 } // namespace
 
-const std::array<Switch, 5> kSwitches = {{
-    {"-L", &O_list},
-    {"-S", &O_symtab},
-    {"-A", &O_cout},
-    {"-g", &O_symdebug},
-    {"-w", &O_warn},
-}};
-
-const std::array<RecordOption, 3> kRecordOptions = {{
-    {"-S1", 1},
-    {"-S2", 2},
-    {"-S3", 3},
-}};
-
 const std::array<ValueOption, 5> kValueOptions = {{
     {'d', true, set_source_directory},
     {'o', true, set_output_title},
     {'D', false, define_symbol},
     {'I', false, push_include},
     {'C', false, set_compatibility},
-}};
-
-const std::array<CompatibilityWord, 3> kCompatibilityWords = {{
-    {"nopure", &O_directive_style_pure},
-    {"nonative", &O_directive_style_native},
-    {"nocase", &O_symbol_case_sensitive},
 }};
 
 void command_new_run() {

@@ -4,6 +4,8 @@
 // text stays as it is, oddities included, because users know it.
 #pragma once
 
+#include "as/asOptions.h"
+
 #include <array>
 #include <cstdint>
 #include <string>
@@ -14,14 +16,24 @@ struct Switch {
     std::string_view text;
     std::int16_t *flag;
 };
-extern const std::array<Switch, 5> kSwitches;
+inline constexpr auto kSwitches = std::to_array<Switch>({
+    {"-L", &O_list},
+    {"-S", &O_symtab},
+    {"-A", &O_cout},
+    {"-g", &O_symdebug},
+    {"-w", &O_warn},
+});
 
 // An option for the width of the addresses in the records.
 struct RecordOption {
     std::string_view text;
     int type;
 };
-extern const std::array<RecordOption, 3> kRecordOptions;
+inline constexpr auto kRecordOptions = std::to_array<RecordOption>({
+    {"-S1", 1},
+    {"-S2", 2},
+    {"-S3", 3},
+});
 
 // An option with a value: in the next argument, or joined, for some only in double quotes.
 struct ValueOption {
@@ -36,7 +48,11 @@ struct CompatibilityWord {
     std::string_view text;
     std::int16_t *flag;
 };
-extern const std::array<CompatibilityWord, 3> kCompatibilityWords;
+inline constexpr auto kCompatibilityWords = std::to_array<CompatibilityWord>({
+    {"nopure", &O_directive_style_pure},
+    {"nonative", &O_directive_style_native},
+    {"nocase", &O_symbol_case_sensitive},
+});
 
 // ---- State owned here; set by read_command_line ----
 
