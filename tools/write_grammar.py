@@ -7,6 +7,7 @@ The words are what tools/program_words.cpp prints. Written are the TextMate gram
 the words of the Vim syntax.
 """
 
+import collections
 import json
 import pathlib
 import sys
@@ -19,7 +20,6 @@ DIRECTIVE_KINDS = {
     "org": "value",
     "equ": "equate",
     "rmb": "size",
-    "fcb": "items",
     "fcs": "text",
     "end": "symbol",
 }
@@ -42,11 +42,15 @@ VIM_WIDTH = 92
 VIM_HASH = r"/^\s*#\s*\ze"
 
 
-def words_by_kind(words, kinds):
+def directive_kind(word):
+    return DIRECTIVE_KINDS.get(word, "items")  # expressions with commas between them
+
+
+def words_by_kind(words, kind_of):
     """The words by the way in which the rest of their line is read."""
-    found = {kind: [] for kind in kinds.values()}
+    found = collections.defaultdict(list)
     for word in words:
-        found[kinds[word]].append(word)
+        found[kind_of(word)].append(word)
     return found
 
 
@@ -116,8 +120,8 @@ def with_new_words(text, words):
 
 def write_all(words, editors):
     instructions = mnemonics_by_kind(words)
-    directives = words_by_kind(words["directives"], DIRECTIVE_KINDS)
-    conditionals = words_by_kind(words["conditionals"], CONDITIONAL_KINDS)
+    directives = words_by_kind(words["directives"], directive_kind)
+    conditionals = words_by_kind(words["conditionals"], CONDITIONAL_KINDS.__getitem__)
 
     textmate = editors / "vscode" / "syntaxes" / "szirpa.tmLanguage.json"
     content = grammar(instructions, directives, conditionals, words["registers"])

@@ -5,13 +5,13 @@ It tells where the first tokens of a line stand and what they are, by splitting 
 
 import re
 
-from zirpa_tables import OPTAB
+from zirpa_tables import MACRO_PURE, OPTAB, PSEUDO_ZIRPA
 
 INHERENT = 0
 BRANCH = 2
 VALUES = {"ORG", "EQU"}
-DIRECTIVES = {"ORG", "EQU", "RMB", "FCB", "FCS", "END"}
-CONDITIONALS = {"#IF", "IFDEF", "IFNDEF", "ELIF", "ELSE", "ENDIF", "DEFINE", "ERROR"}
+DIRECTIVES = {word.decode().upper() for word in PSEUDO_ZIRPA}
+CONDITIONALS = {word.decode().upper() for word in MACRO_PURE}
 
 LABEL = re.compile(r"[A-Za-z_][A-Za-z0-9_.$]{0,127}")
 WORD = re.compile(r"[^ \t]+")

@@ -77,7 +77,7 @@ syn match szirpaDirective contained
       \ /\%(fcs\)[!-~]\@!/
       \ nextgroup=szirpaComment,szirpaString skipwhite
 syn match szirpaHash
-      \ /^\s*#\s*\ze\%(#if\|elif\|ifdef\|ifndef\|define\|else\|endif\|error\)[!-~]\@!/
+      \ /^\s*#\s*\ze\%(#if\|else\|endif\|elif\|ifdef\|ifndef\|define\|error\)[!-~]\@!/
       \ nextgroup=szirpaConditional skipwhite
 syn match szirpaConditional contained
       \ /\%(#if\)[!-~]\@!/
