@@ -4,7 +4,9 @@ import os
 
 import pytest
 from golden_case import find_cases
+from program_words import directives, instructions, words
 from zirpa_model import run
+from zirpa_tables import MACRO_PURE, OPTAB, PSEUDO_ZIRPA
 
 WORKING_DIRECTORY = "/w"
 # The model reads the files of the working directory and searches no include directories.
@@ -35,6 +37,12 @@ def test_golden_case(identifier):
     removed = {relative(name) for name in result.removed}
     left = {name: content for name, content in inputs.items() if name not in removed}
     assert left | written == case.expected_tree()
+
+
+def test_model_knows_the_words_of_the_program():
+    assert {word.decode() for word in OPTAB} == set(instructions())
+    assert {word.decode().upper() for word in PSEUDO_ZIRPA} == set(directives())
+    assert {word.decode() for word in MACRO_PURE} == set(words()["conditionals"])
 
 
 def test_cases_beyond_the_model_exist():
