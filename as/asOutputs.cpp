@@ -81,7 +81,7 @@ struct Output {
 };
 
 // In the order in which the outputs are created and their failures reported.
-constexpr std::array<Output, 4> kOutputs = {{
+constexpr auto kOutputs = std::to_array<Output>({
     {.file = objectfile,
      .name = Object_name,
      .naming = Naming::kOption,
@@ -116,7 +116,7 @@ constexpr std::array<Output, 4> kOutputs = {{
      .suffix = ".fmem",
      .head = begin_script,
      .record_writer = put_script_lines},
-}};
+});
 static_assert(kOutputs.size() <= kMostTemporaryFiles);
 
 // ---- Names ----
