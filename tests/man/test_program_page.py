@@ -12,7 +12,7 @@ from program_messages import (
     totals,
     unknown_arguments,
 )
-from program_words import all_options, compatibility_words, value_options
+from program_words import all_options, compatibility_words, value_options, words
 
 OPTION = re.compile(r"-(\w+)( \w+)?")
 # Printed behind another message.
@@ -42,13 +42,13 @@ def test_synopsis_shows_every_option():
 
 
 def test_compatibility_words_are_described():
-    words = set(items(part(1, "DESCRIPTION"), 13))
-    assert {word for word in words if re.fullmatch("[a-z]+", word)} == compatibility_words()
+    found = set(items(part(1, "DESCRIPTION"), 13))
+    assert {word for word in found if re.fullmatch("[a-z]+", word)} == compatibility_words()
 
 
 def test_every_output_is_described(program, tmp_path):
     (tmp_path / "source.szirpa").write_text(" ORG 0\n NOP\n")
-    arguments = [program, "-L", "-S", "-A", "-g", "-w", "source.szirpa"]
+    arguments = [program, *words()["switches"], "source.szirpa"]
     subprocess.run(arguments, cwd=tmp_path, stdout=subprocess.DEVNULL, timeout=60, check=True)
     outputs = {path.name for path in tmp_path.iterdir()} - {"source.szirpa"}
     described = {item for item in items(part(1, "FILES"), 5) if item.startswith("NAME")}
