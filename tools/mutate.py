@@ -4,58 +4,53 @@
     mutate.py [--count 500] [--seed 1] [--jobs 2] [--survivors FILE]
     mutate.py --again FILE [--jobs 2]
 
-A mutant is the program with one operator, constant, condition or statement changed. Mutants are
-spread over the modules in proportion to their lines and chosen by the seed alone. Each is built
-without optimisation and meets the tests of whole runs that have the label "mutants" in ctest, those
+A mutant is the program with one operator, constant, condition or statement changed; the seed alone
+chooses among all there are. Each is built without optimisation and meets the tests of whole runs that have the label "mutants" in ctest, those
 first that noticed the last mutants of the same module, and then the unit tests. The first test that
 fails, crashes or hangs kills it. A mutant that does not compile does not count, nor does one whose
 optimised code is that of the program itself; others take their places. --again tests the mutants
 listed in a survivors file anew.
 
-Sources, compiler commands and tests are those of the CMake build, so that nothing is listed here. A
-loop that hangs ends at a time limit, and what a mutant writes is bounded.
+A loop that hangs ends at a time limit, and what a mutant writes is bounded.
 """
 
 import argparse
 import ast
 import collections
-import contextlib
+import itertools
 import json
 import multiprocessing
 import os
 import pathlib
 import random
 import re
-import resource
 import shutil
 import signal
 import subprocess
 import sys
 import tempfile
 
+import check_floors
+
 ROOT = pathlib.Path(__file__).resolve().parents[1]
 MEMORY = "/dev/shm"
 PYTHON = "/usr/bin/python3"  # Debian's, which has pytest
 
-# Limits on the tests of one mutant, so that a loop without end does no harm.
 TEST_SECONDS = 120
-PROCESSOR_SECONDS = 20
 BUILD_SECONDS = 600
-FILE_BYTES = 8 << 20
-MEMORY_BYTES = 1 << 30
+# Programs that test a mutant get little room and time, so that a loop without end does no harm.
+BOUNDED = ["prlimit", f"--fsize={8 << 20}:", f"--as={1 << 30}:", "--cpu=20:"]
 
 # Lines in which a change has no effect that a test could see.
 UNTESTABLE = [
     # Only the speed depends on the exact value.
-    r"kFirstCapacity",
-    r"kOutputBufferSize = ",
-    r"kFirstIndexSize = |kNamePieceSize = |kMultiplier|hash \^|hash = |piece = piece|kPiece",
-    r"indexed_symbols \* 2|old\(symbol_index\.size\(\) \* 2",
+    r"kNamePieceSize = |kMultiplier|hash \^|hash = |kPiece",
+    r"records \* 2 > symbol_index|old\(symbol_index",
     r"\.reserve\(",
     # First values of state, which every run sets anew before it reads them.
     r"^(?:std::)?(?:u?int\w*|size_t|unsigned) \w+ = -?\d+;",
     # A column that nothing reads.
-    r"DIR_\w+, +0\},$",
+    r"DIR_\w+, +0, ",
 ]
 
 Mutant = collections.namedtuple("Mutant", "file line column before after")
@@ -171,63 +166,13 @@ def mutants_of_file(path, random_numbers):
 # ---- Which mutants are tested --------------------------------------------------------------------
 
 
-def objects_of(build):
-    """The objects of the program's own sources, by source."""
-    rows = json.loads((build / "compile_commands.json").read_text())
-    objects = [(row["file"], re.search(r" -o (\S+)", row["command"])[1]) for row in rows]
-    return {source: name for source, name in objects if "/zirpa.dir/" in name}
-
-
-def source_files(build, tree):
-    """The program's sources, and the headers beside them, relative to the tree."""
-    sources = [pathlib.Path(source) for source in objects_of(build)]
-    headers = {path for source in sources for path in source.parent.glob("*.h")}
-    return sorted(path.relative_to(tree).as_posix() for path in {*sources, *headers})
-
-
-def shuffled_mutants(files, seed):
-    """All mutants by module, each list in the order in which it is drawn from."""
-    random_numbers = random.Random(seed)
-    modules = collections.defaultdict(list)
-    for path in files:
-        modules[pathlib.Path(path).stem] += mutants_of_file(path, random_numbers)
-    for mutants in modules.values():
-        random_numbers.shuffle(mutants)
-    return modules
-
-
-def module_lines(files):
-    """Lines of code by module."""
-    lines = collections.Counter()
-    for path in files:
-        code = blanked((ROOT / path).read_text())
-        lines[pathlib.Path(path).stem] += sum(1 for line in code.splitlines() if line.strip())
-    return lines
-
-
-class Lottery:
-    """Draws mutants so that the modules keep their shares."""
-
-    def __init__(self, files, seed):
-        self.waiting = shuffled_mutants(files, seed)
-        self.lines = module_lines(files)
-        self.drawn = collections.Counter()
-
-    def neediest_module(self):
-        open_modules = [module for module in sorted(self.waiting) if self.waiting[module]]
-        return min(open_modules, key=lambda name: (self.drawn[name] + 0.5) / self.lines[name])
-
-    def draw(self, count):
-        chosen = []
-        while len(chosen) < count and any(self.waiting.values()):
-            module = self.neediest_module()
-            self.drawn[module] += 1
-            chosen.append(self.waiting[module].pop())
-        return chosen
-
-    def put_back(self, mutant):
-        """The mutant did not count; its module is due another one."""
-        self.drawn[pathlib.Path(mutant.file).stem] -= 1
+def all_mutants(seed):
+    """All mutants of the program, in the order in which they are tested."""
+    numbers = random.Random(seed)
+    files = [path.relative_to(ROOT).as_posix() for path in check_floors.files()]
+    mutants = [mutant for file in files for mutant in mutants_of_file(file, numbers)]
+    numbers.shuffle(mutants)
+    return mutants
 
 
 # ---- Protection ----------------------------------------------------------------------------------
@@ -275,14 +220,7 @@ class Build:
         self.optimised = self.work / "optimised"
 
     def configure(self):
-        names = subprocess.run(
-            ["git", "ls-files", "-co", "--exclude-standard", "-z"],
-            cwd=ROOT, stdout=subprocess.PIPE, text=True, check=True,
-        ).stdout  # fmt: skip
-        for name in filter(None, names.split("\0")):
-            if (ROOT / name).is_file():
-                (self.tree / name).parent.mkdir(parents=True, exist_ok=True)
-                shutil.copy2(ROOT / name, self.tree / name)
+        shutil.copytree(ROOT, self.tree, ignore=shutil.ignore_patterns(".git", "build"))
         flags = {self.plain: ["-O0", "-DHXZIRPA_TESTS=ON"], self.optimised: ["-O2"]}
         for directory, (level, *options) in flags.items():
             options += ["-DCMAKE_BUILD_TYPE=None", f"-DCMAKE_CXX_FLAGS=-w {level}"]
@@ -309,32 +247,12 @@ class Build:
 
     def is_equivalent(self):
         """True if the optimiser makes the same code of the mutant."""
-        objects = [self.optimised / name for name in objects_of(self.optimised).values()]
-        return self.make(self.optimised, "zirpa") and all(
-            path.read_bytes() == (self.pristine / path.relative_to(self.work)).read_bytes()
-            for path in objects
-        )
+        archive = self.optimised / "libzirpa.a"
+        before = (self.pristine / archive.relative_to(self.work)).read_bytes()
+        return self.make(self.optimised, "zirpa") and archive.read_bytes() == before
 
 
 # ---- Tests ---------------------------------------------------------------------------------------
-
-
-@contextlib.contextmanager
-def bounded():
-    """Programs started inside write small files only, and have little memory and time."""
-    limits = {
-        resource.RLIMIT_FSIZE: FILE_BYTES,
-        resource.RLIMIT_AS: MEMORY_BYTES,
-        resource.RLIMIT_CPU: PROCESSOR_SECONDS,
-    }
-    before = {limit: resource.getrlimit(limit) for limit in limits}
-    for limit, value in limits.items():
-        resource.setrlimit(limit, (value, before[limit][1]))
-    try:
-        yield
-    finally:
-        for limit, value in before.items():
-            resource.setrlimit(limit, value)
 
 
 def whole_run_tests(build):
@@ -370,34 +288,23 @@ class Worker:
         if found is not None:
             raise Broken(f"the program itself fails: {found}")
 
-    @contextlib.contextmanager
-    def applied(self, mutant):
-        """The mutant stands in the tree."""
-        path = self.build.tree / mutant.file
-        path.write_text(mutated(path.read_text(), mutant))
-        try:
-            yield
-        finally:
-            self.build.restore()
-
-    @contextlib.contextmanager
-    def empty_scratch(self):
+    def run_tests(self, command, directory, output=subprocess.DEVNULL):
+        environment = {**os.environ, "PYTHONDONTWRITEBYTECODE": "1", "TMPDIR": str(self.scratch)}
         self.scratch.mkdir()
         try:
-            yield
+            return run([*BOUNDED, *command], directory, TEST_SECONDS, output, env=environment)
         finally:
             shutil.rmtree(self.scratch, ignore_errors=True)
 
     def failing_whole_run(self, module):
         """The first whole run that fails; pytest begins with those that failed for the module."""
         cache = self.directory / "failed" / module
-        places = [f"--basetemp={self.scratch}", f"--override-ini=cache_dir={cache}"]
+        places = [f"--basetemp={self.scratch}/runs", f"--override-ini=cache_dir={cache}"]
         quiet = ["--override-ini=addopts=-q", "-x", "-rfE", "--tb=no"]
         command = [PYTHON, "-m", "pytest", *quiet, *places, "--failed-first", *self.whole_runs]
         command += ["--program", str(self.build.plain / "HXzirpa")]
-        environment = {**os.environ, "PYTHONDONTWRITEBYTECODE": "1"}
         with tempfile.TemporaryFile("w+") as output:
-            status = run(command, ROOT, TEST_SECONDS, output, env=environment)
+            status = self.run_tests(command, ROOT, output)
             output.seek(0)
             found = re.search(r"^(?:FAILED|ERROR) (\S+)", output.read(), re.MULTILINE)
         return None if status == 0 else found[1] if found else "time"
@@ -406,25 +313,27 @@ class Worker:
         if not self.build.make(self.build.plain, "unit_tests"):
             return "a unit test's compilation"
         command = [str(self.build.plain / "unit_tests"), "--gtest_fail_fast", "--gtest_brief=1"]
-        environment = {**os.environ, "TMPDIR": str(self.scratch)}
-        with bounded(), self.empty_scratch():
-            status = run(command, self.scratch, TEST_SECONDS, env=environment)
-        return None if status == 0 else "unit tests"
+        return None if self.run_tests(command, self.scratch) == 0 else "unit tests"
 
     def killer(self, module):
         """The test that notices a mutant of the module, or None."""
-        with bounded(), self.empty_scratch():
-            found = self.failing_whole_run(module)
-        return found or self.failing_unit_test()
+        return self.failing_whole_run(module) or self.failing_unit_test()
 
     def judge(self, mutant):
-        with self.applied(mutant):
-            if not self.build.make(self.build.plain, "HXzirpa"):
-                return Verdict(UNCOMPILED, "")
-            test = self.killer(pathlib.Path(mutant.file).stem)
-            if test is not None:
-                return Verdict(KILLED, test)
-            return Verdict(EQUIVALENT if self.build.is_equivalent() else SURVIVED, "")
+        path = self.build.tree / mutant.file
+        path.write_text(mutated(path.read_text(), mutant))
+        try:
+            return self.verdict(pathlib.Path(mutant.file).stem)
+        finally:
+            self.build.restore()
+
+    def verdict(self, module):
+        if not self.build.make(self.build.plain, "HXzirpa"):
+            return Verdict(UNCOMPILED, "")
+        test = self.killer(module)
+        if test is not None:
+            return Verdict(KILLED, test)
+        return Verdict(EQUIVALENT if self.build.is_equivalent() else SURVIVED, "")
 
 
 worker = None  # of this process, or why there is none
@@ -439,19 +348,10 @@ def start_worker(directory):
         worker = error
 
 
-def own_worker():
+def judge(mutant):
     if isinstance(worker, Broken):
         raise worker
-    return worker
-
-
-def judge(mutant):
-    return mutant, own_worker().judge(mutant)
-
-
-def files_to_break(_):
-    build = own_worker().build
-    return source_files(build.plain, build.tree)
+    return mutant, worker.judge(mutant)
 
 
 # ---- The command ---------------------------------------------------------------------------------
@@ -468,27 +368,15 @@ def parse_survivor(line):
     return Mutant(file, int(number), int(column), before, after)
 
 
-def tested_lottery(pool, lottery, count):
+def tested(pool, mutants, count):
     """Verdicts on as many mutants as asked for, those that do not count left out."""
+    waiting = iter(mutants)
     verdicts = []
-    while len(verdicts) < count:
-        drawn = lottery.draw(count - len(verdicts))
-        if not drawn:
-            break
-        for mutant, verdict in pool.imap(judge, drawn, chunksize=1):
+    while drawn := list(itertools.islice(waiting, count - len(verdicts))):
+        for mutant, verdict in pool.imap(judge, drawn):
             report(mutant, verdict)
-            if verdict.kind in (UNCOMPILED, EQUIVALENT):
-                lottery.put_back(mutant)
-            else:
+            if verdict.kind not in (UNCOMPILED, EQUIVALENT):
                 verdicts.append((mutant, verdict))
-    return verdicts
-
-
-def tested_again(pool, path):
-    mutants = [parse_survivor(line) for line in path.read_text().splitlines()]
-    verdicts = list(pool.imap(judge, mutants, chunksize=1))
-    for mutant, verdict in verdicts:
-        report(mutant, verdict)
     return verdicts
 
 
@@ -524,11 +412,11 @@ def main():
     with tempfile.TemporaryDirectory(prefix="mutate", dir=MEMORY) as name:
         directory = pathlib.Path(name)
         with multiprocessing.Pool(given.jobs, start_worker, (directory,)) as pool:
-            (files,) = pool.map(files_to_break, [None])
-            if given.again is not None:
-                verdicts = tested_again(pool, given.again)
+            if given.again is None:
+                verdicts = tested(pool, all_mutants(given.seed), given.count)
             else:
-                verdicts = tested_lottery(pool, Lottery(files, given.seed), given.count)
+                mutants = [parse_survivor(line) for line in given.again.read_text().splitlines()]
+                verdicts = tested(pool, mutants, len(mutants))
     summarise(verdicts, given.survivors)
 
 
