@@ -5,7 +5,7 @@ import time
 
 import pytest
 from cmake_project import CLOCK_TICK_SECONDS
-from expected_bytes import c_array, intel_hex, s_record, s_records, script
+from expected import c_array, intel_hex, s_records, script_of_bytes
 from running import BANNER
 
 # Three bytes at 20, the second of which tells the variants apart.
@@ -71,7 +71,7 @@ def test_every_output(project):
     project.make()
     assert project.outputs("p") == {"p" + suffix for suffix in EVERY_SUFFIX}
     assert project.output("p", "p.s19") == s_records(0x20, SHORT)
-    assert project.output("p", "p.fmem") == script("p.fmem", 0x20, SHORT)
+    assert project.output("p", "p.fmem") == script_of_bytes("p.fmem", [(0x20, SHORT)])
     assert project.output("p", "p_cout.c") == c_array(SHORT)
     assert project.output("p", "p.bin") == SHORT
     assert project.output("p", "p.hex") == intel_hex(0x20, SHORT)
@@ -371,4 +371,4 @@ def test_program_without_bytes_has_nothing_to_convert(project):
     project.configure()
     process = project.build_in_vain()
     assert "has no sections" in process.stdout
-    assert project.output("p", "p.s19") == s_record(9, 0).encode()
+    assert project.output("p", "p.s19") == s_records(0, b"")

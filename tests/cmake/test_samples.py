@@ -1,6 +1,6 @@
 """The sample projects are built and give the bytes that their sources stand for."""
 
-from expected_bytes import intel_hex, s_record, s_records, script
+from expected import intel_hex, s_records, script_of_bytes
 from running import BANNER
 
 ORIGIN = 0x10
@@ -40,7 +40,7 @@ def test_plain(project):
     project.make(project.copy_sample("plain"))
     assert project.outputs("blink") == {"blink.s19", "blink.fmem", "blink.lst"}
     assert project.output("blink", "blink.s19") == s_records(ORIGIN, BLINK)
-    assert project.output("blink", "blink.fmem") == script("blink.fmem", ORIGIN, BLINK)
+    assert project.output("blink", "blink.fmem") == script_of_bytes("blink.fmem", [(ORIGIN, BLINK)])
     assert project.output("blink", "blink.lst") == BLINK_LISTING
 
 
@@ -64,8 +64,7 @@ def test_variants(project):
 
 def test_c_array(project):
     project.make(project.copy_sample("carray"))
-    records = s_record(1, ORIGIN, SUM) + s_record(9, ORIGIN)
-    assert project.output("sum", "sum.s19") == records.encode()
+    assert project.output("sum", "sum.s19") == s_records(ORIGIN, SUM)
     assert project.output("sum", "sum_cout.c") == (
         b"const unsigned char algo[] = {\n"
         b"0x90,0x1D,0x05,0xC6,0x00,0xCC,0x01,0x9C,0x21,0x25,0xF8,0x21,0xFE,0x01,0x02,0x03,\n"

@@ -1,6 +1,6 @@
 """Every limit that can be seen from outside, just below, at and just above it.
 
-Sources are made here and their results worked out by the rules in expected.py. Golden cases hold
+Sources are made here and their results worked out by the rules in tests/expected.py. Golden cases hold
 these, which are not repeated:
 
 - nesting: conditionals/nesting_of_19_is_allowed, nesting_of_20_is_reported_and_balanced (#ifdef)

@@ -6,6 +6,7 @@ import re
 import subprocess
 
 import pytest
+from expected import LISTING_HEADER, listed
 from running import BANNER
 
 GOOD = b" ORG $10\n LDA #5\n"
@@ -23,16 +24,11 @@ TEMPORARY = re.compile(r"HXzirpa-\d+-\d+\.tmp")
 SUMMARY = b"-- No errors.\n"
 
 
-def listed(address, code, number, text):
-    return b"%2s%-18s %4d. %s\n" % (address, code, number, text)
-
-
 HEADED_LINES = (
-    BANNER
-    + b"\n\nFile: prog.lst\n"
-    + listed(b"10", b"", 1, b" ORG $10")
+    LISTING_HEADER % b"prog.lst"
+    + listed(1, b" ORG $10\n", 0x10)
     + b'---- File: "prog.szirpa"\n'
-    + listed(b"10", b" F0 05", 2, b" LDA #5")
+    + listed(2, b" LDA #5\n", 0x10, b"\xf0\x05")
 )
 WHOLE = {
     RECORDS: b"S1050010F005F5\nS9030010EC\n",
@@ -46,9 +42,9 @@ WHOLE_AFTER_ERRORS = {
     **WHOLE,
     LISTING: HEADED_LINES
     + b'"prog.szirpa" line 3, ERROR: Illegal mnemonic\n'
-    + listed(b"12", b"", 3, b" BAD")
+    + listed(3, b" BAD\n", 0x12)
     + b'"prog.szirpa" line 4, ERROR: Illegal mnemonic\n'
-    + listed(b"12", b"", 4, b" WORSE")
+    + listed(4, b" WORSE\n", 0x12)
     + b"\n\n****** Total Errors: 2\n",
 }
 del WHOLE_AFTER_ERRORS[RECORDS]

@@ -37,6 +37,23 @@ def records(blocks, entry):
     return b"".join(lines)
 
 
+def s_records(address, data):
+    """A program that begins with its first byte."""
+    return records([(address, data)], address)
+
+
+def intel_record(kind, address, data):
+    """Length, address, kind and data, and what makes their sum zero."""
+    content = bytes([len(data), address >> 8, address & 0xFF, kind, *data])
+    return b":%s%02X\r\n" % (content.hex().upper().encode(), -sum(content) & 0xFF)
+
+
+def intel_hex(address, data):
+    """At most 16 bytes, the start address and the end."""
+    start = address.to_bytes(4, "big")
+    return intel_record(0, address, data) + intel_record(3, 0, start) + intel_record(1, 0, b"")
+
+
 def script_of_records(name, text):
     return script_from_pairs(name, pairs_of_records(text))
 
