@@ -49,6 +49,21 @@ WHOLE_AFTER_ERRORS = {
 }
 del WHOLE_AFTER_ERRORS[RECORDS]
 
+ERRORS = pytest.mark.parametrize("errors", [0, 2])
+STREAMS = pytest.mark.parametrize("stream", ["stdout", "stderr"])
+# Names of a standard stream.
+FORMS = pytest.mark.parametrize("form", ["/dev/{0}", "/dev/fd/{1}", "/proc/self/fd/{1}"])
+
+
+def own_name(stream, form):
+    return form.format(stream, {"stdout": 1, "stderr": 2}[stream])
+
+
+def expected_outputs(errors, but=()):
+    """What the outputs hold, those left out that stand for something else."""
+    expected = WHOLE_AFTER_ERRORS if errors else WHOLE
+    return {name: content for name, content in expected.items() if name not in but}
+
 
 class Place:
     """A directory with prog.szirpa, and the program, which is run in it."""
@@ -87,6 +102,16 @@ class Place:
             finally:
                 process.kill()
         return subprocess.CompletedProcess(process.args, process.returncode, stdout, stderr)
+
+    def assemble(self, errors, *arguments, **options):
+        """A run that reports so many errors, and leaves no temporary name in the directory."""
+        self.write_source(BAD if errors else GOOD)
+        process = self.run(*arguments, "prog.szirpa", **options)
+        assert self.temporary_names() == []
+        return process
+
+    def assert_outputs(self, expected):
+        assert {name: self.read(name) for name in expected} == expected
 
     def put_old(self, *names):
         for name in names or OUTPUTS:

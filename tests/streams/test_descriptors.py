@@ -5,16 +5,7 @@ import subprocess
 
 import pytest
 from stream_runs import (
-    BAD,
-    EVERY_OUTPUT,
-    GOOD,
-    OLD,
-    OUTPUTS,
-    RECORDS,
-    SCRIPT,
-    SUMMARY,
-    WHOLE,
-    WHOLE_AFTER_ERRORS,
+    ERRORS, EVERY_OUTPUT, OLD, OUTPUTS, RECORDS, SCRIPT, SUMMARY, expected_outputs,
 )
 
 FAILING = ["closed", "full"]
@@ -83,12 +74,11 @@ def assert_outputs(place, state, expected):
 
 
 def assert_run(place, state, errors, **kinds):
-    place.write_source(BAD if errors else GOOD)
     put_outputs(place, state)
-    expected = WHOLE_AFTER_ERRORS if errors else WHOLE
+    expected = expected_outputs(errors)
     here = {*place.names(), *(name for name, kind in kinds.items() if kind == "file"), *expected}
     with Streams(place.path, **kinds) as streams:
-        process = place.run(*EVERY_OUTPUT, "prog.szirpa", **streams.options())
+        process = place.assemble(errors, *EVERY_OUTPUT, **streams.options())
         assert process.returncode == (1 if kinds["stdout"] in FAILING else errors)
         assert streams.arrived("stdout", process) in (None, place.messages(errors))
         assert streams.arrived("stderr", process) in (None, b"")
@@ -153,10 +143,9 @@ def test_closed_standard_output_has_failed_when_there_is_something_to_say(
 
 
 @pytest.mark.parametrize("closed", [[0], [2], [0, 2]])
-@pytest.mark.parametrize("errors", [0, 2])
+@ERRORS
 def test_other_closed_descriptors_do_not_matter(place, closed, errors):
-    place.write_source(BAD if errors else GOOD)
-    process = place.run("prog.szirpa", closed=closed)
+    process = place.assemble(errors, closed=closed)
     assert (process.returncode, process.stdout) == (errors, place.messages(errors))
 
 

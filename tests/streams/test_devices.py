@@ -7,38 +7,9 @@ import subprocess
 
 import pytest
 from stream_runs import (
-    ARRAY,
-    BAD,
-    EVERY_OUTPUT,
-    GOOD,
-    LISTING,
-    OLD,
-    OUTPUTS,
-    RECORDS,
-    REPLACING,
-    SCRIPT,
-    SUMMARY,
-    WHOLE,
-    WHOLE_AFTER_ERRORS,
-    drain,
-    fifo_with_room,
-    own_mounts,
+    ARRAY, BAD, ERRORS, EVERY_OUTPUT, FORMS, GOOD, LISTING, OLD, OUTPUTS, RECORDS, REPLACING,
+    SCRIPT, STREAMS, SUMMARY, WHOLE, drain, expected_outputs, fifo_with_room, own_mounts, own_name,
 )
-
-ERRORS = pytest.mark.parametrize("errors", [0, 2])
-NUMBERS = {"stdout": 1, "stderr": 2}
-
-
-def assemble(place, errors, *arguments, **options):
-    place.write_source(BAD if errors else GOOD)
-    process = place.run(*arguments, "prog.szirpa", **options)
-    assert place.temporary_names() == []
-    return process
-
-
-def expected_outputs(errors):
-    return WHOLE_AFTER_ERRORS if errors else WHOLE
-
 
 # ---- Names below /dev ----
 
@@ -67,12 +38,6 @@ def links(directory):
     return {path.name: path.is_symlink() and os.readlink(path) for path in directory.iterdir()}
 
 
-def stream_names(form, stream):
-    return form.format(stream, NUMBERS[stream])
-
-
-FORMS = pytest.mark.parametrize("form", ["/dev/{0}", "/dev/fd/{1}", "/proc/self/fd/{1}"])
-STREAMS = pytest.mark.parametrize("stream", ["stdout", "stderr"])
 THROUGH = pytest.mark.parametrize("through", [None, "out.s19"])
 
 
@@ -81,10 +46,10 @@ THROUGH = pytest.mark.parametrize("through", [None, "out.s19"])
 @THROUGH
 @ERRORS
 def test_output_onto_a_stream_that_is_a_pipe(place, private_dev, form, stream, through, errors):
-    name = stream_names(form, stream)
+    name = own_name(stream, form)
     if through:
         place.put_link(through, name)
-    process = assemble(place, errors, "-o", through or name, before=private_dev)
+    process = place.assemble(errors, "-o", through or name, before=private_dev)
     records = expected_outputs(errors).get(RECORDS, b"")
     messages = place.messages(errors)
     if stream == "stdout":
@@ -105,12 +70,11 @@ def test_output_onto_a_stream_that_is_a_pipe(place, private_dev, form, stream, t
 def test_output_onto_a_stream_that_is_a_device(
     place, private_dev, form, stream, through, errors, device
 ):
-    name = stream_names(form, stream)
+    name = own_name(stream, form)
     if through:
         place.put_link(through, name)
     with open(f"/dev/{device}", "wb", buffering=0) as opened:
-        process = assemble(
-            place, errors, "-o", through or name, before=private_dev, **{stream: opened}
+        process = place.assemble(errors, "-o", through or name, before=private_dev, **{stream: opened}
         )
     # After errors there are no records that the device could refuse.
     refused = device == "full" and (stream == "stdout" or not errors)
@@ -132,8 +96,7 @@ def test_file_of_another_descriptor_is_written_in_place(place, private_dev, form
         name = form.format(opened.fileno())
         if through:
             place.put_link(through, name)
-        process = assemble(
-            place, errors, "-o", through or name, before=private_dev, pass_fds=[opened.fileno()]
+        process = place.assemble(errors, "-o", through or name, before=private_dev, pass_fds=[opened.fileno()]
         )
     assert (process.returncode, process.stdout) == (errors, place.messages(errors))
     assert place.read("file") == expected_outputs(errors).get(RECORDS, b"")
@@ -174,21 +137,19 @@ def test_fifo_is_written_and_stays(place, name, linked, errors):
     with fifo_with_room(place.path / fifo) as reading:
         if linked:
             place.put_link(name, fifo)
-        process = assemble(place, errors, *EVERY_OUTPUT)
+        process = place.assemble(errors, *EVERY_OUTPUT)
         written = drain(reading)
     assert (process.returncode, process.stdout) == (errors, place.messages(errors))
-    expected = expected_outputs(errors)
-    assert written == expected.get(name, b"")
+    assert written == expected_outputs(errors).get(name, b"")
     assert (place.path / fifo).is_fifo()
     assert (place.path / name).is_symlink() == linked
-    for other in set(expected) - {name}:
-        assert place.read(other) == expected[other]
+    place.assert_outputs(expected_outputs(errors, but=[name]))
 
 
 @ERRORS
 def test_fifo_named_by_the_option_stays(place, errors):
     with fifo_with_room(place.path / "fifo") as reading:
-        process = assemble(place, errors, "-o", "fifo")
+        process = place.assemble(errors, "-o", "fifo")
         assert drain(reading) == expected_outputs(errors).get(RECORDS, b"")
     assert process.returncode == errors
     assert (place.path / "fifo").is_fifo()
@@ -201,18 +162,16 @@ def test_fifo_named_by_the_option_stays(place, errors):
 @ERRORS
 def test_link_to_the_null_device_stays(place, private_dev, name, errors):
     place.put_link(name, "/dev/null")
-    process = assemble(place, errors, *EVERY_OUTPUT, before=private_dev)
+    process = place.assemble(errors, *EVERY_OUTPUT, before=private_dev)
     assert (process.returncode, process.stdout) == (errors, place.messages(errors))
     assert os.readlink(place.path / name) == "/dev/null"
-    expected = expected_outputs(errors)
-    for other in set(expected) - {name}:
-        assert place.read(other) == expected[other]
+    place.assert_outputs(expected_outputs(errors, but=[name]))
 
 
 @pytest.mark.parametrize("name", OUTPUTS)
 def test_link_to_the_full_device_stays_and_the_failure_is_reported(place, private_dev, name):
     place.put_link(name, "/dev/full")
-    process = assemble(place, 0, *EVERY_OUTPUT, before=private_dev)
+    process = place.assemble(0, *EVERY_OUTPUT, before=private_dev)
     assert process.stdout == b"HXzirpa: Can't write '%s'\n" % os.fsencode(name)
     assert process.returncode == 1
     assert os.readlink(place.path / name) == "/dev/full"
@@ -225,7 +184,7 @@ def test_link_to_the_full_device_stays_and_the_failure_is_reported(place, privat
 def test_mounted_device_stays(place, name, errors):
     (place.path / name).touch()
     mount = [*own_mounts(), "sh", "-c", 'mount --bind /dev/null "$0" && exec "$@"', name]
-    process = assemble(place, errors, *EVERY_OUTPUT, before=mount)
+    process = place.assemble(errors, *EVERY_OUTPUT, before=mount)
     assert (process.returncode, process.stdout) == (errors, place.messages(errors))
     assert place.read(name) == b""
 
@@ -233,7 +192,7 @@ def test_mounted_device_stays(place, name, errors):
 def test_every_output_may_go_to_the_null_device(place, private_dev):
     for name in OUTPUTS:
         place.put_link(name, "/dev/null")
-    process = assemble(place, 0, *EVERY_OUTPUT, before=private_dev)
+    process = place.assemble(0, *EVERY_OUTPUT, before=private_dev)
     assert (process.returncode, process.stdout) == (0, SUMMARY)
     assert {os.readlink(place.path / name) for name in OUTPUTS} == {"/dev/null"}
     assert stat.S_ISCHR(os.stat("/dev/null").st_mode)
@@ -267,7 +226,7 @@ def test_socket_as_s_record_file_is_refused_and_stays(place, make_socket, linked
     make_socket("socket" if linked else RECORDS)
     if linked:
         place.put_link(RECORDS, "socket")
-    process = assemble(place, errors, *EVERY_OUTPUT)
+    process = place.assemble(errors, *EVERY_OUTPUT)
     assert (process.returncode, process.stdout) == (1, place.refusal(RECORDS))
     assert (place.path / RECORDS).is_socket()
     assert (place.path / RECORDS).is_symlink() == linked
@@ -280,24 +239,21 @@ def test_socket_as_another_output_is_left_out_and_stays(place, make_socket, name
     make_socket("socket" if linked else name)
     if linked:
         place.put_link(name, "socket")
-    process = assemble(place, errors, *EVERY_OUTPUT)
+    process = place.assemble(errors, *EVERY_OUTPUT)
     assert (process.returncode, process.stdout) == (errors, place.messages(errors))
     assert (place.path / name).is_socket()
     assert (place.path / name).is_symlink() == linked
-    expected = dict(expected_outputs(errors))
-    if name == LISTING:
-        # Without a listing there is no array either, only its empty file.
-        expected[ARRAY] = b""
-    for other in set(expected) - {name}:
-        assert place.read(other) == expected[other]
+    # Without a listing there is no array either, only its empty file.
+    without_listing = {ARRAY: b""} if name == LISTING else {}
+    place.assert_outputs({**expected_outputs(errors, but=[name]), **without_listing})
 
 
 def test_standard_output_that_is_a_socket_gets_the_messages(place):
     ours, theirs = socket.socketpair()
     with ours, theirs:
-        process = assemble(place, 0, *EVERY_OUTPUT, stdout=theirs)
+        process = place.assemble(0, *EVERY_OUTPUT, stdout=theirs)
         assert (process.returncode, ours.recv(1000)) == (0, SUMMARY)
-        refused = assemble(place, 0, "-o", "/proc/self/fd/1", stdout=theirs)
+        refused = place.assemble(0, "-o", "/proc/self/fd/1", stdout=theirs)
         assert refused.returncode == 1
         assert ours.recv(1000) == place.refusal("/proc/self/fd/1")
 
@@ -318,6 +274,6 @@ def test_messages_after_a_refusal_are_whole(place, text):
 
 def test_old_file_of_a_failed_run_is_deleted_only_by_its_own_name(place):
     place.put_old("other", RECORDS)
-    assemble(place, 2)
+    place.assemble(2)
     assert place.read("other") == OLD
     assert RECORDS not in place.names()

@@ -6,33 +6,18 @@ import stat
 
 import pytest
 from stream_runs import (
-    ARRAY,
-    BAD,
-    EVERY_OUTPUT,
-    LISTING,
-    OLD,
-    OUTPUTS,
-    RECORDS,
-    REPLACING,
-    SCRIPT,
-    SUMMARY,
-    WHOLE,
-    WHOLE_AFTER_ERRORS,
-    own_mounts,
+    ARRAY, ERRORS, EVERY_OUTPUT, LISTING, OLD, OUTPUTS, RECORDS, REPLACING, SCRIPT, SUMMARY, WHOLE,
+    expected_outputs, own_mounts,
 )
 
 NOBODY = 65534
 MODES = [0o600, 0o640, 0o644, 0o755, 0o666, 0o200]
-ERRORS = pytest.mark.parametrize("errors", [0, 2])
 
 
 def assemble(place, errors=0, **options):
-    """A run with every output, which leaves no temporary name in the directory."""
-    if errors:
-        place.write_source(BAD)
-    process = place.run(*EVERY_OUTPUT, "prog.szirpa", **options)
+    """A run with every output."""
+    process = place.assemble(errors, *EVERY_OUTPUT, **options)
     assert (process.returncode, process.stdout) == (errors, place.messages(errors))
-    assert place.temporary_names() == []
 
 
 def mode(place, name):
@@ -41,10 +26,6 @@ def mode(place, name):
 
 def status(place, name):
     return (place.path / name).stat()
-
-
-def assert_whole(place, *names):
-    assert {name: place.read(name) for name in names} == {name: WHOLE[name] for name in names}
 
 
 # ---- Modes and owners ----
@@ -65,7 +46,7 @@ def test_old_s_record_file_keeps_its_mode(place, kept, umask):
     assemble(place, prepare=lambda: os.umask(umask))
     assert mode(place, RECORDS) == kept
     (place.path / RECORDS).chmod(0o600)
-    assert_whole(place, *OUTPUTS)
+    place.assert_outputs(WHOLE)
 
 
 @pytest.mark.parametrize("name", REPLACING)
@@ -75,7 +56,7 @@ def test_other_outputs_are_new_files_whatever_the_old_mode(place, name, old):
     (place.path / name).chmod(old)
     assemble(place, prepare=lambda: os.umask(0o022))
     assert mode(place, name) == 0o644
-    assert_whole(place, *OUTPUTS)
+    place.assert_outputs(WHOLE)
 
 
 def test_s_record_file_behind_a_link_keeps_its_mode(place):
@@ -91,7 +72,7 @@ def test_new_s_record_file_behind_a_dangling_link_has_the_mode_that_the_umask_le
     place.put_link(RECORDS, "sub/target")
     assemble(place, prepare=lambda: os.umask(0o027))
     assert mode(place, "sub/target") == 0o640
-    assert_whole(place, *OUTPUTS)
+    place.assert_outputs(WHOLE)
 
 
 @pytest.mark.parametrize("owner, group", [(NOBODY, NOBODY), (1, 2)])
@@ -103,7 +84,7 @@ def test_old_s_record_file_keeps_its_owner(place, owner, group):
     assemble(place)
     result = status(place, RECORDS)
     assert (result.st_uid, result.st_gid, mode(place, RECORDS)) == (owner, group, 0o640)
-    assert_whole(place, *OUTPUTS)
+    place.assert_outputs(WHOLE)
 
 
 # ---- Links ----
@@ -141,7 +122,7 @@ def test_other_outputs_replace_a_link(place, name, target, errors):
     place.put_link(name, target)
     assemble(place, errors)
     assert not (place.path / name).is_symlink()
-    assert place.read(name) == (WHOLE_AFTER_ERRORS if errors else WHOLE)[name]
+    assert place.read(name) == expected_outputs(errors)[name]
     assert place.read("target") == OLD
     assert "nowhere" not in place.names()
 
@@ -161,7 +142,7 @@ def test_other_names_of_other_outputs_keep_the_old_file(place, name):
     os.link(place.path / name, place.path / "other")
     assemble(place)
     assert place.read("other") == OLD
-    assert_whole(place, *OUTPUTS)
+    place.assert_outputs(WHOLE)
 
 
 # ---- After errors ----
@@ -200,7 +181,7 @@ def test_mounted_file_is_written_in_place(place, name, errors):
     place.put_old("behind", name)
     mount = [*before, "sh", "-c", 'mount --bind behind "$0" && exec "$@"', name]
     assemble(place, errors, before=mount)
-    assert place.read("behind") == (WHOLE_AFTER_ERRORS if errors else WHOLE).get(name, b"")
+    assert place.read("behind") == expected_outputs(errors).get(name, b"")
     assert place.read(name) == OLD
 
 
@@ -248,8 +229,7 @@ def nothing_can_be_made(place):
 def assert_written_in_place(place, errors, **options):
     inodes = {name: status(place, name).st_ino for name in OUTPUTS}
     assemble(place, errors, **options)
-    expected = {**WHOLE_AFTER_ERRORS, RECORDS: b""} if errors else WHOLE
-    assert {name: place.read(name) for name in OUTPUTS} == expected
+    place.assert_outputs({RECORDS: b"", **expected_outputs(errors)})
     assert {name: status(place, name).st_ino for name in OUTPUTS} == inodes
     assert {mode(place, name) for name in OUTPUTS} == {0o666}
 
@@ -276,7 +256,7 @@ def test_foreign_s_record_file_in_an_open_directory_keeps_its_owner(place, unpri
     assemble(place, **unprivileged)
     assert status(place, RECORDS).st_uid == 0
     assert {status(place, name).st_uid for name in REPLACING} == {NOBODY}
-    assert_whole(place, *OUTPUTS)
+    place.assert_outputs(WHOLE)
 
 
 def test_foreign_s_record_file_in_an_open_directory_is_deleted_after_errors(place, unprivileged):
@@ -302,8 +282,7 @@ def test_other_outputs_that_cannot_be_made_are_left_out_silently(place, unprivil
     assert missing not in place.names()
     # Without a listing there is no array either, only its empty file.
     expected = {**WHOLE, ARRAY: b""} if missing == LISTING else WHOLE
-    for name in set(OUTPUTS) - {missing}:
-        assert place.read(name) == expected[name]
+    place.assert_outputs({name: expected[name] for name in OUTPUTS if name != missing})
 
 
 def test_s_record_file_that_must_not_be_written_is_refused_in_an_open_directory(
@@ -314,7 +293,7 @@ def test_s_record_file_that_must_not_be_written_is_refused_in_an_open_directory(
     place.path.chmod(0o777)
     process = place.run(*EVERY_OUTPUT, "prog.szirpa", **unprivileged)
     assert (process.returncode, process.stdout) == (1, place.refusal(RECORDS))
-    assert {name: place.read(name) for name in OUTPUTS} == dict.fromkeys(OUTPUTS, OLD)
+    place.assert_outputs(dict.fromkeys(OUTPUTS, OLD))
     assert place.temporary_names() == []
 
 
@@ -324,7 +303,7 @@ def test_root_writes_an_s_record_file_that_others_must_not(place):
     (place.path / RECORDS).chmod(0o444)
     assemble(place)
     assert mode(place, RECORDS) == 0o444
-    assert_whole(place, *OUTPUTS)
+    place.assert_outputs(WHOLE)
 
 
 # ---- Directories ----
@@ -335,9 +314,8 @@ def test_directory_of_the_name_leaves_the_output_out(place, name):
     (place.path / name).mkdir()
     assemble(place)
     assert (place.path / name).is_dir()
-    for other in set(OUTPUTS) - {name}:
-        without_listing = name == LISTING and other == ARRAY
-        assert place.read(other) == (b"" if without_listing else WHOLE[other])
+    without_listing = {ARRAY: b""} if name == LISTING else {}
+    place.assert_outputs({**expected_outputs(0, but=[name]), **without_listing})
 
 
 @pytest.mark.parametrize("name", [RECORDS, "nowhere/out.s19", "sub/"])
@@ -347,7 +325,7 @@ def test_s_record_file_that_cannot_be_made_is_refused_and_nothing_is_touched(pla
     place.put_old(*REPLACING)
     process = place.run("-o", name, *EVERY_OUTPUT, "prog.szirpa")
     assert (process.returncode, process.stdout) == (1, place.refusal(name))
-    assert [place.read(name) for name in REPLACING] == [OLD] * 3
+    place.assert_outputs(dict.fromkeys(REPLACING, OLD))
     assert place.temporary_names() == []
 
 
@@ -370,7 +348,7 @@ def test_what_has_a_temporary_name_already_is_left_alone(place, kind):
     place.put_old("victim", *OUTPUTS)
     process = place.run(*EVERY_OUTPUT, "prog.szirpa", prepare=occupy)
     assert (process.returncode, process.stdout) == (0, SUMMARY)
-    assert_whole(place, *OUTPUTS)
+    place.assert_outputs(WHOLE)
     assert place.read("victim") == OLD
     occupied = [place.path / name for name in place.temporary_names()]
     assert len(occupied) == 10

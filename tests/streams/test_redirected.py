@@ -3,10 +3,9 @@
 import os
 
 import pytest
-from stream_runs import EVERY_OUTPUT, OLD, OUTPUTS, RECORDS, SCRIPT, SUMMARY, WHOLE
-
-STREAMS = pytest.mark.parametrize("stream", ["stdout", "stderr"])
-NUMBERS = {"stdout": 1, "stderr": 2}
+from stream_runs import (
+    EVERY_OUTPUT, FORMS, OLD, OUTPUTS, RECORDS, SCRIPT, STREAMS, SUMMARY, WHOLE, own_name,
+)
 
 
 def hard_link(place, name, file):
@@ -64,13 +63,6 @@ def test_output_that_leads_to_the_file_of_a_stream_is_refused(place, stream, nam
     assert_refused(place, stream, "messages", EVERY_OUTPUT, name)
 
 
-def own_name(stream, form):
-    return form.format(stream, NUMBERS[stream])
-
-
-FORMS = pytest.mark.parametrize("form", ["/dev/{0}", "/dev/fd/{1}", "/proc/self/fd/{1}"])
-
-
 @STREAMS
 @FORMS
 def test_output_that_is_the_stream_itself_is_refused(place, stream, form):
@@ -124,7 +116,7 @@ def test_standard_input_may_be_an_old_output(place, name):
     with open(place.path / name, "rb") as opened:
         process = place.run(*EVERY_OUTPUT, "prog.szirpa", stdin=opened)
     assert (process.returncode, process.stdout) == (0, SUMMARY)
-    assert {name: place.read(name) for name in OUTPUTS} == WHOLE
+    place.assert_outputs(WHOLE)
 
 
 def test_both_streams_on_one_file_that_is_no_output_are_as_good_as_one(place):
@@ -132,4 +124,4 @@ def test_both_streams_on_one_file_that_is_no_output_are_as_good_as_one(place):
         process = place.run(*EVERY_OUTPUT, "prog.szirpa", stdout=opened, stderr=opened)
     assert process.returncode == 0
     assert place.read("messages") == SUMMARY
-    assert {name: place.read(name) for name in OUTPUTS} == WHOLE
+    place.assert_outputs(WHOLE)
