@@ -6,6 +6,7 @@ import re
 import subprocess
 
 import pytest
+import running
 from expected import LISTING_HEADER, listed
 from running import BANNER
 
@@ -65,6 +66,18 @@ def expected_outputs(errors, but=()):
     return {name: content for name, content in expected.items() if name not in but}
 
 
+def in_child(closed=(), prepare=None, **options):
+    """Options for a run whose child has closed these descriptors, after what is to be prepared."""
+
+    def begin():
+        if prepare:
+            prepare()
+        for descriptor in closed:
+            os.close(descriptor)
+
+    return {**options, "preexec_fn": begin} if prepare or closed else options
+
+
 class Place:
     """A directory with prog.szirpa, and the program, which is run in it."""
 
@@ -76,32 +89,15 @@ class Place:
     def write_source(self, text):
         (self.path / "prog.szirpa").write_bytes(text)
 
-    def start(self, *arguments, before=(), closed=(), prepare=None, **options):
-        """Starts a run after the command `before`; `closed` descriptors and `prepare` are the
-        child's own affair."""
+    def start(self, *arguments, before=(), **options):
+        """Starts a run after the command `before`."""
+        command = [*before, self.program, *arguments]
+        streams = {"stdin": subprocess.DEVNULL, "stderr": subprocess.PIPE}
+        return subprocess.Popen(command, cwd=self.path, **{**streams, **in_child(**options)})
 
-        def in_child():
-            if prepare:
-                prepare()
-            for descriptor in closed:
-                os.close(descriptor)
-
-        options = {
-            "stdin": subprocess.DEVNULL,
-            "stdout": subprocess.PIPE,
-            "stderr": subprocess.PIPE,
-            "preexec_fn": in_child if prepare or closed else None,
-            **options,
-        }
-        return subprocess.Popen([*before, self.program, *arguments], cwd=self.path, **options)
-
-    def run(self, *arguments, **options):
-        with self.start(*arguments, **options) as process:
-            try:
-                stdout, stderr = process.communicate(timeout=60)
-            finally:
-                process.kill()
-        return subprocess.CompletedProcess(process.args, process.returncode, stdout, stderr)
+    def run(self, *arguments, before=(), **options):
+        command = [*before, self.program, *arguments]
+        return running.run(self.path, *command, **in_child(**options))
 
     def assemble(self, errors, *arguments, **options):
         """A run that reports so many errors, and leaves no temporary name in the directory."""
