@@ -36,69 +36,26 @@ NOT_RUN = {
     "cmake": "builds the project itself; the tests of the CMake module and the package do that",
 }
 
-FENCE = re.compile(r"```(\w*)$")
+# The paragraph above a block, the language and the text of the block.
+BLOCK = re.compile(r"((?:^(?!```).+\n)*)\n*^```(\w*)\n((?:(?!```).*\n)*)```$", re.MULTILINE)
+COMMAND = re.compile(r"^\$ (.*)\n((?:(?!\$ ).*\n)*)", re.MULTILINE)
 FILE_NAME = re.compile(r"`([\w./-]*\w\.\w+)`")
 SHOW_STATUS = "echo $?"
 
 
-class Block:
-    """A fenced block: its language, its text, the paragraph above it and the line it begins in."""
-
-    def __init__(self, language, line, paragraph):
-        self.language = language
-        self.line = line
-        self.paragraph = paragraph
-        self.text = ""
-
-    def named_file(self):
-        name = FILE_NAME.search(self.paragraph)
-        return name.group(1) if name else None
+def commands_of(text, printed_below):
+    """The commands of a block, each with what it prints."""
+    if text.startswith("$ "):
+        return COMMAND.findall(text)
+    *earlier, last = text.splitlines()
+    return [*((command, "") for command in earlier), (last, printed_below)]
 
 
-def read_blocks(text):
-    """The blocks of a document; a paragraph is what stands between two empty lines or blocks."""
-    blocks, paragraph, ended, block = [], "", False, None
-    for number, line in enumerate(text.splitlines(keepends=True), start=1):
-        fence = FENCE.match(line)
-        if fence and block is None:
-            block = Block(fence.group(1), number, paragraph)
-        elif fence:
-            blocks.append(block)
-            block, paragraph = None, ""
-        elif block is not None:
-            block.text += line
-        elif line.strip():
-            paragraph = line if ended else paragraph + line
-        ended = not line.strip()
-    assert block is None, f"the block of line {block.line} is not closed"
-    return blocks
-
-
-class Step:
-    """A command, the line it stands in, and what it prints."""
-
-    def __init__(self, command, line):
-        self.command = command
-        self.line = line
-        self.output = ""
-
-
-def steps_of(block):
-    """The commands of a block."""
-    marked = block.text.startswith("$ ")
-    steps = []
-    for number, line in enumerate(block.text.splitlines(keepends=True), start=block.line + 1):
-        if not marked:
-            steps.append(Step(line.strip(), number))
-        elif line.startswith("$ "):
-            steps.append(Step(line[2:].strip(), number))
-        else:
-            steps[-1].output += line
-    return steps
-
-
-def is_run(command):
-    return command.split()[0] not in NOT_RUN
+def compare(place, shown, actual):
+    difference = difflib.unified_diff(
+        shown.splitlines(keepends=True), actual.splitlines(keepends=True), "shown", "actual"
+    )
+    assert shown == actual, f"{place}:\n" + "".join(difference)
 
 
 class Reader:
@@ -111,8 +68,27 @@ class Reader:
         binaries = self.directory.parent / (self.directory.name + ".bin")
         binaries.mkdir()
         (binaries / "HXzirpa").symlink_to(program)
-        self.environment = {**os.environ, "PATH": f"{binaries}:{os.environ['PATH']}"}
-        self.environment["LC_ALL"] = "C"
+        self.environment = {**os.environ, "PATH": f"{binaries}:{os.environ['PATH']}", "LC_ALL": "C"}
+
+    def play(self, document):
+        text = document.read_text()
+        blocks = list(BLOCK.finditer(text))
+        assert 2 * len(blocks) == len(re.findall("^```", text, re.MULTILINE)), "an open block"
+        printed = False
+        for block, below in zip(blocks, [*blocks[1:], None]):
+            paragraph, language, content = block.groups()
+            place = f"{document.name}, line {text.count(chr(10), 0, block.start(3)) + 1}"
+            if language == "sh":
+                printed = below is not None and below[1] == below[2] == ""
+                for command, output in commands_of(content, below[3] if printed else ""):
+                    self.carry_out(command.strip(), output, f"{place}: {command}")
+            elif not printed:
+                self.file(FILE_NAME.search(paragraph), language, content, place)
+            else:
+                printed = False
+        self.expect_success("the end")
+
+    # ---- Commands ----
 
     def run(self, command):
         """Runs a command; `$?` in it is the status of the one before. Returns what it prints."""
@@ -122,86 +98,36 @@ class Reader:
         self.status = process.returncode
         return process.stdout.decode("latin-1").replace(str(self.directory), SHOWN_DIRECTORY)
 
-    def has(self, name):
-        return (self.directory / name).exists()
-
-    def write(self, name, text):
-        path = self.directory / name
-        path.parent.mkdir(parents=True, exist_ok=True)
-        path.write_text(text)
-
-    def read(self, name):
-        assert self.has(name), f"there is no file {name}"
-        text = (self.directory / name).read_bytes().decode("latin-1")
-        return text if text.endswith("\n") else text + "\n"
-
-
-def compare(place, shown, actual):
-    difference = difflib.unified_diff(
-        shown.splitlines(keepends=True), actual.splitlines(keepends=True), "shown", "actual"
-    )
-    assert shown == actual, f"{place}:\n" + "".join(difference)
-
-
-def is_output(block, before):
-    """True for a block that shows what the last command of the block before it prints."""
-    return bool(before) and before.language == "sh" and not block.language and not block.paragraph
-
-
-class Play:
-    """A document, played through by a reader. Names are for its sources without one, in order."""
-
-    def __init__(self, name, text, reader, names=()):
-        self.name = name
-        self.blocks = read_blocks(text)
-        self.reader = reader
-        self.names = list(names)
-
-    def place(self, line):
-        return f"{self.name}, line {line}"
-
-    def play(self):
-        before = None
-        for block, after in zip(self.blocks, [*self.blocks[1:], None]):
-            if block.language == "sh":
-                self.commands(block, after)
-            elif not is_output(block, before):
-                self.file(block)
-            before = block
-        self.expect_success("the end")
-
-    def commands(self, block, after):
-        steps = steps_of(block)
-        if after is not None and is_output(after, block):
-            steps[-1].output = after.text
-        for step in steps:
-            self.carry_out(step, self.place(step.line))
-
-    def carry_out(self, step, place):
-        if not is_run(step.command):
-            assert not step.output, f"{place}: no test can see to this output"
+    def carry_out(self, command, output, place):
+        if command.split()[0] in NOT_RUN:
+            assert not output, f"{place}: no test can see to this output"
             return
-        if step.command != SHOW_STATUS:
+        if command != SHOW_STATUS:
             self.expect_success(place)
-        compare(place, step.output, self.reader.run(step.command))
+        compare(place, output, self.run(command))
 
     def expect_success(self, place):
-        assert self.reader.status == 0, f"{place}: the status before is not 0 and not shown"
+        assert self.status == 0, f"{place}: the status before is not 0 and not shown"
 
-    def file(self, block):
-        is_assembly = block.language in ASSEMBLY_LANGUAGES
-        name = block.named_file()
-        if name is None and is_assembly and self.names:
-            name = self.names.pop(0)
+    # ---- Files ----
+
+    def file(self, name, language, content, place):
         if name is None:
-            assert is_assembly, f"{self.place(block.line)}: the text above names no file"
-            self.assemble(block)
-        elif block.language in SOURCE_LANGUAGES and not self.reader.has(name):
-            self.reader.write(name, block.text)
-        else:
-            compare(self.place(block.line), block.text, self.reader.read(name))
+            assert language in ASSEMBLY_LANGUAGES, f"{place}: the text above names no file"
+            self.assemble(content, place)
+            return
+        path = self.directory / name[1]
+        if language in SOURCE_LANGUAGES and not path.exists():
+            path.parent.mkdir(parents=True, exist_ok=True)
+            path.write_text(content)
+            return
+        assert path.exists(), f"{place}: there is no file {name[1]}"
+        actual = path.read_text("latin-1")
+        compare(place, content, actual if actual.endswith("\n") else actual + "\n")
 
-    def assemble(self, block):
-        self.reader.write("unnamed/fragment.szirpa", block.text)
-        output = self.reader.run("HXzirpa -o unnamed/fragment.s19 unnamed/fragment.szirpa")
-        compare(self.place(block.line), "-- No errors.\n", output)
+    def assemble(self, content, place):
+        directory = self.directory / "unnamed"
+        directory.mkdir(exist_ok=True)
+        (directory / "fragment.szirpa").write_text(content)
+        output = self.run("HXzirpa -o unnamed/fragment.s19 unnamed/fragment.szirpa")
+        compare(place, "-- No errors.\n", output)

@@ -42,8 +42,7 @@ MESSAGES = code_spans(section(prose(MANUAL), "Messages"))
 
 
 def test_what_is_shown_is_what_happens(program, tmp_path):
-    reader = shown.Reader(program, tmp_path / "zirpa")
-    shown.Play("manual.md", MANUAL.read_text(), reader).play()
+    shown.Reader(program, tmp_path / "zirpa").play(MANUAL)
 
 
 # ---- Nothing is left out ----
