@@ -1,3 +1,6 @@
+// The lowest free number goes to the next file that is opened. With a standard descriptor closed,
+// an output would get its number, and messages would be written into the output; so the three
+// numbers are taken before anything else is opened.
 #include "util/descriptor.h"
 
 #include <cerrno>

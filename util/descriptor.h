@@ -24,7 +24,7 @@ inline FileIdentity identity_of(const struct stat &file) { return {file.st_dev, 
 // the closed descriptor.
 void fill_standard_descriptors();
 
-// The regular file behind a descriptor; nothing if there is none.
+// The regular file that a descriptor is open on; nothing if it is no such file.
 std::optional<FileIdentity> regular_file(int descriptor);
 
 // Writes all bytes, through interruptions and short writes. Returns false when a write fails.

@@ -1,3 +1,11 @@
+// First the name is looked up, without a change to anything: links are followed by hand, because
+// the end of the chain matters even where nothing exists yet, and because a link to somebody's open
+// descriptor must not be followed as a path. What is found there decides how the file is opened.
+//
+// An output appears in one of two ways. By way of a temporary file, whose renaming replaces the old
+// one at one moment, it is whole or not there. Where renaming would change more than the content
+// (other names, owners and modes that can't be given, what is no regular file), it is written in
+// place: a piece that is seen for a while is the smaller harm.
 #include "util/destination.h"
 
 #include "util/path.h"
@@ -99,6 +107,7 @@ bool Destination::is_file(FileIdentity identity) const {
     return kind_ == Kind::kRegular && identity_of(old_) == identity;
 }
 
+// Streams are left out: two outputs may well go to one terminal, pipe or null device.
 bool Destination::is_same_file(const Destination &other) const {
     return kind_ == other.kind_ && (kind_ == Kind::kRegular || kind_ == Kind::kNew) &&
            identity_of(old_) == identity_of(other.old_) && new_name_ == other.new_name_;
@@ -108,6 +117,9 @@ int Destination::open() {
     return old_file_ == OldFile::kRewritten ? open_to_rewrite() : open_to_replace();
 }
 
+// The file that the name leads to is opened even where a temporary file is going to take its place:
+// that is the test of whether the user may write to it. Only its being opened tells what it is,
+// since another may have got the name after the look-up.
 int Destination::open_to_rewrite() {
     if (kind_ == Kind::kNew) {
         const int temporary = temporary_.create(directory_of(path_));
@@ -158,6 +170,8 @@ int Destination::open_temporary_like_old() {
     return -1;
 }
 
+// What is in the way is deleted where no temporary file can stand in for it, so that a new file
+// gets the name all the same; other names of the old one keep the old bytes.
 int Destination::open_to_replace() {
     if (kind_ == Kind::kStream || is_handed_over_) {
         return ::open(path_.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
@@ -177,6 +191,8 @@ int Destination::open_to_replace() {
     return ::open(path_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kCreationMode);
 }
 
+// The file is looked at anew before it is deleted: between its creation and this moment, somebody
+// may have moved another file to its name.
 void Destination::withdraw() {
     temporary_.remove();
     struct stat status {};

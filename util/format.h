@@ -25,7 +25,7 @@ consteval std::array<char, 512> make_hex_bytes() {
     return digits;
 }
 
-// The two digits of each byte, one behind the other.
+// The two digits of each byte, one after the other.
 inline constexpr std::array<char, 512> kHexBytes = make_hex_bytes();
 
 // The low 8 bits as two upper-case hexadecimal digits.
@@ -33,7 +33,7 @@ constexpr std::string_view hex_byte_text(unsigned value) {
     return {&kHexBytes[std::size_t{2} * (value & 0xFFU)], 2};
 }
 
-// Writes those digits; returns the position behind them.
+// Writes those digits; returns the position after them.
 inline char *hex_byte(char *text, unsigned value) {
     std::memcpy(text, hex_byte_text(value).data(), 2);
     return text + 2;

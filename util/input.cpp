@@ -1,3 +1,5 @@
+// A file is read to its end whatever its size was said to be: a pipe has no size, and a file may
+// grow or shrink while it is read. The size only saves growing.
 #include "util/input.h"
 
 #include "util/buffer.h"
@@ -15,6 +17,8 @@ namespace {
 // Room for a source that does not tell its size, such as a pipe; doubled as needed.
 constexpr std::size_t kFirstCapacity = buffer_size(65536);
 
+// Moves the text to a larger place. It is not filled beforehand: what is not read into stays
+// untouched.
 void grow(FileText &text, std::size_t capacity) {
     auto larger = make_room(capacity + kFileGuard);
     if (text.size > 0) {

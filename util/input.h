@@ -14,7 +14,7 @@
 #include <emmintrin.h>
 #endif
 
-// NULs behind a file's text, so that it can be read a few characters ahead without a check.
+// NULs after a file's text, so that it can be read a few characters ahead without a check.
 inline constexpr std::size_t kFileGuard = 64;
 
 struct FileText {

@@ -1,3 +1,4 @@
+// The 64-bit readers share fields and digits with the live ones; they differ in what they store.
 #include "util/number_unused.h"
 
 #include "util/number.h"

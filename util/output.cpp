@@ -1,3 +1,9 @@
+// Text gathers in the buffer, and a full buffer is written in one call. To a terminal, only whole
+// characters are written: the first bytes of one that the buffer's end has cut stay there and move
+// to its front, so that the guard never takes half a character for a byte to be hidden.
+//
+// A failure is remembered and nothing is written any more, but callers go on as before: they would
+// have nothing better to do, and the end of the run reports it once.
 #include "util/output.h"
 
 #include <algorithm>

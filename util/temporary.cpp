@@ -1,3 +1,10 @@
+// A handler of signals may look at no data that is just being changed, nor take a lock. So the
+// names of the files are kept in a fixed table of atomic pointers, apart from the objects: a name
+// is in the table before its file exists and leaves it after the file is gone. A signal in between
+// finds a name without a file at worst, which does no harm.
+//
+// Renaming is the last step of an output and the only one that others see. Where it is not allowed,
+// the bytes are copied into the old file instead.
 #include "util/temporary.h"
 
 #include "util/descriptor.h"

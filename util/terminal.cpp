@@ -1,3 +1,7 @@
+// A text is cut into visible characters and other bytes. A table of first bytes says how long a
+// character is and what its second byte may be, which is all that UTF-8 needs to leave out overlong
+// forms and surrogates; later bytes are alike. Whether the descriptor is a terminal at all is asked
+// only when there is a byte to hide, because hardly any text has one.
 #include "util/terminal.h"
 
 #include "util/descriptor.h"
@@ -102,6 +106,8 @@ bool write_escaped(int descriptor, std::string_view text) {
 
 } // namespace
 
+// The longest end that begins a character and lacks its last bytes. A shorter one can't begin a
+// character as well: later bytes of a character are no first bytes.
 std::size_t begun_character_size(std::string_view text) {
     for (std::size_t size = std::min(kLongestBegunCharacter, text.size()); size > 0; --size) {
         const Character character = first_character(text.substr(text.size() - size));

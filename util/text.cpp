@@ -1,3 +1,5 @@
+// The functions read up to a NUL, a line end or a mark, and hand back where they have stopped, so
+// that one can go on where another has ended.
 #include "util/text.h"
 
 #include <cstring>
