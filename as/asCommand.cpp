@@ -1,3 +1,8 @@
+// Arguments are gone through once, from left to right, and carried out as they are met: later ones
+// win, and the first that is no option is the source, which ends the reading. A switch is a whole
+// argument, so that "-S1" is not "-S" with something joined to it; what no table has may still be
+// an option with a value. A mistake is reported and passed over: it alone keeps no source from
+// being assembled.
 #include "as/asCommand.h"
 
 #include "as/asSource.h"
@@ -19,6 +24,8 @@ void report_unknown(const char *argument) {
     standard_output.put({kProgramName, ": Unknown option '", argument + 1, "' is ignored.\n"});
 }
 
+// The value is 0, since the option has no place for one. A name given twice is marked as defined
+// more than once, as by two lines of a source.
 void define_symbol(const char *name) {
     if (Symbol *symbol = getsym(name); symbol != nullptr) {
         symbol->flags |= SYM_MULTIPLE;
@@ -65,6 +72,8 @@ bool take_switch(std::string_view argument) {
     return false;
 }
 
+// An option by its letter. With the options that take a joined value in quotes only, other joined
+// text makes an unknown option.
 const ValueOption *find_value_option(const char *argument) {
     for (const ValueOption &option : kValueOptions) {
         if (argument[1] == option.letter &&

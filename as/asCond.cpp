@@ -44,8 +44,9 @@ std::int32_t &satisfied() {
 // NULs after the copy, so that it may be read ahead as the line itself may be.
 constexpr std::size_t kLookAhead = 16;
 
-// A copy of the rest of the line, split at blanks. A word is followed by a NUL; after the copy
-// there is room for a look ahead.
+// A copy of the rest of the line, split at blanks: names and expressions are read up to a NUL,
+// while the line itself has to stay whole for the listing. After the copy there is room for a look
+// ahead.
 struct OperandWords {
     std::array<char, kConditionalTextLimit + kLookAhead> text{};
     int column = 0;         // of the copy's start in the line, 0-based
@@ -200,6 +201,8 @@ void do_else() {
     satisfied() = kElseSeen;
 }
 
+// Only the depth goes down inside a skipped region; the state of the conditional around it is still
+// in its place.
 void do_endif() {
     if (skipping != 0) {
         --ifdepth;

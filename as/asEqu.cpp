@@ -66,7 +66,9 @@ void check_constant(Symbol &symbol, std::int32_t value_before) {
     }
 }
 
-// Gives the label its value. Null when pass 0 has created it and nothing is left to be done.
+// Gives the label its value. Pass 0 computes with what it knows, in which labels that follow are 0;
+// the final pass computes anew, when all labels have their addresses. Null when pass 0 has created
+// the constant and nothing is left to be done.
 Symbol *equate(std::string_view name, int set) {
     Symbol *symbol = find_name(name);
     if (symbol == nullptr) {

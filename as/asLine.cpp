@@ -1,3 +1,10 @@
+// Each step looks at what the steps before it have left: Line_Done says that nothing more is to be
+// done with the line, label that the line begins with one, and mp which instruction it holds. So a
+// step that finds the line done does nothing, and assaline can be read as the list of its steps.
+//
+// An error ends its line through Error, but Error leaves Line_Done alone once it has begun to
+// swallow reports. A step after which the line must not go on whatever has been reported (a faulty
+// label, a word that is no operation) sets Line_Done itself.
 #include "as/asLine.h"
 
 #include "as/asCond.h"

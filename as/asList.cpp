@@ -1,3 +1,5 @@
+// Items are appended at the end, which is walked to: the list has one item. An enumeration keeps
+// its place in the list itself, so that there can be one at a time.
 #include "as/asList.h"
 
 #include <cassert>
@@ -10,7 +12,7 @@ namespace {
 
 Segment *known_absolute_segment = nullptr;
 
-// The list of a type; none when the header is of another type.
+// The list of a type; null when the header is of another type.
 ListHeader *list_of_type(std::uint32_t type) { return lists.type == type ? &lists : nullptr; }
 
 ListItem *NewListItem() {

@@ -39,7 +39,7 @@ extern Segment *current_seg; // never set: there is one address space
 // ---- Functions ----
 
 // The segment of exactly that name. With create set, a missing one is appended, unless the name is
-// none or empty. None if there is no such segment.
+// null or empty. Null if there is no such segment.
 Segment *LookupSegment(const char *name, int create);
 
 // The segment of constants and of names without a place, "abs"; made by the first call.
@@ -49,7 +49,7 @@ Segment *absolute_segment();
 ListItem *EnumListType(std::uint32_t type);
 ListItem *EnumSegmentList();
 
-// The segment at the cursor, which moves on; none at the end.
+// The segment at the cursor, which moves on; null at the end.
 Segment *GetNextSegmentItem();
 
 // Empties the list.

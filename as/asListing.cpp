@@ -1,3 +1,6 @@
+// A listed line is address, bytes and the line as it was read. It is written after the line has
+// been carried out, since only then its bytes are known; so its messages, which are written at
+// once, stand above it. The name of a file follows its first line for the same reason.
 #include "as/asListing.h"
 
 #include "as/asDebug.h"

@@ -1,3 +1,5 @@
+// The defaults stand twice: with the definitions for what uses a module alone, and in
+// options_new_run because every run of a process begins with them.
 #include "as/asOptions.h"
 
 std::int16_t O_symtab = 0;

@@ -1,3 +1,15 @@
+// The outputs differ in little: where the name comes from, whether an option asks for them, what is
+// written ahead and at the end. A row of kOutputs says so, and each step of a run is a loop over
+// the rows. The order of the steps is what the rows can't say:
+//
+// - All names are looked up before the first file is created, so that a refused run touches
+// nothing.
+// - The outputs that accompany the result are closed and published first. The result comes last,
+// and
+//   only when all is well: its being there tells a makefile that the others are there too.
+// - What fails later than its creation is remembered in the file itself and reported once, after
+// all
+//   files are closed, since closing may fail as well.
 #include "as/asOutputs.h"
 
 #include "as/asCommand.h"

@@ -21,9 +21,8 @@ extern std::string zirpafilename; // the simulator memory script
 void outputs_new_run();
 
 // Opens the source for pass 1, creates the output files and has emission hand its bytes to them.
-// Returns 0 when the source cannot be
-// opened. Ends the run, before anything is created, if an output would overwrite the source or
-// another output.
+// Returns 0 when the source cannot be opened. Ends the run, before anything is created, if an
+// output would overwrite the source or another output.
 int openfiles(const char *file);
 
 // Before the final pass: writes the heads of the listing and the script.

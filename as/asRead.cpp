@@ -1,3 +1,5 @@
+// Whatever a module keeps of a line is reset here, ahead of the next one, by the module itself; so
+// no step of a line has to clean up after the others, nor after an error.
 #include "as/asRead.h"
 
 #include "as/asDiag.h"

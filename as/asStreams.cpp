@@ -1,3 +1,5 @@
+// A run ends early by an exception, so that whatever stands on the way to as_main gives back what
+// it holds, and the process could go on with another run.
 #include "as/asStreams.h"
 
 #include "as/asOptions.h"

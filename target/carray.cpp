@@ -1,3 +1,5 @@
+// A comma stands ahead of each value but the first of a row, and a full row ends in one: so nothing
+// has to be known of the values that follow, and a C compiler takes the comma at the end.
 #include "target/carray.h"
 
 namespace {

@@ -1,3 +1,9 @@
+// A record is collected until it is full, until the address jumps (ORG) or until the program ends;
+// it begins with its address, so that a full one is just as many bytes for every width of address.
+// The capacity counts the address: wider addresses leave less room for data.
+//
+// Bytes for the listing are kept apart from those for the record, because a line may generate more
+// than is listed, and because data that is not emitted, a constant's value, is listed as well.
 #include "target/emit.h"
 
 #include "as/asOptions.h"

@@ -1,3 +1,5 @@
+// The counters stand apart from emission, because labels and expressions need them and have nothing
+// to do with bytes.
 #include "target/location.h"
 
 std::uint32_t LC = 0;

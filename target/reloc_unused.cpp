@@ -1,3 +1,5 @@
+// The names are those under which a relocatable object would hold the commands; this assembler
+// writes no object.
 #include "target/reloc_unused.h"
 
 #include "as/asDiag.h"

@@ -1,3 +1,4 @@
+// A line is spelt in an array of the greatest length that one can have, and handed over at once.
 #include "target/srecord.h"
 
 #include <array>
