@@ -1,6 +1,6 @@
-// A row a number leads to its handler. Three groups do nothing but say so: words of modules that
-// are linked later, which an absolute assembler has no use for, words of pages of the listing, and
-// numbers without a row, which are silent.
+// A row for each number leads to its handler. Three groups do nothing but say so: words of modules
+// that are linked later, which an absolute assembler has no use for, words of pages of the listing,
+// and numbers without a row, which are silent.
 #include "as/asDialect.h"
 
 #include "as/asDiag.h"

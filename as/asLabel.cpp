@@ -1,4 +1,8 @@
 // The label's text is not copied: it starts the line, so its length says it all.
+//
+// The last seen label is another thing: data that follow a label on lines of their own belong to it
+// still, so its name outlives its line, until another label, an instruction with an operand or ORG
+// comes.
 #include "as/asLabel.h"
 
 #include "as/asPlace.h"

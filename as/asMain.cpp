@@ -115,7 +115,8 @@ void print_summary() {
     }
 }
 
-// The exit status of a run that has made its outputs.
+// The exit status of a run that has made its outputs. A summary would praise a run whose outputs
+// are lost, so what could not be written is reported in its place.
 int finish() {
     CloseDown();
     if (report_write_failures()) {
@@ -139,6 +140,7 @@ int cannot_open(const char *file) {
     return kFailure;
 }
 
+// The outputs go first, so that none is taken for whole whatever becomes of the message.
 int out_of_memory() {
     abandon_outputs();
     standard_output.put({kProgramName, ": Out of memory\n"});

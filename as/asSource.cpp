@@ -354,6 +354,8 @@ void push_include(const char *path) {
     include_stack.push_back(std::move(directory));
 }
 
+// A directory that begins with a dot is meant from where the program was started, any other from
+// the working directory.
 int match_include(const char *name, bool &from_start_directory) {
     for (std::size_t i = 0; i < include_stack.size(); ++i) {
         const std::string &directory = include_stack[i];

@@ -1,5 +1,9 @@
 // The word at a fixed column says what follows at another; what does not fit is a warning at most,
-// because the program itself does not depend on it.
+// because the program itself does not depend on it. The compiler writes these lines,
+// so they keep to their columns.
+//
+// A line that ends in "+" goes on in the next one. Only types and symbols go on; their records take
+// the further lines as they are.
 #include "as/asStab.h"
 
 #include "as/asDebug.h"
@@ -124,6 +128,8 @@ void process_local_symbol(const char *p) {
     asm_write_sd_local_symbol(fields, number, p);
 }
 
+// Functions ("F", "f") have no record of their own here: "func" lines give theirs. But the fields
+// are read for their warnings.
 void process_global_or_static_symbol(char kind, const char *p) {
     const std::string first = take_field(p);
     const std::string name = take_field(p);

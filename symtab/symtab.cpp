@@ -107,11 +107,15 @@ Symbol *putname(std::string_view name, std::int32_t value, std::int32_t line, st
 
 Symbol *getsym(std::string_view name) { return find_name(leading_run(name)); }
 
+// A name that is referred to before it is defined gets its record here, so that the definition
+// finds out that there has been a reference.
 Symbol *lookup(std::string_view name) {
     const EnteredName entered = enter_name(name);
     return entered.is_new ? fill_in(entered.symbol, 0, 0, SYM_UNDEFINED, 0) : entered.symbol;
 }
 
+// What a forward reference is depends on the pass. Before the final pass it is a name that has no
+// definition yet; in the final pass all have one, and it is a name that is defined further down.
 Symbol *refsym(std::string_view name) {
     Symbol *symbol = lookup(name);
     note_reference(*symbol);
@@ -141,6 +145,8 @@ const Symbol *defsym(std::string_view name, std::int64_t value, int check) {
     return symbol;
 }
 
+// In the order of the chains, which is that of the names' character codes summed up: tools compare
+// tables line by line, so the order stays.
 void symwrite(OutputFile &stream) {
     bool header_due = true;
     link_chains();

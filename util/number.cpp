@@ -12,7 +12,8 @@ constexpr int kBinary = 2;
 
 bool ends_field(char ch) { return isblanc(ch) || ch == ':'; }
 
-// Reads digits up to the field's end; no digit at all is the value 0.
+// Reads digits up to the field's end; no digit at all is the value 0. A number that is too wide
+// wraps around: the fields come from a compiler and hold what fits.
 int read_digits(const char *p, unsigned base, std::uint64_t &magnitude) {
     std::uint64_t sum = 0;
     for (; !ends_field(*p); ++p) {

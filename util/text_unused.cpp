@@ -76,6 +76,8 @@ bool namecomparei(const char *text, const char *name) {
 
 bool line_continued(const char *s) { return ends_in_mark(s, '\\'); }
 
+// Two lines are the same as long as neither says otherwise before one of them ends, so a line is
+// the same as any that it begins.
 bool nlstrcmp(const char *a, const char *b) {
     while (true) {
         if (*a == '\0' || *a == '\r') {
@@ -138,6 +140,7 @@ const char *extractquoted(std::string &d, const char *s) {
     return *quote == '\0' ? nullptr : extracttoskip(d, quote + 1, '"');
 }
 
+// A quote within the value is part of it; the one that ends it has a blank after it.
 const char *extractquotedoption(std::string &d, const char *s) {
     d.clear();
     const char *quote = skip_to(s, '"');
@@ -152,6 +155,8 @@ const char *extractquotedoption(std::string &d, const char *s) {
     return p;
 }
 
+// The opening mark is looked for first, and belongs to the text like the closing one. A control
+// character ends the search, because no text goes on over the end of a line.
 const char *extract(std::string &d, const char *s, char open, char close, std::size_t max) {
     d.clear();
     const char *start = nullptr;
