@@ -93,6 +93,14 @@ TEST_F(Descriptors, NoRegularFileIsBehindADeviceADirectoryOrAClosedOne) {
     EXPECT_FALSE(regular_file(-1).has_value());
 }
 
+TEST_F(Descriptors, ASingleByteIsWritten) {
+    const int file = ::open("one", O_WRONLY | O_CREAT | O_CLOEXEC, 0600);
+    ASSERT_GE(file, 0);
+    EXPECT_TRUE(write_fully(file, "x"));
+    ::close(file);
+    EXPECT_EQ(read_text("one"), "x");
+}
+
 TEST_F(Descriptors, WriteThatFailsIsReported) {
     const int full = ::open("/dev/full", O_WRONLY | O_CLOEXEC);
     ASSERT_GE(full, 0);

@@ -2,7 +2,9 @@
 #include "util/input.h"
 
 #include "tests/unit/support.h"
+#include "util/memory.h"
 
+#include <cstring>
 #include <filesystem>
 #include <string>
 
@@ -29,6 +31,16 @@ TEST_F(FileReading, ReadsAnEmptyFile) {
     FileText text;
     ASSERT_TRUE(read_file("in", text));
     EXPECT_EQ(text.size, 0U);
+}
+
+TEST_F(FileReading, LetsNulsFollowTheTextWhateverTheMemoryHeld) {
+    const std::string bytes(100, 'a');
+    write_file("in", bytes);
+    // What is given back is likely to be handed out again.
+    std::memset(make_room(bytes.size() + 1 + kFileGuard).get(), 'x', bytes.size() + 1 + kFileGuard);
+    FileText text;
+    ASSERT_TRUE(read_file("in", text));
+    EXPECT_EQ(std::string(&text.data[text.size], kFileGuard), std::string(kFileGuard, '\0'));
 }
 
 TEST_F(FileReading, ReadsALargeFile) {
