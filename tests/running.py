@@ -1,7 +1,11 @@
 """How tests run a program, in a directory, with nothing to read and for a limited time; and how its
 outputs begin."""
 
+import functools
+import shutil
 import subprocess
+
+import pytest
 
 TIME_LIMIT_SECONDS = 60
 
@@ -24,6 +28,18 @@ def run(directory, *command, **options):
     if "input" in options:
         del given["stdin"]  # subprocess makes a pipe of its own
     return subprocess.run(command, cwd=directory, check=False, **given)
+
+
+def need(command, package):
+    assert shutil.which(command), f"{command} is missing: the Debian package {package} is needed"
+
+
+@functools.cache
+def need_npm_registry():
+    need("npm", "npm")
+    ping = ["npm", "ping", "--fetch-retries=1", "--fetch-timeout=20000"]
+    if subprocess.run(ping, capture_output=True, check=False).returncode != 0:
+        pytest.skip("npm's registry can't be reached, so the extension's tools can't be installed")
 
 
 def printed_by(*command, cwd=None, **options):

@@ -2,10 +2,9 @@
 
 import os
 import pathlib
-import shutil
 
 import pytest
-from running import printed_by
+from running import need, printed_by
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
 COMPILERS = {
@@ -23,7 +22,7 @@ RECORDS = "S1060010010203E3\nS9030010EC\n"
 @pytest.mark.parametrize("options", SANITIZERS.values(), ids=SANITIZERS.keys())
 @pytest.mark.parametrize("compiler, flags", COMPILERS.values(), ids=COMPILERS.keys())
 def test_plain_build(compiler, flags, options, tmp_path):
-    assert shutil.which(compiler), f"{compiler} is missing"
+    need(compiler, compiler)
     environment = {**os.environ, "CXX": compiler, "CXXFLAGS": flags}
     build = tmp_path / "build"
     printed_by("cmake", "-S", ROOT, "-B", build, *options, env=environment)

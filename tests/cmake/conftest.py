@@ -1,9 +1,8 @@
 """What the tests of the CMake module share: its tools, and an empty project."""
 
-import shutil
-
 import pytest
 from cmake_project import CMakeProject
+from running import need
 
 # Tools and the Debian packages that bring them.
 TOOLS = {
@@ -18,7 +17,7 @@ TOOLS = {
 @pytest.fixture(scope="session", autouse=True)
 def tools():
     for tool, package in TOOLS.items():
-        assert shutil.which(tool), f"these tests need {tool}, of Debian's package {package}"
+        need(tool, package)
 
 
 @pytest.fixture

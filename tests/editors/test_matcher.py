@@ -2,11 +2,9 @@
 
 import collections
 import json
-import shutil
-import subprocess
 
 import pytest
-
+import running
 from diagnostics import expected_lines
 from sources import EDITORS, ROOT
 
@@ -57,12 +55,9 @@ NO_DIAGNOSTICS = [
 
 
 def found_by_patterns(lines):
-    assert shutil.which("node"), "node is missing: install Debian's nodejs"
-    process = subprocess.run(
-        ["node", SCRIPT, PACKAGE], input=json.dumps(lines), stdout=subprocess.PIPE, text=True,
-        check=True,
-    )
-    return json.loads(process.stdout)
+    running.need("node", "nodejs")
+    command = ["node", SCRIPT, PACKAGE]
+    return json.loads(running.printed_by(*command, input=json.dumps(lines), stderr=None))
 
 
 def wanted_match(form, diagnostic):

@@ -3,9 +3,8 @@
 import json
 import os
 import pathlib
-import shutil
-import subprocess
 
+import running
 from diagnostics import expected_lines
 from reading import is_plain, read_source
 from sources import EDITORS, ROOT, all_sources, lines_of
@@ -70,17 +69,11 @@ TYPES = {"error": "E", "warning": "W", "fatal": "E"}
 
 def ask_vim(directory, questions, **environment):
     """The answers of an editor without any other settings."""
-    assert shutil.which("vim"), "vim is missing: install Debian's vim"
+    running.need("vim", "vim")
     (directory / "questions.json").write_text(json.dumps(questions))
-    subprocess.run(
-        ["vim", "-N", "-u", "NONE", "-i", "NONE", "-n", "-es", "-S", REPORT],
-        cwd=directory,
-        env={**os.environ, "VIM_FILES": str(VIM_FILES), "HOME": str(directory), **environment},
-        stdin=subprocess.DEVNULL,
-        capture_output=True,
-        timeout=120,
-        check=False,
-    )
+    command = ["vim", "-N", "-u", "NONE", "-i", "NONE", "-n", "-es", "-S", REPORT]
+    home = {"VIM_FILES": str(VIM_FILES), "HOME": str(directory)}
+    running.run(directory, *command, env={**os.environ, **home, **environment}, timeout=120)
     answers = directory / "answers.json"
     assert answers.exists(), "vim has stopped early"
     return json.loads(answers.read_text("latin-1"))

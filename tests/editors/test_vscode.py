@@ -4,12 +4,12 @@ import json
 import os
 import re
 import shutil
-import subprocess
 import zipfile
 
 import pytest
 
 from reading import assembled_part, is_plain, read_source
+from running import need_npm_registry, printed_by
 from sources import EDITORS, GOLDEN, ROOT, all_sources, lines_of
 
 EXTENSION = EDITORS / "vscode"
@@ -32,30 +32,14 @@ SCOPES_OF_MESSAGES = {
 }
 
 
-def run(command, directory, **options):
-    assert shutil.which(command[0]), f"{command[0]} is missing: install Debian's nodejs and npm"
-    process = subprocess.run(
-        command, cwd=directory, capture_output=True, text=True, check=False, **options
-    )
-    assert process.returncode == 0, process.stdout + process.stderr
-    return process.stdout
-
-
-def registry_answers(directory):
-    assert shutil.which("npm"), "npm is missing: install Debian's nodejs and npm"
-    command = ["npm", "ping", "--fetch-retries=1", "--fetch-timeout=20000"]
-    return subprocess.run(command, cwd=directory, capture_output=True, check=False).returncode == 0
-
-
 @pytest.fixture(scope="module")
 def extension(tmp_path_factory):
     """A copy of the extension with the packages that its tools need."""
     copy = tmp_path_factory.mktemp("vscode")
     shutil.copytree(EXTENSION, copy, dirs_exist_ok=True)
     shutil.copy(ROOT / "LICENSE", copy)
-    if not registry_answers(copy):
-        pytest.skip("npm's registry can't be reached, so the tools for the grammar can't be installed")
-    run(["npm", "ci", "--silent"], copy)
+    need_npm_registry()
+    printed_by("npm", "ci", "--silent", cwd=copy)
     return copy
 
 
@@ -63,13 +47,14 @@ def extension(tmp_path_factory):
 def tokens(extension):
     """The tokens of all sources, by path."""
     paths = json.dumps([str(path) for path in all_sources()])
-    return json.loads(run(["node", HERE / "tokenize.js", GRAMMAR], extension, input=paths))
+    command = ["node", HERE / "tokenize.js", GRAMMAR]
+    return json.loads(printed_by(*command, cwd=extension, input=paths, stderr=None))
 
 
 def test_scopes_are_those_stated(extension):
     stated = sorted((HERE / "scopes").glob("*.szirpa"))
     assert stated
-    run(["npm", "run", "--silent", "test-grammar", "--", *stated], extension)
+    printed_by("npm", "run", "--silent", "test-grammar", "--", *stated, cwd=extension)
 
 
 def scopes_at(line_tokens, column):
@@ -196,7 +181,7 @@ def test_everything_valid_has_a_scope(tokens):
 
 
 def test_extension_packs_without_the_network(extension):
-    run(["npm", "run", "--silent", "pack"], extension, env={**os.environ, **OFFLINE})
+    printed_by("npm", "run", "--silent", "pack", cwd=extension, env={**os.environ, **OFFLINE})
     (archive,) = extension.glob("*.vsix")
     with zipfile.ZipFile(archive) as content:
         names = set(content.namelist())

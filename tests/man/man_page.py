@@ -2,7 +2,6 @@
 
 import pathlib
 import re
-import shutil
 
 import running
 
@@ -11,7 +10,7 @@ WIDE = 500
 
 
 def mandoc(*arguments):
-    assert shutil.which("mandoc"), "the Debian package mandoc is needed"
+    running.need("mandoc", "mandoc")
     return running.run(None, "mandoc", *arguments, text=True)
 
 

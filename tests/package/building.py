@@ -1,15 +1,10 @@
 """The build directory that the tests install and package from, and the tools they need."""
 
 import pathlib
-import shutil
 
 import running
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-
-
-def need(command, package):
-    assert shutil.which(command), f"{command} is missing: the Debian package {package} is needed"
 
 
 def build_directory(request):

@@ -4,7 +4,8 @@ import platform
 import re
 
 import pytest
-from building import need, run
+from building import run
+from running import need
 
 # What an indirect jump may lead to, and how a processor's code marks it.
 LANDING_MARKS = {"x86_64": "endbr64", "aarch64": "bti|paciasp"}

@@ -6,8 +6,8 @@ import shlex
 import subprocess
 
 import pytest
-from building import ROOT, expected_files, need, run
-from running import VERSION
+from building import ROOT, expected_files, run
+from running import VERSION, need
 
 SCRIPT = pathlib.Path(__file__).resolve().parent / "in_fresh_root.sh"
 # A root with no more than dpkg and what the script calls; apt adds what these depend on.

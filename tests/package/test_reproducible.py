@@ -7,10 +7,10 @@ times of the files, in another time zone, a year later.
 import os
 import pathlib
 import shutil
-import subprocess
 
 import pytest
-from building import ROOT, need, run
+from building import ROOT, run
+from running import need, need_npm_registry
 
 OLD = 1_000_000_000
 LATER = ["faketime", "-f", "+400d"]
@@ -57,10 +57,7 @@ def test_debian_package(package, rebuilt):
 
 
 def test_extension(tmp_path):
-    need("npm", "npm")
-    command = ["npm", "ping", "--fetch-retries=1", "--fetch-timeout=20000"]
-    if subprocess.run(command, capture_output=True, check=False).returncode != 0:
-        pytest.skip("npm's registry can't be reached, so the tools for packing can't be installed")
+    need_npm_registry()
     first = copy_sources(tmp_path / "first", OLD)
     second = copy_sources(tmp_path / "second", OLD + 90_000_000)
     run("./dev", "vsix", cwd=first)
