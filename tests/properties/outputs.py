@@ -3,8 +3,6 @@
 They share nothing with the expectations of the golden cases but the command lines and the sources.
 """
 
-import os
-import pathlib
 import re
 
 from running import BANNER
@@ -43,43 +41,22 @@ def split_command(arguments):
     return kept, arguments[0]
 
 
-def named_output(options):
-    """What -o names last, or nothing."""
-    name = None
-    for index, option in enumerate(options):
-        if index and options[index - 1] in WITH_ARGUMENT:
-            continue
-        if option == b"-o":
-            name = options[index + 1]
-        elif option.startswith(b'-o"'):
-            name = option[2:]
-    if name is None:
-        return None
-    if name.startswith(b'"'):
-        return name[1:].partition(b'"')[0]
-    return re.match(rb"[!-\x7f]*", name).group()
+class Outputs:
+    """The outputs of a run by what they are, None for those that are not there or no regular file.
 
+    All but the S-record file have endings of their own; that one takes its name from -o.
+    """
 
-def bare_name(path):
-    return re.split(rb"[/\\]", path)[-1]
-
-
-def without_extension(name):
-    stem, dot, _ = name.rpartition(b".")
-    return stem if dot and stem else name
-
-
-class Names:
-    """The output files of a command line, relative to the working directory."""
-
-    def __init__(self, options, source):
-        title = without_extension(bare_name(source))
-        output = named_output(options)
-        base = title if output is None else without_extension(bare_name(output))
-        self.records = title + b".s19" if output is None else output
-        self.script = title + b".fmem"
-        self.listing = base + b".lst"
-        self.array = base + b"_cout.c"
+    def __init__(self, files):
+        known = {"script": ".fmem", "listing": ".lst", "array": "_cout.c"}
+        self.names = {
+            kind: next((name for name in files if name.endswith(ending)), None)
+            for kind, ending in known.items()
+        }
+        others = files.keys() - self.names.values()
+        assert len(others) <= 1, others
+        self.records = files[others.pop()] if others else None
+        self.script, self.listing, self.array = (files.get(self.names[kind]) for kind in known)
 
 
 # ---- S-records ----------------------------------------------------------------------------------
@@ -195,9 +172,3 @@ def pattern_of_listing(found):
         elif data == b"\0" and re.search(rb"(?i)\brmb\b", line):
             parts.append(rb"\x00*")
     return re.compile(b"".join(parts))
-
-
-def content(directory, name):
-    """The content of an output, or None: it may be a device or a directory, or not be there."""
-    path = pathlib.Path(os.fsdecode(os.path.join(os.fsencode(directory), name)))
-    return path.read_bytes() if path.is_file() else None

@@ -10,6 +10,7 @@ Of debugger lines (.stab) -g makes statements of the final pass, and may so chan
 or find errors. Sources that hold them are run as the case has it, always with -g or always without.
 """
 
+import os
 import re
 import shutil
 
@@ -17,9 +18,8 @@ import pytest
 import running
 from golden_case import find_cases
 from outputs import (
-    Names,
+    Outputs,
     bytes_of_records,
-    content,
     pattern_of_listing,
     read_array,
     read_listing,
@@ -48,16 +48,15 @@ class Run:
         case.prepare(directory)
         options, source = split_command(case.arguments())
         self.letters = letters
-        self.names = Names(options, source)
-        self.source = content(directory, source)
         flags = [b"-" + letter.encode() for letter in letters]
+        before = running.files_below(directory)
         process = running.run(directory, program, *flags, *options, source)
         self.out, self.status = process.stdout, process.returncode
         self.refused = b"Cannot create output fil" in self.out
-        self.records = content(directory, self.names.records)
-        self.script = content(directory, self.names.script)
-        self.listing = content(directory, self.names.listing) if "L" in letters else None
-        self.array = content(directory, self.names.array) if "A" in letters else None
+        after = running.files_below(directory)
+        self.outputs = Outputs({name: after[name] for name in after if after[name] != before.get(name)})
+        path = directory / os.fsdecode(source)
+        self.source = path.read_bytes() if path.is_file() else None
 
 
 @pytest.fixture(name="runs")
@@ -77,32 +76,36 @@ def runs_of_the_case(program, case, tmp_path):
 
 
 def assert_outputs_agree(run):
-    records, debug = split_debug(run.records)
+    outputs = run.outputs
+    records, debug = split_debug(outputs.records)
     assert bool(debug) == ("g" in run.letters)
     assert not debug or debug.startswith(b"SX:C:s:start\n")
     found = read_records(records)
-    name, pairs = read_script(run.script)
-    assert name == run.names.script
+    name, pairs = read_script(outputs.script)
+    assert os.fsdecode(name) == outputs.names["script"]
     assert pairs == script_of_records(found)
     program = bytes_of_records(found)
-    if run.array is not None:
+    assert outputs.listing is None or "L" in run.letters
+    if outputs.array is not None:
         # Without a listing the array is created and stays empty.
-        assert run.array == b"" if run.listing is None else read_array(run.array) == program
-    if run.listing is not None and run.source is not None:
-        pattern = pattern_of_listing(read_listing(run.listing, run.source))
+        is_empty = outputs.listing is None
+        assert outputs.array == b"" if is_empty else read_array(outputs.array) == program
+    if outputs.listing is not None and run.source is not None:
+        pattern = pattern_of_listing(read_listing(outputs.listing, run.source))
         assert pattern.fullmatch(program), "the listing shows other bytes"
 
 
 @pytest.mark.parametrize("case", CLEAN_CASES, ids=lambda case: case.identifier)
 def test_outputs_agree_and_do_not_depend_on_each_other(runs):
-    records, _ = split_debug(runs[0].records)
+    records, _ = split_debug(runs[0].outputs.records)
     for run in runs:
         assert_outputs_agree(run)
-        assert split_debug(run.records)[0] == records, f"-{run.letters} changes the S-records"
-        assert run.script == runs[0].script, f"-{run.letters} changes the script"
+        assert split_debug(run.outputs.records)[0] == records, f"-{run.letters} changes the S-records"
+        assert run.outputs.script == runs[0].outputs.script, f"-{run.letters} changes the script"
         if "S" not in run.letters and "w" not in run.letters:
             assert run.out == runs[0].out, f"-{run.letters} changes what is printed"
-    listings = {run.listing for run in runs if run.listing and not set(run.letters) & set("Sw")}
+    plain = [run.outputs.listing for run in runs if not set(run.letters) & set("Sw")]
+    listings = {listing for listing in plain if listing}
     assert len(listings) <= 1, "-A changes the listing"
 
 
