@@ -7,11 +7,11 @@ changed and compares standard output, standard error, status and all files.
 import concurrent.futures
 import os
 import shutil
-import subprocess
 
 import pytest
 import variants
 from golden_case import find_cases
+from running import printed_by
 
 RUNNERS = 2
 CASES = find_cases()
@@ -83,13 +83,6 @@ def assert_same(first, second):
     assert not different, "\n".join(["these differ:", *different])
 
 
-def or_skip(make, *arguments):
-    try:
-        return make(*arguments)
-    except variants.Unavailable as lack:
-        pytest.skip(f"not possible on this machine: {lack}")
-
-
 def pytest_generate_tests(metafunc):
     if "variant" in metafunc.fixturenames:
         chosen = variants.FULL if metafunc.config.getoption("--all") else variants.SHORT
@@ -101,14 +94,14 @@ def test_two_runs_are_the_same(first, program, base):
 
 
 def test_builds_are_the_same(first, base, variant):
-    program = or_skip(variants.build, *variant)
+    program = variants.build(*variant)
     # --program is found by a path with directories, and so must this one be.
     assert_same(first, run_all(str(program), base, env=environment()))
 
 
 @pytest.mark.parametrize("name", ["C.UTF-8", OTHER_LOCALE])
 def test_locales_are_the_same(first, program, base, name):
-    locale = or_skip(variants.locale_environment, name)
+    locale = variants.locale_environment(name)
     assert_same(first, run_all(program, base, env=environment(**locale)))
 
 
@@ -130,11 +123,5 @@ def test_environment_and_time_leave_no_trace(first, program, base):
 
 def test_locale_has_other_rules():
     """Else the test with this locale would show nothing."""
-    locale = or_skip(variants.locale_environment, OTHER_LOCALE)
-    told = subprocess.run(
-        ["locale", "decimal_point"],
-        env=environment(**locale),
-        capture_output=True,
-        check=False,
-    )
-    assert told.stdout.strip() == b","
+    locale = variants.locale_environment(OTHER_LOCALE)
+    assert printed_by("locale", "decimal_point", env=environment(**locale)).strip() == ","
