@@ -21,10 +21,6 @@ EXCLUDED = {
     "ListItem *item = newlistitem.get();",
     "lists.cursor = nullptr;",
     "startptr->cursor = startptr->first.get();",
-    # Run by the compiler alone.
-    ": tail(row_tail), opcode(row_opcode), mode_mask(row_mode_mask), coder(row_coder) {",
-    "for (std::size_t i = 0; row_tail != nullptr && row_tail[i] != '\\0'; ++i) {",
-    "key |= static_cast<std::uint32_t>(row_tail[i]) << 8 * i;",
 }
 
 UNREACHED = re.compile(r"^ *(\d+)\| +0\|(.*)$")

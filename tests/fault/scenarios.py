@@ -1,6 +1,7 @@
 """The runs that faults are injected into: golden cases, some with old outputs or from a pipe, and
 runs made here for what no golden case holds."""
 
+import dataclasses
 import os
 
 from golden_case import GoldenCase
@@ -8,20 +9,20 @@ from golden_case import GoldenCase
 OLD_OUTPUT = b"old\n"
 
 
+@dataclasses.dataclass
 class Scenario:
     """What a run begins with: files, links and directories, arguments and standard input."""
 
-    def __init__(self, identifier, files, arguments, source, **more):
-        self.identifier = identifier
-        self.files = files
-        self.arguments = arguments
-        self.source = source  # as the command line names it
-        self.standard_input = more.get("standard_input")
-        self.links = more.get("links", {})
-        self.directories = more.get("directories", [])
-        self.with_old_outputs = more.get("with_old_outputs", False)
-        self.case = more.get("case")  # whose expectations hold
-        self.closed = more.get("closed", ())  # standard descriptors
+    identifier: str
+    files: dict
+    arguments: list
+    source: bytes  # as the command line names it
+    standard_input: bytes | None = None
+    links: dict = dataclasses.field(default_factory=dict)
+    directories: list = ()
+    with_old_outputs: bool = False
+    case: GoldenCase | None = None  # whose expectations hold
+    closed: tuple = ()  # standard descriptors
 
     def prepare(self, directory, old_outputs=()):
         for name in self.directories:

@@ -37,7 +37,7 @@ def memory_of_verilog(text):
 
 @of_each(find_subjects())
 def test_objcopy(subject, outputs, tmp_path):
-    (tmp_path / "in.s19").write_bytes(outputs.records(subject))
+    (tmp_path / "in.s19").write_bytes(outputs(subject)[subject.records_name])
     memory = subject.memory
     first, last = min(memory), max(memory)
     sparse = last - first >= LARGEST_IMAGE

@@ -32,7 +32,7 @@ def write_plain_records(path, content):
 
 @of_each(find_subjects())
 def test_srec_info(subject, outputs, tmp_path):
-    write_plain_records(tmp_path / "in.s19", outputs.records(subject))
+    write_plain_records(tmp_path / "in.s19", outputs(subject)[subject.records_name])
     process = running.run(tmp_path, "srec_info", "in.s19", text=True)
     assert process.returncode == 0, process.stderr
     entry = re.search(r"^Execution Start Address: ([0-9A-F]+)$", process.stdout, re.MULTILINE)
@@ -58,7 +58,7 @@ def memory_of_hex_dump(text):
 
 @of_each(find_subjects())
 def test_srec_cat(subject, outputs, tmp_path):
-    write_plain_records(tmp_path / "in.s19", outputs.records(subject))
+    write_plain_records(tmp_path / "in.s19", outputs(subject)[subject.records_name])
     # Where data overlap, srec_cat wants to be told that the later byte counts.
     process = running.run(tmp_path, "srec_cat", "-multiple", "in.s19", "-o", "-", "-hex-dump", text=True)
     assert process.returncode == 0, process.stderr

@@ -2,11 +2,8 @@
 
 A case is a source with its options and the other files of its directory. A seed and an index
 name one case, always the same one as long as the golden sources do not change.
-
-    python3 generate.py --seed S --index N DIRECTORY    writes the case and prints its arguments
 """
 
-import argparse
 import os
 import random
 from dataclasses import dataclass
@@ -159,20 +156,3 @@ def write_case(case, directory):
             continue
         with open(path, "wb") as stream:
             stream.write(data)
-
-
-def main():
-    parser = argparse.ArgumentParser(description="Write one random case into a directory.")
-    parser.add_argument("--seed", type=int, default=1)
-    parser.add_argument("--index", type=int, default=0)
-    parser.add_argument("directory")
-    arguments = parser.parse_args()
-    case = Generator(arguments.seed).case(arguments.index)
-    directory = os.path.abspath(os.fsencode(arguments.directory))
-    os.makedirs(directory, exist_ok=True)
-    write_case(case, directory)
-    print(*(repr(word)[1:] for word in case.argv(directory)))
-
-
-if __name__ == "__main__":
-    main()
