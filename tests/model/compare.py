@@ -11,10 +11,12 @@ import argparse
 import contextlib
 import multiprocessing
 import os
+import pathlib
 import re
 import resource
 import shutil
 import signal
+import subprocess
 import sys
 import tempfile
 import traceback
@@ -66,37 +68,27 @@ class Bench:
 
     def __init__(self, program, base):
         self.program = program
-        self.base = os.fsencode(tempfile.mkdtemp(prefix="bench", dir=base))
-        self.directory = os.path.join(self.base, b"w")
-        os.mkdir(self.directory)
+        self.directory = os.fsencode(tempfile.mkdtemp(prefix="bench", dir=base))
         os.chdir(self.directory)
-        self.out = os.open(os.path.join(self.base, b"out"), os.O_RDWR | os.O_CREAT)
-        self.err = os.open(os.path.join(self.base, b"err"), os.O_RDWR | os.O_CREAT)
 
     def program_outcome(self, case):
         write_case(case, self.directory)
-        for stream in (self.out, self.err):
-            os.ftruncate(stream, 0)
-            os.lseek(stream, 0, os.SEEK_SET)
-        actions = [(os.POSIX_SPAWN_DUP2, self.out, 1), (os.POSIX_SPAWN_DUP2, self.err, 2)]
-        child = os.posix_spawn(self.program, case.argv(self.directory), os.environ,
-                               file_actions=actions)
-        status = wait_for(child)
-        return Outcome(status, content(self.out), self.take_files(), content(self.err))
+        try:
+            process = subprocess.run(case.argv(self.directory), executable=self.program,
+                                     stdin=subprocess.DEVNULL, capture_output=True,
+                                     timeout=SECONDS_A_RUN, check=False)
+        except subprocess.TimeoutExpired:
+            return Outcome(-signal.SIGKILL, b"", self.take_files())
+        return Outcome(process.returncode, process.stdout, self.take_files(), process.stderr)
 
-    def take_files(self, below=b""):
-        """Read and remove every file; directories that are left empty go too."""
-        files = {}
-        with os.scandir(os.path.join(self.directory, below)) as entries:
-            for entry in list(entries):
-                name = os.path.join(below, entry.name)
-                if entry.is_dir(follow_symlinks=False):
-                    files.update(self.take_files(name))
-                    os.rmdir(entry.path)
-                    continue
-                with open(entry.path, "rb") as stream:
-                    files[name] = stream.read()
-                os.unlink(entry.path)
+    def take_files(self):
+        """What the directory holds; it is empty then."""
+        paths = pathlib.Path(os.fsdecode(self.directory)).rglob("*")
+        files = {os.path.relpath(os.fsencode(path), self.directory): path.read_bytes()
+                 for path in paths if path.is_file()}
+        shutil.rmtree(self.directory)
+        os.mkdir(self.directory)
+        os.chdir(self.directory)
         return files
 
     def model_outcome(self, case):
@@ -123,22 +115,6 @@ class Bench:
             return {}
         return {name: (program.get(name), model.get(name)) for name in {**program, **model}
                 if program.get(name) != model.get(name)}
-
-
-def wait_for(child):
-    """The exit status of a process, negative for a signal. One that does not end is killed."""
-    def kill(*_):
-        os.kill(child, signal.SIGKILL)
-
-    signal.signal(signal.SIGALRM, kill)
-    signal.setitimer(signal.ITIMER_REAL, SECONDS_A_RUN)
-    _, status = os.waitpid(child, 0)
-    signal.setitimer(signal.ITIMER_REAL, 0)
-    return os.waitstatus_to_exitcode(status)
-
-
-def content(stream):
-    return os.pread(stream, os.fstat(stream).st_size, 0)
 
 
 # Kinds of differences
