@@ -160,7 +160,8 @@ void do_ifndef() {
     }
 }
 
-// True when a branch word belongs to a conditional that was opened inside a skipped region.
+// True when a branch word belongs to a conditional that was opened inside a skipped region:
+// whatever its branches would be, none is taken.
 bool is_inside_skipped() { return skipping != 0 && skipping < ifdepth; }
 
 void do_elif() {
@@ -196,7 +197,7 @@ void do_else() {
     if (satisfied() == kElseSeen) {
         Error("#else after #else");
     }
-    // A second "#else" skips, whatever the first has done.
+    // A second "#else" skips, whatever the first has done: after it, a branch counts as taken.
     skipping = satisfied() != kNoBranchTaken ? ifdepth : 0;
     satisfied() = kElseSeen;
 }

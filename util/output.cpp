@@ -20,6 +20,7 @@ bool OutputFile::create() {
     return is_open();
 }
 
+// The guard's answer is about the descriptor before, so it has to ask anew.
 void OutputFile::attach(int descriptor, TerminalGuard *guard) {
     close();
     failed_ = false;

@@ -1,5 +1,8 @@
 // Paths are taken apart and put together as text; nothing here asks the file system but for the
 // working directory. So a link in a path is not followed, and ".." takes back the name before it.
+//
+// The rules of canonical paths know the backslash as the separator, and drives and servers as
+// roots. A path of this system is turned into that form, made canonical there and turned back.
 #include "util/path.h"
 
 #include "util/text.h"

@@ -54,6 +54,8 @@ void catch_signal(int signal) {
     }
 }
 
+// Once in a process. Those for which nothing can be done, SIGKILL among them, refuse to be caught,
+// and so do those that the system keeps for itself; both is left at that.
 void catch_ending_signals() {
     static bool caught = false;
     for (int signal = 1; !caught && signal <= SIGRTMAX; ++signal) {
@@ -101,7 +103,8 @@ bool copy_bytes(int from, int to) {
     }
 }
 
-// Copies into a file that exists.
+// Copies into a file that exists, so that it stays the same file, with its owner, mode and names.
+// Only its closing says whether all has been written.
 bool copy_into(const char *from, const char *to) {
     const int source = ::open(from, O_RDONLY | O_CLOEXEC);
     if (source < 0) {
