@@ -126,7 +126,7 @@ void end_listing() {
     }
 }
 
-void as_write_listline(bool is_skipped) {
+void write_wanted_line(bool is_skipped) {
     if (O_symdebug != 0 && isinstruction != 0 && O_compiler_generated_input == 0) {
         asm_write_sd_exec(Line_no, 1, listLC);
     }

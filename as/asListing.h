@@ -5,6 +5,8 @@
 // line is listed when it has been assembled.
 #pragma once
 
+#include "as/asOptions.h"
+
 #include <string>
 
 // ---- State owned here ----
@@ -17,9 +19,16 @@ extern int uncond_listing_on; // skipped lines are listed too; reset at each pas
 // Writes the head, which names the listing, and switches the listing on.
 void begin_listing(const std::string &name);
 
+// Lists the current line, of which a listing or records for the debugger are wanted.
+void write_wanted_line(bool is_skipped);
+
 // Lists the current line and, with -g, records an instruction for the debugger. A line that
 // conditional assembly skips is listed only where that has been switched on.
-void as_write_listline(bool is_skipped);
+inline void as_write_listline(bool is_skipped) {
+    if (O_list != 0 || O_symdebug != 0) {
+        write_wanted_line(is_skipped);
+    }
+}
 
 // Writes the number of errors, when there are any.
 void end_listing();

@@ -27,6 +27,7 @@
 #include <csignal>
 #include <new>
 #include <string>
+#include <string_view>
 
 namespace {
 
@@ -53,10 +54,11 @@ void initpass1(int pass) {
 // What pass 0 has no use for, because it looks for constants and conditional words only: empty
 // lines, comments, and lines that begin with a blank and a word. A piece without a line feed may be
 // followed by blanks without end, so it is read.
-bool has_no_constant(const char *text, std::size_t size) {
-    const bool is_operation = *text == ' ' && text[size - 1] == '\n' &&
-                              has_class(*skip_blanks_and_tabs(text), kClassLetter);
-    return is_operation || *text == ';' || *text == '\n';
+bool has_no_constant(std::string_view line) {
+    const char first = line.front();
+    const bool is_operation = first == ' ' && line.back() == '\n' &&
+                              has_class(*skip_blanks_and_tabs(line.data()), kClassLetter);
+    return is_operation || first == ';' || first == '\n';
 }
 
 // The next line for pass 0. The others are counted instead of read, since most lines are
@@ -64,7 +66,11 @@ bool has_no_constant(const char *text, std::size_t size) {
 // words may begin with a letter in the other dialects only.
 int next_line_with_constant() {
     if (O_directive_style_native == 0 && O_directive_style_gnu == 0) {
-        skip_source_lines(has_no_constant);
+        std::string_view line = next_source_line();
+        while (!line.empty() && has_no_constant(line)) {
+            skip_source_line(line.size());
+            line = next_source_line();
+        }
     }
     return as_read_line();
 }

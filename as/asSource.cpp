@@ -312,20 +312,17 @@ bool read_source_line() {
     return true;
 }
 
-void skip_source_lines(LineTest is_skipped) {
+std::string_view next_source_line() {
     if (file_being_read == nullptr || endflag != 0) {
-        return;
+        return {};
     }
-    FileEntry &file = *file_being_read;
-    while (true) {
-        const char *start = &file.text->data[file.position];
-        const std::size_t size = piece_size(file);
-        if (size == 0 || !is_skipped(start, size)) {
-            return;
-        }
-        count_line();
-        file.position += size;
-    }
+    const FileEntry &file = *file_being_read;
+    return {&file.text->data[file.position], piece_size(file)};
+}
+
+void skip_source_line(std::size_t size) {
+    file_being_read->position += size;
+    count_line();
 }
 
 // ---- Directories ----

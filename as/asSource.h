@@ -11,6 +11,7 @@
 
 #include <cstddef>
 #include <string>
+#include <string_view>
 #include <vector>
 
 // Longer lines, newline included, draw a warning.
@@ -58,12 +59,12 @@ int pop_source();
 // of the main file. The state of the line is as_read_line's to reset.
 bool read_source_line();
 
-// Whether a line is of no use to a pass. The text holds the size characters of the line, its line
-// feed included where it has one, and what follows it in the file.
-using LineTest = bool (*)(const char *text, std::size_t size);
+// The text of the line that comes next in the current file, its line feed included where it has
+// one; empty at the file's end and after an END. It can be read on for kFileGuard bytes.
+std::string_view next_source_line();
 
-// Counts the lines that come next without reading them, up to the first that is of use.
-void skip_source_lines(LineTest is_skipped);
+// Counts that line of size bytes without reading it.
+void skip_source_line(std::size_t size);
 
 // The module's directories, or null when empty.
 const char *GetAsmStartDirectory();

@@ -31,9 +31,16 @@ std::size_t address_width(std::uint32_t address) {
     return address >> 24U != 0 ? 4 : address >> 16U != 0 ? 3 : 2;
 }
 
-void start_next_record() {
+// Not inlined, as the next one: rare, while the way of a byte is short.
+[[gnu::noinline]] void start_next_record() {
     putout1();
     outrecinit(record_type, LC);
+}
+
+[[gnu::noinline]] void hand_to_byte_writers(std::uint32_t value) {
+    for (const ByteWriter writer : byte_writers) {
+        writer(value);
+    }
 }
 
 // Adds a byte to the record and to the formats that take bytes, and advances the location counter.
@@ -45,8 +52,8 @@ void emit_byte(std::uint32_t value) {
     // Quirk (beyond-ff): nothing ends at FF; S-records show the whole address, listing and script
     // its low byte.
     ++LC;
-    for (const ByteWriter writer : byte_writers) {
-        writer(value);
+    if (!byte_writers.empty()) {
+        hand_to_byte_writers(value);
     }
 }
 

@@ -631,49 +631,54 @@ TEST_F(Source, RestOfALineBeyond4095CharactersComesAsTheNextLine) {
 
 // ---- Lines that are only counted ----
 
-bool is_comment(const char *text, std::size_t /*size*/) { return *text == ';'; }
+void skip_comments() {
+    std::string_view line = next_source_line();
+    while (!line.empty() && line.front() == ';') {
+        skip_source_line(line.size());
+        line = next_source_line();
+    }
+}
 
 TEST_F(Source, SkippedLinesAreCountedUpToTheFirstThatIsOfUse) {
     open_source_file("t.szirpa", ";1\n;2\nA EQU 1\n;4\n");
-    skip_source_lines(is_comment);
+    skip_comments();
     EXPECT_EQ(Line_no, 2);
     EXPECT_EQ(realline, 2);
     EXPECT_EQ(listline, 2);
     EXPECT_EQ(as_read_line(), 1);
     EXPECT_EQ(line_text(), "A EQU 1\n");
-    skip_source_lines(is_comment);
+    skip_comments();
     EXPECT_EQ(Line_no, 4);
     EXPECT_EQ(as_read_line(), 0);
 }
 
-TEST_F(Source, TestOfALineIsGivenItsSizeWithTheLineFeed) {
-    static std::vector<std::size_t> sizes;
-    sizes.clear();
+TEST_F(Source, TheLineThatComesNextIsSeenWithItsLineFeed) {
     open_source_file("t.szirpa", "\n12\n1234");
-    skip_source_lines([](const char *, std::size_t size) {
-        sizes.push_back(size);
-        return true;
-    });
-    EXPECT_EQ(sizes, (std::vector<std::size_t>{1, 3, 4}));
+    for (const std::string_view line : {"\n", "12\n", "1234"}) {
+        EXPECT_EQ(next_source_line(), line);
+        skip_source_line(line.size());
+    }
+    EXPECT_EQ(next_source_line(), "");
+    EXPECT_EQ(Line_no, 3);
 }
 
 TEST_F(Source, TheRestOfALongLineIsALineOfItsOwn) {
     open_source_file("t.szirpa", ";" + std::string(4094, 'x') + "A EQU 1\n; the last");
-    skip_source_lines(is_comment);
+    skip_comments();
     EXPECT_EQ(Line_no, 1);
     EXPECT_EQ(as_read_line(), 1);
     EXPECT_EQ(Line.view(), "A EQU 1\n");
-    skip_source_lines(is_comment);
+    skip_comments();
     EXPECT_EQ(Line_no, 3);
     EXPECT_EQ(as_read_line(), 0);
 }
 
 TEST_F(Source, NothingIsCountedOutsideASourceAndAfterItsEnd) {
-    skip_source_lines(is_comment);
+    skip_comments();
     EXPECT_EQ(Line_no, 0);
     open_source_file("t.szirpa", ";\n;\n");
     endflag = 1;
-    skip_source_lines(is_comment);
+    skip_comments();
     EXPECT_EQ(Line_no, 0);
 }
 
