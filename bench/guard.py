@@ -23,8 +23,8 @@ OPTIONS = ["-L", "-S", "-g"]
 
 
 def count(program, directory):
-    generate.write(directory, ["guard"])
-    return callgrind.instructions([program, *OPTIONS, "guard.szirpa"], directory)
+    generate.write(directory, ["guard-large"])
+    return callgrind.instructions([program, *OPTIONS, "guard-large.szirpa"], directory)
 
 
 def verdict(counted, stored):
