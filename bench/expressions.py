@@ -81,14 +81,17 @@ def group_places(signs, is_byte):
 class ExpressionLines:
     """Data, operands and constants, each an expression of 5 to 10 operators."""
 
-    # Forms and their shares, and the share of their names that are defined further down: constants
-    # and offsets need their value at once in some of the languages.
-    FORMS = {"constant": (1, 0), "bytes": (3, 0.48), "immediate": (4, 0.48), "direct x": (2, 0)}
+    # In a hundred.
+    FORMS = {"constant": 1, "bytes": 32, "immediate": 45, "direct x": 22}
+    # Constants and offsets need their value at once in some of the languages, the others may name
+    # what is defined further down.
+    LATE_FORMS = ("bytes", "immediate")
 
-    def __init__(self, rng, names):
+    def __init__(self, rng, names, ahead):
         self.rng = rng
         self.expressions = Expressions(rng)
-        self.ahead = [f"{rng.choice(WORDS)}_{i + 1000}" for i in range(names)]
+        self.share_ahead = ahead * 100 / sum(self.FORMS[form] for form in self.LATE_FORMS)
+        self.ahead = [f"{rng.choice(WORDS)}_{i + 100}" for i in range(names)]
         self.known = []
 
     def define(self, count):
@@ -109,12 +112,12 @@ class ExpressionLines:
         return ("instruction", "", row, (form, value), "")
 
     def expression(self, form):
+        share_ahead = self.share_ahead if form in self.LATE_FORMS else 0
+
         def atom():
-            kind = self.rng.random()
-            if kind < 0.5:
+            if self.rng.random() < 0.5:
                 return self.expressions.number(99)
-            ahead = (1 - kind) * 2 < self.FORMS[form][1]
-            return self.rng.choice(self.ahead if ahead else self.known)
+            return self.rng.choice(self.ahead if self.rng.random() < share_ahead else self.known)
 
         grouped = self.rng.random() < 1 / 3
         value = self.expressions.draw(self.rng.randint(5, 10), grouped, atom)
@@ -122,14 +125,15 @@ class ExpressionLines:
         return self.expression(form) if form == "direct x" and "(" in value[:2] else value
 
 
-def expressions(rng, lines):
-    """Lines of expressions, among them the constants that they name, and some more at the end."""
-    drawn = ExpressionLines(rng, 4000)
+def expressions(rng, lines, ahead):
+    """Lines of expressions among the constants that they name; a share of these is yet to come."""
+    drawn = ExpressionLines(rng, 600, ahead)
     yield ("title", "Expressions as people fear them")
-    yield from drawn.define(1000)
+    yield from drawn.define(200)
     for i in range(0, lines, 100):
         yield ("origin", ("page", 0x10))
-        yield from drawn.define(200_000 // lines)
+        if i % (lines // 10) == 0:
+            yield from drawn.define(20)
         yield from (drawn.line(i + j) for j in range(100))
-    yield from drawn.define(4000)
+    yield from drawn.define(200)
     yield ("end", "")

@@ -17,6 +17,7 @@ from expressions import expressions
 from languages import ACME, DASM, GNU, TASS64, ZIRPA
 from large import FIRST_NUMBER, WORDS, large
 
+HERE = pathlib.Path(__file__).resolve().parent
 SEED = 20240229
 
 
@@ -73,25 +74,30 @@ WORKLOADS = {
     "large-100k": (lambda rng: large(rng, 100_000), LARGE_PEERS),
     "sparse-100k": (lambda rng: large(rng, 100_000, FEW_NAMES), ()),
     "sparse-1M": (lambda rng: large(rng, 1_000_000, FEW_NAMES), ()),
-    "symbols-4000": (lambda rng: symbols(rng, 4_000, 20_513), ()),
     "symbols": (lambda rng: symbols(rng, 39_000, 200_000), PEERS),
-    "expressions": (lambda rng: expressions(rng, 100_000), PEERS),
+    "expressions": (lambda rng: expressions(rng, 100_000, 1 / 3), PEERS),
+    "expressions-known": (lambda rng: expressions(rng, 100_000, 0), PEERS),
     "data": (lambda rng: data(rng, 100_000), PEERS),
     "guard-large": (lambda rng: large(rng, 2_000), ()),
-    "guard-expressions": (lambda rng: expressions(rng, 1_000), ()),
+    "guard-expressions": (lambda rng: expressions(rng, 1_000, 1 / 3), ()),
     "guard-data": (lambda rng: data(rng, 500), ()),
 }
 
 
+def write_languages(directory, name, statements, languages):
+    """One file for each language, which says so in its suffix."""
+    statements = list(statements)
+    for language in languages:
+        path = directory / f"{name}.{language.suffix}"
+        path.write_text("".join(f"{language.line(statement)}\n" for statement in statements))
+
+
 def write(directory, names, seed=SEED):
-    """Writes the named workloads into a directory, one file for each language."""
+    """Writes the named workloads into a directory."""
     directory.mkdir(parents=True, exist_ok=True)
     for name in names:
         draw, peers = WORKLOADS[name]
-        statements = list(draw(random.Random(f"{name} {seed}")))
-        for language in (ZIRPA, *peers):
-            path = directory / f"{name}.{language.suffix}"
-            path.write_text("".join(f"{language.line(s)}\n" for s in statements))
+        write_languages(directory, name, draw(random.Random(f"{name} {seed}")), (ZIRPA, *peers))
 
 
 def main():

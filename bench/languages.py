@@ -158,7 +158,7 @@ DASM = Language(
 )  # fmt: skip
 # The GNU assembler can't go back to an address: a block begins at the next page.
 GNU = Language(
-    "s", 2, {"bytes": ".byte", "address": ".2byte", "text": ".ascii"},
+    "gnu", 2, {"bytes": ".byte", "address": ".2byte", "text": ".ascii"},
     {**DOTTED_CONDITIONS, "origin": "            .p2align 8",
      "constant": "            .equ    {},{}", "define": "            .equ    {},1",
      "ifdef": ".ifdef {}", "ifndef": ".ifndef {}"},
