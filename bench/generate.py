@@ -67,11 +67,10 @@ def data(rng, rows):
 # hundred thousand lines that have as few.
 FEW_NAMES = 0.86
 
-LARGE_PEERS = (TASS64, ACME, GNU)
 PEERS = (TASS64, ACME, DASM, GNU)
 # What draws a workload, and the languages that it is written in.
 WORKLOADS = {
-    "large-100k": (lambda rng: large(rng, 100_000), LARGE_PEERS),
+    "large-100k": (lambda rng: large(rng, 100_000), PEERS),
     "sparse-100k": (lambda rng: large(rng, 100_000, FEW_NAMES), ()),
     "sparse-1M": (lambda rng: large(rng, 1_000_000, FEW_NAMES), ()),
     "symbols": (lambda rng: symbols(rng, 39_000, 200_000), PEERS),

@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
-"""Fails when the program takes noticeably more instructions or mispredicted branches than it used to.
+"""Fails when the program takes noticeably more instructions or mispredictions than it used to.
 
     bench/guard.py [--program PATH] [--store]
 
-Counts them for three small workloads and compares the counts with those in guard.json. Where valgrind
-can't run, nothing is compared.
+Counts them for three small workloads and compares the counts with those in guard.json. Where
+valgrind can't run, nothing is compared.
 """
 
 import argparse

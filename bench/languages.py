@@ -146,13 +146,14 @@ ACME = Language(
      "end": "!eof"},
     MOS_FORMS, operators={"^": " XOR "}, sizes={"direct": "+1", "direct x": "+1"},
 )  # fmt: skip
-# dasm never takes such a name for a byte. In its operands parentheses stand for indirection, and
-# after some operators % for a remainder, so that binary numbers are octal ones of the same length.
+# dasm reports such a name as too large for a byte, so it has two. In its operands parentheses stand
+# for indirection, and after some operators % for a remainder, so that binary numbers are octal ones
+# of the same length.
 DASM = Language(
     "dasm", 1, {"bytes": "dc.b", "address": "dc.b", "text": "dc.b"},
     {**MOS_LINES, "title": " processor 6502 ; {}", "origin": "            org     {}",
-     "ifdef": " ifconst {}",
-     "ifndef": " ifnconst {}", "if": " if {}", "else": " else", "endif": " endif", "end": " end"},
+     "ifdef": " ifconst {}", "ifndef": " ifnconst {}", "if": " if {}", "else": " else",
+     "endif": " endif", "end": " end"},
     MOS_FORMS, sizes={"direct": ".w"}, operators={"(": "[", ")": "]"},
     notations={"binary": "{:09o}".format, "character": lambda number: f"'{chr(number)}"},
 )  # fmt: skip

@@ -28,9 +28,10 @@ PEERS = {
     "dasm": "dasm {}.dasm -f2 -odasm.bin",
     "gnu": "m68hc11-as -o gnu.o {}.gnu",
 }
-# The listing without the disassembled code, which has no counterpart here.
+# All lines as here, without the disassembled code, which has no counterpart; and the names.
 TASS_LISTED = "64tass with listing"
-LISTED_PEERS = {TASS_LISTED: f"{PEERS['64tass']} --no-monitor --list=64tass.lst"}
+LISTING = "--verbose-list --no-monitor --list=64tass.lst --labels=64tass.lbl"
+LISTED_PEERS = {TASS_LISTED: f"{PEERS['64tass']} {LISTING}"}
 
 
 @dataclasses.dataclass(frozen=True)

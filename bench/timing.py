@@ -1,7 +1,7 @@
 """Times of commands that take turns.
 
-A busy machine only ever adds to a time, so the smallest of many rounds counts, and a ratio is one of
-smallest times.
+A busy machine only ever adds to a time, so the smallest of many rounds counts, and a ratio is one
+of smallest times.
 """
 
 import contextlib

@@ -4,6 +4,7 @@ The processors have different codes, so those of instructions are left out. GNU 
 on a page of its own, acme keeps the last block only.
 """
 
+import itertools
 import random
 import re
 import shutil
@@ -23,9 +24,9 @@ DRAWN = {
     "data": lambda rng: generate.data(rng, 200),
     "symbols": lambda rng: generate.symbols(rng, 800, 4000),
 }
-# Names are longer in their codes: addresses of two bytes.
+# Some have addresses of two bytes.
 OTHER_SIZES = {("symbols", "dasm"), ("symbols", "gnu")}
-CASES = [(name, peer) for name in DRAWN for peer in measure.PEERS if (name, peer) not in OTHER_SIZES]
+CASES = [case for case in itertools.product(DRAWN, measure.PEERS) if case not in OTHER_SIZES]
 
 
 def statements(name, seed):
