@@ -56,8 +56,8 @@ void count_forward_reference(Symbol *symbol) {
 
 } // namespace
 
-std::int64_t symbol_value(Symbol *symbol, OperandRecord *operand) {
-    note_reference(*symbol);
+std::int64_t symbol_value(std::string_view name, Symbol *symbol, OperandRecord *operand) {
+    note_reference(name, *symbol);
     count_forward_reference(symbol);
     if (operand != nullptr) {
         note_symbol(*operand, symbol);
@@ -66,5 +66,5 @@ std::int64_t symbol_value(Symbol *symbol, OperandRecord *operand) {
 }
 
 std::int64_t name_value(std::string_view name, OperandRecord *operand) {
-    return symbol_value(lookup(name), operand);
+    return symbol_value(name, lookup(name), operand);
 }

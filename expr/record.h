@@ -49,4 +49,4 @@ void note_symbol(OperandRecord &operand, Symbol *symbol);
 std::int64_t name_value(std::string_view name, OperandRecord *operand);
 
 // The same for a symbol that has been found already.
-std::int64_t symbol_value(Symbol *symbol, OperandRecord *operand);
+std::int64_t symbol_value(std::string_view name, Symbol *symbol, OperandRecord *operand);

@@ -22,12 +22,17 @@ namespace {
 constexpr int kDeepest = 20;
 constexpr std::size_t kMostNames = 20;
 
+struct FoundName {
+    std::string_view name;
+    Symbol *symbol;
+};
+
 struct Reader {
     const char *p;
     bool is_usual = true;
     int depth = 0; // functions that wait for a product on their right
     std::size_t names = 0;
-    std::array<Symbol *, kMostNames> symbols;
+    std::array<FoundName, kMostNames> found_names;
 };
 
 std::int64_t read_expression(Reader &reader, ScannedToken first);
@@ -43,7 +48,7 @@ std::int64_t read_name(Reader &reader, std::string_view name) {
     if (symbol == nullptr || symbol->flags == SYM_UNDEFINED || reader.names == kMostNames) {
         return give_up(reader);
     }
-    reader.symbols[reader.names++] = symbol;
+    reader.found_names[reader.names++] = {name, symbol};
     return symbol->value;
 }
 
@@ -130,7 +135,8 @@ std::int64_t lone_value(ScannedToken token, OperandRecord *operand) {
 
 void note_names(const Reader &reader, OperandRecord *operand) {
     for (std::size_t i = 0; i < reader.names; ++i) {
-        (void)symbol_value(reader.symbols[i], operand);
+        const FoundName &found = reader.found_names[i];
+        (void)symbol_value(found.name, found.symbol, operand);
     }
 }
 

@@ -118,11 +118,11 @@ Symbol *lookup(std::string_view name) {
 // definition yet; in the final pass all have one, and it is a name that is defined further down.
 Symbol *refsym(std::string_view name) {
     Symbol *symbol = lookup(name);
-    note_reference(*symbol);
+    note_reference(name, *symbol);
     return symbol;
 }
 
-void note_reference(Symbol &symbol) {
+void note_reference(std::string_view /*name*/, Symbol &symbol) {
     if (Pass2 != 0) {
         if (symbol.definition_line > realline) {
             forwardref = 1;

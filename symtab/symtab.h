@@ -60,8 +60,8 @@ Symbol *lookup(std::string_view name);
 // As lookup, for a reference from an expression: notes forward references.
 Symbol *refsym(std::string_view name);
 
-// The part of refsym after the look-up.
-void note_reference(Symbol &symbol);
+// The part of refsym after the look-up; the name is that in the text.
+void note_reference(std::string_view name, Symbol &symbol);
 
 // Defines a name as valid_sym reads it; the final pass compares instead, and with check set reports
 // a value that has moved. Returns the record.
