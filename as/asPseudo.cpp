@@ -31,7 +31,7 @@ constexpr DirectiveEntry pseudo_zirpa[] = {
     {"fcb",     DIR_BYTES,   0, do_define_data},
     {"fcs",     DIR_STRING,  0, [] { return do_define_characters('"', 0); }},
     {"end",     DIR_END,     0, DoEnd},
-    {nullptr,   DIR_NONE,    0, nullptr},
+    {"",        DIR_NONE,    0, nullptr},
 };
 
 // Quirk (two-hashes): the first word holds its hash sign, so that the if with an expression is
@@ -45,7 +45,7 @@ constexpr DirectiveEntry macro_pure[] = {
     {"error",   DIR_ERROR,       0, nullptr},
     {"ifdef",   DIR_IFDEF,       0, nullptr},
     {"ifndef",  DIR_IFNDEF,      0, nullptr},
-    {nullptr,   DIR_NONE,        0, nullptr},
+    {"",        DIR_NONE,        0, nullptr},
 };
 
 constexpr DirectiveEntry macro_native[] = {
@@ -56,7 +56,7 @@ constexpr DirectiveEntry macro_native[] = {
     {".ifdef",  DIR_IFDEF,  0, nullptr},
     {".ifndef", DIR_IFNDEF, 0, nullptr},
     {".error",  DIR_ERROR,  0, nullptr},
-    {nullptr,   DIR_NONE,   0, nullptr},
+    {"",        DIR_NONE,   0, nullptr},
 };
 // clang-format on
 

@@ -7,11 +7,15 @@
 
 #include "as/asOptions.h"
 
+#include <cstddef>
 #include <cstdint>
+
+// Longest word of a directive, in characters.
+inline constexpr std::size_t kDirectiveLimit = 7;
 
 // A row of a directive table; one without a name ends a table.
 struct DirectiveEntry {
-    const char *name; // lower case
+    char name[kDirectiveLimit + 1]; // lower case; a pointer would be relocated at each start
     std::uint32_t token;
     std::int32_t reserved; // 0
     int (*handler)();      // with the scan position at the operand; null for conditional words

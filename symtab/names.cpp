@@ -232,6 +232,16 @@ inline Symbol *find(const Key &key) {
     return nullptr;
 }
 
+bool chains_are_linked = false;
+
+// A run that prints no table touches no chain.
+void unlink_chains() {
+    if (chains_are_linked) {
+        symheads.fill({});
+        chains_are_linked = false;
+    }
+}
+
 // Printed tables depend on this sum, which is all that it is good for: names of one program often
 // share it.
 std::size_t chain_of(std::string_view name) {
@@ -265,12 +275,13 @@ EnteredName enter_name(std::string_view name) {
 }
 
 void link_chains() {
-    symheads.fill({});
+    unlink_chains();
     for (const std::vector<Symbol> &block : symlistptr) {
         for (const Symbol &symbol : block) {
             symheads[chain_of(symbol.name_view())].push_back(&symbol);
         }
     }
+    chains_are_linked = true;
 }
 
 void init_as_symbol_table() {
@@ -281,7 +292,7 @@ void init_as_symbol_table() {
 }
 
 void closesym() {
-    symheads.fill({});
+    unlink_chains();
     symlistptr.clear();
     symlistcnt = 0;
     symcnt = 0;

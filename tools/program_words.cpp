@@ -140,7 +140,7 @@ void print_instructions() {
 
 Words words_of(const DirectiveEntry *table) {
     Words words;
-    for (const DirectiveEntry *entry = table; entry->name != nullptr; ++entry) {
+    for (const DirectiveEntry *entry = table; *entry->name != '\0'; ++entry) {
         words.emplace_back(entry->name);
     }
     return words;

@@ -20,7 +20,7 @@ using Words = std::vector<std::pair<std::string, std::uint32_t>>;
 
 Words rows(const DirectiveEntry *table) {
     Words words;
-    for (; table->name != nullptr; ++table) {
+    for (; *table->name != '\0'; ++table) {
         EXPECT_EQ(table->reserved, 0) << table->name;
         words.emplace_back(table->name, table->token);
     }
