@@ -12,6 +12,8 @@
 #include "target/srecord.h"
 #include "util/format.h"
 
+#include <algorithm>
+#include <charconv>
 #include <initializer_list>
 #include <vector>
 
@@ -43,7 +45,7 @@ bool fits_the_others() {
     return instructions_file == current_file_index() && instructions_segment == current_seg;
 }
 
-// Hands the records over as text, piece by piece.
+// Hands the records over as text, one by one.
 template <typename Put> void put_instructions(Put put) {
     if (instructions.empty()) {
         return;
@@ -51,14 +53,17 @@ template <typename Put> void put_instructions(Put put) {
     const std::string head = "SY:C:X:" + getCurrentFileInfo(instructions_file)->name + ":";
     const std::string middle =
         ":1:" + (instructions_segment == nullptr ? "" : instructions_segment->name) + ":";
+    // All records begin alike, so the text of one is changed into that of the next.
+    std::vector<char> text(head.size() + middle.size() + 2 * NumberText().size() + 1);
+    char *number = std::copy(head.begin(), head.end(), text.data());
     for (const InstructionRecord &record : instructions) {
-        NumberText line;
         NumberText address;
-        put(head);
-        put(decimal_text(line, record.line));
-        put(middle);
-        put(hex_text(address, record.address, 1));
-        put("\n");
+        const std::string_view digits = hex_text(address, record.address, 1);
+        char *end = std::to_chars(number, text.data() + text.size(), record.line).ptr;
+        end = std::copy(middle.begin(), middle.end(), end);
+        end = std::copy(digits.begin(), digits.end(), end);
+        *end++ = '\n';
+        put(text_between(text.data(), end));
     }
     instructions.clear();
 }

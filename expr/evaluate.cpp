@@ -20,8 +20,8 @@
 #include "util/text.h"
 #include "util/wrap.h"
 
-#include <array>
 #include <optional>
+#include <vector>
 
 int status = 0;
 int offset = 0;
@@ -39,9 +39,8 @@ struct Step {
 };
 
 // Steps that wait for a nested one, outermost first. They stand here instead of on the machine's
-// stack, so that no nesting can exhaust it. Each has taken a token, and a line has fewer tokens
-// than characters, its terminator included.
-std::array<Step, kLineReadLimit + 3> waiting_steps;
+// stack, so that no nesting can exhaust it.
+std::vector<Step> waiting_steps;
 
 // ---- Steps ----
 
@@ -200,22 +199,22 @@ int column_in_line(const char *text) { return static_cast<int>(text - Line_Ptr);
 std::int64_t p0(std::int64_t accumulated, int /*node_kind*/, int depth, int /*mode*/,
                 OperandRecord *operand) {
     Step step = {0, 1, accumulated, depth, 0};
-    std::size_t waiting = 0;
     while (true) {
         std::optional<std::int64_t> result = run_step(step, operand);
         if (!result) {
-            waiting_steps[waiting++] = step;
+            waiting_steps.push_back(step);
             step = {0, 1, 0, nested_depth(step), 0};
             continue;
         }
         // Hand the value to the waiting steps, as far as it completes them.
-        while (waiting > 0 && !wants_more(waiting_steps[waiting - 1])) {
-            result = complete(waiting_steps[--waiting], *result);
+        while (!waiting_steps.empty() && !wants_more(waiting_steps.back())) {
+            result = complete(waiting_steps.back(), *result);
+            waiting_steps.pop_back();
         }
-        if (waiting == 0) {
+        if (waiting_steps.empty()) {
             return *result;
         }
-        step = {0, 1, *result, nested_depth(waiting_steps[waiting - 1]), 0};
+        step = {0, 1, *result, nested_depth(waiting_steps.back()), 0};
     }
 }
 

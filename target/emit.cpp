@@ -44,7 +44,7 @@ std::size_t address_width(std::uint32_t address) {
 }
 
 // Adds a byte to the record and to the formats that take bytes, and advances the location counter.
-void emit_byte(std::uint32_t value) {
+inline void emit_byte(std::uint32_t value) {
     if (outrec.count == kRecordCapacity) {
         start_next_record();
     }
