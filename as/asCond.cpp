@@ -9,6 +9,7 @@
 #include "as/asListing.h"
 #include "as/asPlace.h"
 #include "as/asPseudo.h"
+#include "as/asWatch.h"
 #include "expr/evaluate.h"
 #include "symtab/symtab.h"
 #include "target/scan.h"
@@ -16,6 +17,7 @@
 #include "util/wrap.h"
 
 #include <cstring>
+#include <functional>
 #include <string_view>
 #include <vector>
 
@@ -105,6 +107,9 @@ Symbol *named_symbol() {
 // names undefined, as pass 0 has met them.
 bool name_is_defined() {
     const Symbol *symbol = named_symbol();
+    if (Pass2 != 0 && watcher != nullptr && symbol != nullptr) {
+        watcher->reference(ReferenceKind::kTest, words.first, *symbol);
+    }
     return symbol != nullptr && symbol->has(SYM_DEFINED);
 }
 
@@ -257,22 +262,15 @@ void do_define() {
     } else {
         make_defined(*symbol);
     }
+    if (Pass2 != 0 && watcher != nullptr) {
+        watcher->definition(DefinitionKind::kDefine, *symbol);
+    }
     if (symbol->has(SYM_MULTIPLE)) {
         check_duplicate(*symbol);
     }
 }
 
-} // namespace
-
-// Quirk (left-open): once in a run, so that what a pass leaves open goes on in the next.
-void init_as_conditional_handling() {
-    ifdepth = 0;
-    skipping = 0;
-    ifsatisfied.clear();
-}
-
-int DoCond(int token) {
-    read_words();
+int carry_out(int token) {
     switch (token) {
     case DIR_IF: do_if(); return 1;
     case DIR_IFDEF: do_ifdef(); return 1;
@@ -288,4 +286,29 @@ int DoCond(int token) {
         return 1;
     default: return 0;
     }
+}
+
+} // namespace
+
+// Quirk (left-open): once in a run, so that what a pass leaves open goes on in the next.
+void init_as_conditional_handling() {
+    ifdepth = 0;
+    skipping = 0;
+    ifsatisfied.clear();
+}
+
+int column_of_conditional_word(const char *position) {
+    const std::less<> is_before;
+    const bool is_in_copy = !is_before(position, words.text.data()) &&
+                            is_before(position, words.text.data() + words.text.size());
+    return is_in_copy ? words.column + static_cast<int>(position - words.text.data()) : -1;
+}
+
+int DoCond(int token) {
+    read_words();
+    const int result = carry_out(token);
+    if (watcher != nullptr) {
+        watcher->conditional(token);
+    }
+    return result;
 }

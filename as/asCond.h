@@ -26,5 +26,9 @@ void init_as_conditional_handling();
 // any other number.
 int DoCond(int token);
 
+// The 0-based column of a position in the copy of the conditional line that was read last; -1 for
+// any other position.
+int column_of_conditional_word(const char *position);
+
 // 1 while lines are assembled, 0 while they are skipped.
 inline int is_true_level() { return skipping == 0 ? 1 : 0; }

@@ -6,6 +6,7 @@
 #include "as/asOptions.h"
 #include "as/asPlace.h"
 #include "as/asStreams.h"
+#include "as/asWatch.h"
 
 #include <algorithm>
 #include <cstdio>
@@ -78,14 +79,21 @@ void report_warning(const char *text, const Place &place) {
 
 bool warnings_are_reported() { return O_warn > 0 && Pass2 != 0; }
 
-} // namespace
+bool warnings_are_told() { return watcher != nullptr && Pass2 != 0; }
 
-void Error(const char *text) {
+void tell(ReportKind kind, const char *format, const char *text, bool is_counted = true) {
+    if (watcher != nullptr) {
+        watcher->report(kind, format, text, is_counted);
+    }
+}
+
+void raise_error(const char *format, const char *text) {
     if (Pass2 != 0) {
         if (phase_error != 0) {
             // Quirk (second-phase-error): after the one that is reported, the next one leaves the
             // flag set, and every later error of the pass is swallowed here, uncounted.
             if (Phase_Error_Written != 0) {
+                tell(ReportKind::kError, format, text, false);
                 return;
             }
             Phase_Error_Written = 1;
@@ -93,11 +101,25 @@ void Error(const char *text) {
         }
         // Quirk (once-a-line): a plain error counts once a line, one with a value each time.
         if (LineError == 0) {
+            tell(ReportKind::kError, format, text);
             report_error(text);
         }
     }
     Line_Done = 1;
 }
+
+void raise_warning(const char *format, const char *text) {
+    if (Pass2 != 0) {
+        tell(ReportKind::kWarning, format, text);
+    }
+    if (warnings_are_reported()) {
+        report_warning(text, current_place());
+    }
+}
+
+} // namespace
+
+void Error(const char *text) { raise_error(text, text); }
 
 // A handler that reports and gives up does so in one statement.
 int fail(const char *text) {
@@ -112,22 +134,18 @@ void vpError(const char *format, ...) {
     va_end(values);
     // A report with a value says more than that the line is faulty, so each is made.
     LineError = 0;
-    Error(text.c_str());
+    raise_error(format, text.c_str());
 }
 
-void Warning(const char *text) {
-    if (warnings_are_reported()) {
-        report_warning(text, current_place());
-    }
-}
+void Warning(const char *text) { raise_warning(text, text); }
 
 void vpWarning(const char *format, ...) {
-    if (warnings_are_reported()) {
+    if (warnings_are_reported() || warnings_are_told()) {
         va_list values;
         va_start(values, format);
         const std::string text = format_text(format, values);
         va_end(values);
-        report_warning(text.c_str(), current_place());
+        raise_warning(format, text.c_str());
     }
 }
 
@@ -144,6 +162,7 @@ void vpFatal(const char *format, ...) {
     va_end(values);
     // A name from outside may be of any length.
     text.resize(std::min<std::size_t>(text.size(), kFatalTextLimit));
+    tell(ReportKind::kFatal, format, text.c_str());
     const Place place = current_place();
     if (*place.path == '\0') {
         standard_output.put({"Fatal error: ", text, "\n"});

@@ -8,6 +8,7 @@
 #include "as/asList.h"
 #include "as/asOptions.h"
 #include "as/asPlace.h"
+#include "as/asWatch.h"
 #include "expr/evaluate.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"
@@ -54,6 +55,9 @@ Symbol *create_constant(std::string_view name, std::int32_t value, int set) {
 // The checks of the final pass. The operand is compared with the value from before this line.
 void check_constant(Symbol &symbol, std::int32_t value_before) {
     symbol.file = current_file_index();
+    if (watcher != nullptr) {
+        watcher->definition(DefinitionKind::kConstant, symbol);
+    }
     if (symbol.has(SYM_MULTIPLE) && symbol.definition_line != realline) {
         vpError("symbol '%s' previously defined at line %d", symbol.name, symbol.definition_line);
         if (!isblanc(*Col_Ptr) && value_before != evalexp(Col_Ptr, 1)) {

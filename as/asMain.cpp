@@ -18,13 +18,16 @@
 #include "as/asRead.h"
 #include "as/asSource.h"
 #include "as/asStreams.h"
+#include "as/asWatch.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"
 #include "target/location.h"
 #include "util/ahead.h"
 #include "util/text.h"
 
+#include <cerrno>
 #include <csignal>
+#include <cstring>
 #include <new>
 #include <string>
 #include <string_view>
@@ -42,6 +45,24 @@ void reset_pass_state() {
     dialect_new_pass();
 }
 
+void tell_of_pass() {
+    if (watcher != nullptr) {
+        watcher->pass();
+    }
+}
+
+void tell_of_line() {
+    if (watcher != nullptr) {
+        watcher->line();
+    }
+}
+
+void tell_of_end() {
+    if (watcher != nullptr) {
+        watcher->end();
+    }
+}
+
 // Before passes 0 and 1, which open every file anew.
 void initpass1(int pass) {
     Pass = pass;
@@ -49,6 +70,7 @@ void initpass1(int pass) {
     reset_pass_state();
     diag_new_pass();
     source_new_pass();
+    tell_of_pass();
 }
 
 // What pass 0 has no use for, because it looks for constants and conditional words only: empty
@@ -89,6 +111,7 @@ void begin_final_pass() {
     reset_pass_state();
     source_new_counts();
     diag_new_counts();
+    tell_of_pass();
 }
 
 // What is known only after the last line.
@@ -141,6 +164,9 @@ int finish_without_source() {
 }
 
 int cannot_open(const char *file) {
+    if (watcher != nullptr) {
+        watcher->failure(FailureKind::kRead, file, std::strerror(errno));
+    }
     standard_output.put({kProgramName, ": Can't open '", file, "'\n"});
     standard_output.flush();
     return kFailure;
@@ -149,17 +175,23 @@ int cannot_open(const char *file) {
 // The outputs go first, so that none is taken for whole whatever becomes of the message.
 int out_of_memory() {
     abandon_outputs();
+    if (watcher != nullptr) {
+        watcher->failure(FailureKind::kWrite, "", std::strerror(ENOMEM));
+    }
     standard_output.put({kProgramName, ": Out of memory\n"});
     standard_output.flush();
     return kFailure;
 }
 
 // Starts up and reads the command line. The source's name, or null when there is nothing to do.
-const char *begin_run(int argc, const char *const *argv) {
+const char *begin_run(int argc, const char *const *argv, void (*prepare)()) {
     // A closed pipe or a file that grows too large is a write that fails, and is reported as one.
     (void)std::signal(SIGPIPE, SIG_IGN);
     (void)std::signal(SIGXFSZ, SIG_IGN);
     start_up(argc > 0 ? argv[0] : kProgramName);
+    if (prepare != nullptr) {
+        prepare();
+    }
     if (argc < 2) {
         print_usage();
         return nullptr;
@@ -188,9 +220,9 @@ void start_up(const char *invocation) {
     init_as_conditional_handling();
 }
 
-int as_main(int argc, const char *const *argv) {
+int as_main(int argc, const char *const *argv, void (*prepare)()) {
     try {
-        const char *file = begin_run(argc, argv);
+        const char *file = begin_run(argc, argv, prepare);
         if (file == nullptr) {
             return finish_without_source();
         }
@@ -209,13 +241,16 @@ int as_main(int argc, const char *const *argv) {
         }
         while (as_read_line() != 0) {
             assaline(1);
+            tell_of_line();
         }
         // The final pass: everything is evaluated, emitted, listed and reported.
         begin_final_pass();
         while (as_read_line() != 0) {
             assaline(2);
             as_write_listline(is_true_level() == 0);
+            tell_of_line();
         }
+        tell_of_end();
         write_symbols();
         return finish();
     } catch (const EndOfRun &end) {

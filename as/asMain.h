@@ -5,5 +5,6 @@
 void start_up(const char *invocation);
 
 // Runs the assembler as a program: argv[0] is the invocation path. Returns the exit status.
-// Everything is set up anew, so that one process can run it many times.
-int as_main(int argc, const char *const *argv);
+// Everything is set up anew, so that one process can run it many times. When that is done and
+// before the command line is read, prepare is called, if there is one.
+int as_main(int argc, const char *const *argv, void (*prepare)() = nullptr);

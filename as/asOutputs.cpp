@@ -20,6 +20,7 @@
 #include "as/asPseudo.h"
 #include "as/asSource.h"
 #include "as/asStreams.h"
+#include "as/asWatch.h"
 #include "symtab/symtab.h"
 #include "target/carray.h"
 #include "target/emit.h"
@@ -30,6 +31,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cerrno>
 #include <cstring>
 #include <vector>
 
@@ -93,7 +95,7 @@ struct Output {
 };
 
 // In the order in which the outputs are created and their failures reported.
-constexpr auto kOutputs = std::to_array<Output>({
+constexpr std::array<Output, kOutputFiles> kOutputs = {{
     {.file = objectfile,
      .name = Object_name,
      .naming = Naming::kOption,
@@ -128,7 +130,7 @@ constexpr auto kOutputs = std::to_array<Output>({
      .suffix = ".fmem",
      .head = begin_script,
      .record_writer = put_script_lines},
-});
+}};
 static_assert(kOutputs.size() <= kMostTemporaryFiles);
 
 // ---- Names ----
@@ -152,31 +154,57 @@ void derive_names(const char *file) {
 
 // ---- Outputs that must not be the same file ----
 
-[[noreturn]] void refuse(const Output &output) {
+void tell_failure(FailureKind kind, const Output &output, const char *reason) {
+    if (watcher != nullptr) {
+        watcher->failure(kind, output.name.c_str(), reason);
+    }
+}
+
+[[noreturn]] void refuse(const Output &output, const char *reason) {
+    tell_failure(FailureKind::kCreate, output, reason);
     vpFatal("Cannot create output fil '%s'", output.name.c_str());
 }
 
-// Ends the run if an output is the same file as the source or an output before it, or as a standard
-// stream: messages would overwrite it.
+bool is_standard_stream(const Destination &destination) {
+    return std::ranges::any_of(std::array{STDOUT_FILENO, STDERR_FILENO}, [&](int stream) {
+        const auto file = regular_file(stream);
+        return file && destination.is_file(*file);
+    });
+}
+
+// Why an output can't go where its name leads to; null if it can. The earlier ones have their
+// place.
+const char *obstacle(const Output &output, const std::vector<const Destination *> &earlier) {
+    Destination &destination = output.file.destination();
+    const OldFile old_file = output.is_result ? OldFile::kRewritten : OldFile::kReplaced;
+    if (!destination.look_up(output.name, old_file)) {
+        return std::strerror(errno);
+    }
+    if (is_source_file(destination)) {
+        return "it is the source";
+    }
+    // Messages would overwrite it.
+    if (is_standard_stream(destination)) {
+        return "messages go there";
+    }
+    const bool is_taken =
+        std::any_of(earlier.begin(), earlier.end(),
+                    [&](const Destination *other) { return destination.is_same_file(*other); });
+    return is_taken ? "another output goes there" : nullptr;
+}
+
+// Ends the run if an output is the same file as the source, a standard stream or an output before
+// it.
 void refuse_colliding_outputs() {
-    const auto printed = regular_file(STDOUT_FILENO);
-    const auto complained = regular_file(STDERR_FILENO);
     std::vector<const Destination *> earlier;
     for (const Output &output : kOutputs) {
-        if (!output.is_wanted()) {
+        if (!output.is_wanted() || output.file.is_diverted()) {
             continue;
         }
-        Destination &destination = output.file.destination();
-        const OldFile old_file = output.is_result ? OldFile::kRewritten : OldFile::kReplaced;
-        if (!destination.look_up(output.name, old_file) || is_source_file(destination) ||
-            (printed && destination.is_file(*printed)) ||
-            (complained && destination.is_file(*complained)) ||
-            std::any_of(earlier.begin(), earlier.end(), [&](const Destination *other) {
-                return destination.is_same_file(*other);
-            })) {
-            refuse(output);
+        if (const char *reason = obstacle(output, earlier); reason != nullptr) {
+            refuse(output, reason);
         }
-        earlier.push_back(&destination);
+        earlier.push_back(&output.file.destination());
     }
 }
 
@@ -185,8 +213,12 @@ void refuse_colliding_outputs() {
 // Goes on without an output that can't be created, unless it is the result.
 void create(const Output &output) {
     const bool created = output.file.create();
-    if (!created && output.is_result) {
-        refuse(output);
+    if (!created) {
+        const char *reason = std::strerror(errno);
+        if (output.is_result) {
+            refuse(output, reason);
+        }
+        tell_failure(FailureKind::kCreate, output, reason);
     }
     if (created && (output.companion == nullptr || output.companion->is_open())) {
         if (output.begin != nullptr) {
@@ -201,18 +233,28 @@ void create(const Output &output) {
 
 // ---- Close-down ----
 
+// A run that is watched keeps nothing of a failure but the listing: nobody is to take a script or
+// an array for good.
+bool is_result(const Output &output) {
+    return output.is_result ||
+           (watcher != nullptr && output.is_wanted() && &output.file != &listfile);
+}
+
+// A watcher counts the errors that the program loses sight of too.
+bool has_errors() { return watcher != nullptr ? watcher->has_failed() : Errors != 0; }
+
 bool any_has_failed() {
     return std::any_of(kOutputs.begin(), kOutputs.end(),
                        [](const Output &output) { return output.file.has_failed(); });
 }
 
-bool all_is_well() { return Errors == 0 && !any_has_failed(); }
+bool all_is_well() { return !has_errors() && !any_has_failed(); }
 
-// Applies an action to the results, or to all other outputs.
-template <typename Action> void for_each(bool is_result, Action action) {
-    for (const Output &output : kOutputs) {
-        if (output.is_result == is_result) {
-            action(output.file);
+// Applies an action to the results, or to all other outputs. The S-record file comes last.
+template <typename Action> void for_each(bool results, Action action) {
+    for (std::size_t i = kOutputs.size(); i-- > 0;) {
+        if (is_result(kOutputs[i]) == results) {
+            action(kOutputs[i].file);
         }
     }
 }
@@ -228,9 +270,26 @@ void outputs_new_run() {
     File_name.clear();
     FileTitle.clear();
     for (const Output &output : kOutputs) {
+        output.file.divert({});
         output.file.forget_failure();
         output.name.clear();
     }
+}
+
+void divert_outputs(const std::array<Sink, kOutputFiles> &sinks) {
+    for (std::size_t i = 0; i < kOutputs.size(); ++i) {
+        kOutputs[i].file.divert(sinks[i]);
+    }
+}
+
+std::array<std::string, kOutputFiles> names_of_outputs() {
+    std::array<std::string, kOutputFiles> names;
+    for (std::size_t i = 0; i < kOutputs.size(); ++i) {
+        if (kOutputs[i].is_wanted()) {
+            names[i] = kOutputs[i].name;
+        }
+    }
+    return names;
 }
 
 int openfiles(const char *file) {
@@ -263,7 +322,7 @@ void CloseDown() {
     }
     close_side_outputs();
     // What the buffers hold is not worth writing after errors. Closing may fail as well.
-    if (Errors == 0) {
+    if (!has_errors()) {
         for_each(true, [](OutputFile &file) { file.finish(); });
     }
     if (all_is_well()) {
@@ -278,6 +337,7 @@ void CloseDown() {
 bool report_write_failures() {
     for (const Output &output : kOutputs) {
         if (output.file.has_failed()) {
+            tell_failure(FailureKind::kWrite, output, std::strerror(output.file.failure()));
             standard_output.put({kProgramName, ": Can't write '", output.name, "'\n"});
         }
     }
@@ -285,6 +345,10 @@ bool report_write_failures() {
 }
 
 void close_outputs() {
+    if (watcher != nullptr) {
+        abandon_outputs();
+        return;
+    }
     close_side_outputs();
     for_each(true, [](OutputFile &file) { file.close(); });
 }

@@ -5,7 +5,12 @@
 // no output would overwrite the source, another output or a standard stream.
 #pragma once
 
+#include "util/output.h"
+
+#include <array>
 #include <string>
+
+inline constexpr std::size_t kOutputFiles = 4;
 
 // ---- State owned here; the names are filled once, in pass 1 ----
 
@@ -16,6 +21,13 @@ extern std::string List_name;     // the listing
 extern std::string zirpafilename; // the simulator memory script
 
 // ---- Functions ----
+
+// Has every output hand its bytes to the sink of the same place, in this run only: S-records,
+// listing, C array, script.
+void divert_outputs(const std::array<Sink, kOutputFiles> &sinks);
+
+// The names of the outputs in the same order, empty for those that the run has not made.
+std::array<std::string, kOutputFiles> names_of_outputs();
 
 // Forgets names and failures of an earlier run, and closes what it has left open.
 void outputs_new_run();

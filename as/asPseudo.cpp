@@ -9,6 +9,7 @@
 #include "as/asOptions.h"
 #include "as/asPlace.h"
 #include "as/asSource.h"
+#include "as/asWatch.h"
 #include "expr/evaluate.h"
 #include "expr/record.h"
 #include "symtab/symtab.h"
@@ -179,6 +180,9 @@ int DoEnd() {
         return 1;
     }
     const Symbol *symbol = getsym(name);
+    if (watcher != nullptr && symbol != nullptr) {
+        watcher->reference(ReferenceKind::kStart, {Col_Ptr, name.size()}, *symbol);
+    }
     if (symbol == nullptr || symbol->has(SYM_UNDEFINED)) {
         // Quirk (start-wording): the text says the opposite of what is wrong. The name is as END
         // has it, also where case does not count and the table holds it in upper case.

@@ -246,6 +246,10 @@ void source_new_counts() {
     endflag = 0;
 }
 
+void provide_source(const char *name, std::string_view text) {
+    loaded_files.push_back({name, absolute_path(name), copy_text(text)});
+}
+
 // ---- The stack of files ----
 
 int push_source(const char *name) {
@@ -257,6 +261,7 @@ int push_source(const char *name) {
     }
     if (std::strlen(name) > kSourceNameLimit) {
         Error("(F1034)");
+        errno = ENAMETOOLONG;
         return 0;
     }
     std::string opened = name;

@@ -48,6 +48,9 @@ void source_rewind();
 // Restarts the line counters and clears endflag; part of source_new_pass too.
 void source_new_counts();
 
+// Has a name stand for a text in memory, which is copied, in place of a file. Of this run only.
+void provide_source(const char *name, std::string_view text);
+
 // Makes name the current file, or takes the next recorded step in the final pass. Returns 1, also
 // when a recursive file is ignored, and 0 when it cannot be opened.
 int push_source(const char *name);

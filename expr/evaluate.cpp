@@ -12,6 +12,7 @@
 #include "as/asDiag.h"
 #include "as/asOptions.h"
 #include "as/asPlace.h"
+#include "as/asWatch.h"
 #include "expr/check.h"
 #include "expr/operator.h"
 #include "expr/usual.h"
@@ -138,6 +139,7 @@ bool wants_more(const Step &waiting) {
 
 // The value of the checked expression at the scan position, which moves to its end.
 std::int64_t checked_value(OperandRecord *operand) {
+    const char *start = Col_Ptr;
     end_of_input = 0;
     in_paren = 0;
     forwardref = 0;
@@ -147,6 +149,9 @@ std::int64_t checked_value(OperandRecord *operand) {
     do {
         value = p0(value, 0, 0, 0, operand);
     } while (end_of_input == 0);
+    if (watcher != nullptr) {
+        watcher->expression(start, value);
+    }
     return value;
 }
 

@@ -7,6 +7,7 @@
 #include "expr/usual.h"
 
 #include "as/asPlace.h"
+#include "as/asWatch.h"
 #include "expr/operator.h"
 #include "symtab/symtab.h"
 #include "target/scan.h"
@@ -157,7 +158,11 @@ void move_to(const char *end) {
     }
     forwardref = 0;
     note_names(reader, operand);
+    const char *start = Col_Ptr;
     move_to(reader.p);
+    if (watcher != nullptr) {
+        watcher->expression(start, value);
+    }
     return {value, true};
 }
 

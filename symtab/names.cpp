@@ -5,6 +5,7 @@
 
 #include "as/asOptions.h"
 #include "as/asStreams.h"
+#include "as/asWatch.h"
 #include "util/buffer.h"
 #include "util/memory.h"
 #include "util/text.h"
@@ -25,9 +26,13 @@ namespace {
 // ---- Blocks ----
 
 constexpr int kOverflowStatus = 255;
+constexpr const char *kOverflowText = "(F1010) Symbol table overflow";
 
 [[noreturn]] void end_on_overflow() {
-    standard_output.put("(F1010) Symbol table overflow\nTerminated due to fatal error(s)");
+    if (watcher != nullptr) {
+        watcher->report(ReportKind::kFatal, kOverflowText, kOverflowText, true);
+    }
+    standard_output.put({kOverflowText, "\nTerminated due to fatal error(s)"});
     end_run(kOverflowStatus);
 }
 

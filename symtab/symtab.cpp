@@ -8,6 +8,7 @@
 #include "as/asOptions.h"
 #include "as/asPlace.h"
 #include "as/asStreams.h"
+#include "as/asWatch.h"
 #include "util/bitsize.h"
 #include "util/text.h"
 
@@ -122,10 +123,13 @@ Symbol *refsym(std::string_view name) {
     return symbol;
 }
 
-void note_reference(std::string_view /*name*/, Symbol &symbol) {
+void note_reference(std::string_view name, Symbol &symbol) {
     if (Pass2 != 0) {
         if (symbol.definition_line > realline) {
             forwardref = 1;
+        }
+        if (watcher != nullptr) {
+            watcher->reference(ReferenceKind::kValue, name, symbol);
         }
     } else if (symbol.flags == SYM_UNDEFINED) {
         // Exactly these: a name that is marked already, or that a test has entered, stays as it is.
@@ -138,6 +142,9 @@ void note_reference(std::string_view /*name*/, Symbol &symbol) {
 const Symbol *defsym(std::string_view name, std::int64_t value, int check) {
     Symbol *symbol = lookup(name);
     if (Pass2 != 0) {
+        if (watcher != nullptr) {
+            watcher->definition(DefinitionKind::kLabel, *symbol);
+        }
         compare_in_final_pass(*symbol, value, check);
     } else {
         define_before_final_pass(*symbol, value);

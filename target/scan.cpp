@@ -7,6 +7,7 @@
 
 #include "as/asDiag.h"
 #include "as/asPlace.h"
+#include "as/asWatch.h"
 #include "util/ahead.h"
 #include "util/text.h"
 
@@ -99,6 +100,9 @@ const char *digit_fault_text(unsigned base) {
 
 // Takes the faulty character too, so that the scan goes on after it.
 [[gnu::cold]] ScannedToken faulty_digit(const char *p, unsigned base) {
+    if (watcher != nullptr) {
+        watcher->character(p);
+    }
     Error(digit_fault_text(base));
     return token_of(p, TOK_END, 1);
 }

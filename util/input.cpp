@@ -71,6 +71,16 @@ bool read_file(const char *name, FileText &text) {
     return true;
 }
 
+FileText copy_text(std::string_view text) {
+    FileText copy;
+    grow(copy, text.size());
+    copy.size = text.size();
+    std::copy(text.begin(), text.end(), copy.data.get());
+    std::memset(&copy.data[copy.size], 0, kFileGuard);
+    copy.holds_nul = text.find('\0') != std::string_view::npos;
+    return copy;
+}
+
 bool is_passing_failure(int error) {
     return error == EMFILE || error == ENFILE || error == ENOMEM || error == EIO || error == EINTR;
 }

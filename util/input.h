@@ -9,6 +9,7 @@
 #include <cstdint>
 #include <cstring>
 #include <memory>
+#include <string_view>
 
 #ifdef __SSE2__
 #include <emmintrin.h>
@@ -24,6 +25,9 @@ struct FileText {
     bool is_regular = false;
     FileIdentity identity;
 };
+
+// A copy of a text in memory, as if a file had held it.
+FileText copy_text(std::string_view text);
 
 #ifdef __SSE2__
 // The line feeds among 64 bytes, a bit each, the first one lowest.

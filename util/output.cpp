@@ -7,23 +7,36 @@
 #include "util/output.h"
 
 #include <algorithm>
+#include <cerrno>
 #include <cstring>
+#include <limits>
 
 #include <unistd.h>
 
+namespace {
+
+// Stands for the descriptor of an output whose bytes a sink takes.
+constexpr int kNoDescriptor = std::numeric_limits<int>::max();
+
+// The errno of what has failed just now, and never 0.
+int last_failure() { return errno != 0 ? errno : EIO; }
+
+} // namespace
+
 bool OutputFile::create() {
     close();
-    failed_ = false;
+    failure_ = 0;
     guard_ = nullptr;
-    descriptor_ = destination_.open();
-    owned_ = true;
+    owned_ = !is_diverted();
+    descriptor_ = owned_ ? destination_.open() : kNoDescriptor;
     return is_open();
 }
 
 // The guard's answer is about the descriptor before, so it has to ask anew.
 void OutputFile::attach(int descriptor, TerminalGuard *guard) {
     close();
-    failed_ = false;
+    failure_ = 0;
+    sink_ = {};
     descriptor_ = descriptor;
     owned_ = false;
     guard_ = guard;
@@ -65,6 +78,10 @@ void OutputFile::put_decimal(std::int64_t value, unsigned width) {
 }
 
 bool OutputFile::write(std::string_view text) {
+    if (is_diverted()) {
+        sink_.take(sink_.owner, text);
+        return true;
+    }
     return guard_ != nullptr ? guard_->write(descriptor_, text) : write_fully(descriptor_, text);
 }
 
@@ -76,8 +93,8 @@ void OutputFile::write_out(bool is_end) {
     std::string_view text(buffer_, used_);
     const std::size_t kept = guard_ != nullptr && !is_end ? begun_character_size(text) : 0;
     text.remove_suffix(kept);
-    if (is_open() && !failed_) {
-        failed_ = !write(text);
+    if (is_open() && !has_failed() && !write(text)) {
+        failure_ = last_failure();
     }
     std::memmove(buffer_, buffer_ + text.size(), kept);
     used_ = kept;
@@ -87,15 +104,15 @@ void OutputFile::finish() {
     flush();
     if (is_open()) {
         if (owned_ && ::close(descriptor_) != 0) {
-            failed_ = true;
+            failure_ = last_failure();
         }
         descriptor_ = -1;
     }
 }
 
 void OutputFile::publish() {
-    if (!destination_.publish()) {
-        failed_ = true;
+    if (!is_diverted() && !destination_.publish()) {
+        failure_ = last_failure();
     }
 }
 
@@ -107,5 +124,7 @@ void OutputFile::close() {
 void OutputFile::withdraw() {
     used_ = 0;
     finish();
-    destination_.withdraw();
+    if (!is_diverted()) {
+        destination_.withdraw();
+    }
 }

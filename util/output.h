@@ -31,6 +31,12 @@ inline constexpr std::size_t kOutputBufferSize =
 // is not used touches no page.
 using OutputBuffer = std::array<char, kOutputBufferSize>;
 
+// What takes the bytes of an output in the place of the operating system.
+struct Sink {
+    void (*take)(void *owner, std::string_view bytes) = nullptr;
+    void *owner = nullptr;
+};
+
 class OutputFile {
   public:
     // The buffer must outlive the file.
@@ -43,6 +49,11 @@ class OutputFile {
     // Begins a file at the destination. Returns false when that fails; the object is closed then.
     bool create();
 
+    // Hands all bytes to a sink from now on, instead of the operating system; no file is created
+    // then. Without a function: no more.
+    void divert(Sink sink) { sink_ = sink; }
+    bool is_diverted() const { return sink_.take != nullptr; }
+
     // Writes to an already open descriptor, which close() leaves open; with a guard, text that a
     // terminal must not obey.
     void attach(int descriptor, TerminalGuard *guard = nullptr);
@@ -50,8 +61,9 @@ class OutputFile {
     bool is_open() const { return descriptor_ >= 0; }
 
     // True when a write or the closing has failed since create() or attach().
-    bool has_failed() const { return failed_; }
-    void forget_failure() { failed_ = false; }
+    bool has_failed() const { return failure_ != 0; }
+    int failure() const { return failure_; } // its errno
+    void forget_failure() { failure_ = 0; }
 
     // A closed file swallows what is put into it.
     void put(char ch) {
@@ -113,9 +125,10 @@ class OutputFile {
 
     int descriptor_ = -1;
     bool owned_ = false;
-    bool failed_ = false;
+    int failure_ = 0; // errno of the first write that has failed
     std::size_t used_ = 0;
     char *buffer_; // kOutputBufferSize bytes
     TerminalGuard *guard_ = nullptr;
+    Sink sink_;
     Destination destination_;
 };

@@ -1,0 +1,3 @@
+#include "as/asWatch.h"
+
+const Watcher *watcher = nullptr;
