@@ -236,8 +236,7 @@ void create(const Output &output) {
 // A run that is watched keeps nothing of a failure but the listing: nobody is to take a script or
 // an array for good.
 bool is_result(const Output &output) {
-    return output.is_result ||
-           (watcher != nullptr && output.is_wanted() && &output.file != &listfile);
+    return output.is_result || (watcher != nullptr && &output.file != &listfile);
 }
 
 // A watcher counts the errors that the program loses sight of too.
@@ -271,6 +270,7 @@ void outputs_new_run() {
     FileTitle.clear();
     for (const Output &output : kOutputs) {
         output.file.divert({});
+        output.file.destination().forget();
         output.file.forget_failure();
         output.name.clear();
     }

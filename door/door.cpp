@@ -48,6 +48,7 @@ struct Session {
     Traces traces;
     bool is_conditional = false;
 
+    bool is_displaced = false;
     std::vector<std::uint32_t> layout; // the location counter after each line of pass 1
     std::vector<OpenBlock> blocks;
     bool is_ended = false; // the listener has been asked
@@ -59,6 +60,14 @@ Session *session = nullptr;
 std::string_view line_text() { return without_end(::Line.view()); }
 
 // ---- Positions ----
+
+// Without columns for an empty piece.
+Place place_of(const Piece &piece, int line) {
+    if (piece.is_empty()) {
+        return {line, 0, 0};
+    }
+    return {line, static_cast<int>(piece.begin) + 1, static_cast<int>(piece.end)};
+}
 
 // The offset in the line of a position in it, or in a copy of a part of it; the size of the line
 // for any other.
@@ -216,6 +225,17 @@ LineKind kind_of_line(const Fields &fields) {
     return is_true_level() == 0 ? LineKind::kSkipped : kind_of(fields);
 }
 
+// The first line after which the location counter is not what it was in pass 1 has another length
+// than there, or another address.
+bool displaces() {
+    const auto index = static_cast<std::size_t>(realline) - 1;
+    if (session->is_displaced || index >= session->layout.size() || session->layout[index] == LC) {
+        return false;
+    }
+    session->is_displaced = true;
+    return true;
+}
+
 void tell_of_line() {
     const Fields fields = split(::Line.view());
     const LineKind kind = kind_of_line(fields);
@@ -223,27 +243,17 @@ void tell_of_line() {
     const bool is_reserved =
         kind == LineKind::kDirective && GetPseudoToken(operation) == DIR_RESERVE;
     const std::span<const std::uint8_t> bytes = session->bytes;
-    session->listener->line(
-        {Line_no, kind, line_text(), LC - static_cast<std::uint32_t>(session->size), session->size,
-         is_reserved ? bytes.first(0) : bytes, is_reserved, place_of(fields.label, Line_no),
-         place_of(fields.operation, Line_no), place_of(fields.operand, Line_no)});
-}
-
-// The first line after which the location counter is not what it was in pass 1 has another length
-// than there, or another address.
-void compare_layout() {
-    const auto index = static_cast<std::size_t>(realline) - 1;
-    if (session->result.phase_line == 0 && index < session->layout.size() &&
-        session->layout[index] != LC) {
-        session->result.phase_line = Line_no;
-    }
+    session->listener->line({Line_no, kind, line_text(),
+                             LC - static_cast<std::uint32_t>(session->size), session->size,
+                             is_reserved ? bytes.first(0) : bytes, is_reserved, displaces(),
+                             place_of(fields.label, Line_no), place_of(fields.operation, Line_no),
+                             place_of(fields.operand, Line_no)});
 }
 
 void on_line() {
     if (Pass2 == 0) {
         session->layout.resize(static_cast<std::size_t>(realline), LC);
     } else {
-        compare_layout();
         if (session->listener->line) {
             tell_of_line();
         }
@@ -273,7 +283,7 @@ bool has_failed() {
         session->result.symbols = std::move(session->printed);
         session->result.has_run = true;
     }
-    return session->has_failed;
+    return session->has_failed || !session->result.failures.empty();
 }
 
 void on_failure(FailureKind kind, const char *name, const char *reason) {
@@ -314,7 +324,7 @@ void note_outputs(Result &result) {
     if (!result.has_run || session->run->outputs == Outputs::kNowhere) {
         return;
     }
-    const bool is_failure = session->has_failed || !result.failures.empty();
+    const bool is_failure = has_failed();
     std::array<std::string, kOutputFiles> names = names_of_outputs();
     for (std::size_t i = 0; i < names.size(); ++i) {
         const auto kind = static_cast<OutputKind>(i);

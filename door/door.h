@@ -70,7 +70,10 @@ struct Line {
     // The bytes, but no more than kBytesOfLine, and none for those that are reserved.
     std::span<const std::uint8_t> bytes;
     bool is_reserved; // all bytes are 0 because none is given
-    Place label;      // empty where there is none; likewise below
+    // The first line after which addresses are others than those that were laid out: a phase error
+    // comes from here.
+    bool displaces;
+    Place label; // empty where there is none; likewise below
     Place operation;
     Place operand; // up to the blank after it
 };
@@ -129,19 +132,6 @@ struct Failure {
     std::string reason;
 };
 
-// Who is told. A function that is not set is not called.
-struct Listener {
-    std::function<void(const Report &)> report;
-    std::function<void(const Line &)> line;
-    std::function<void(const Definition &)> definition;
-    std::function<void(const Reference &)> reference;
-    std::function<void(const Block &)> block;
-    std::function<void(const Expression &)> expression;
-    // After the last line and before the outputs get their names. True: the run has failed,
-    // whatever the assembler says.
-    std::function<bool()> end;
-};
-
 enum class Outputs { kFiles, kMemory, kNowhere };
 
 struct Run {
@@ -167,11 +157,37 @@ struct Result {
     std::vector<Failure> failures;
     std::vector<Output> outputs; // those that were made; after a failure the listing alone
     std::string symbols;         // the symbol table, where it would have been printed
-    int phase_line = 0;          // the first line whose length differs between the passes; 0: none
+};
+
+// Who is told. A function that is not set is not called.
+struct Listener {
+    std::function<void(const Report &)> report;
+    std::function<void(const Line &)> line;
+    std::function<void(const Definition &)> definition;
+    std::function<void(const Reference &)> reference;
+    std::function<void(const Block &)> block;
+    std::function<void(const Expression &)> expression;
+    // After the last line and before the outputs get their names. True: the run has failed,
+    // whatever the assembler says.
+    std::function<bool()> end;
 };
 
 // Assembles.
 Result run(const Run &run, const Listener &listener);
+
+// ---- The language ----
+
+// The words that stand in the place of an operation, in upper case; those of conditional assembly
+// have the hash that is their own.
+std::vector<std::string_view> instructions();
+std::vector<std::string> directives();
+std::vector<std::string> conditional_words();
+
+// What may stand as the operand of an instruction, with n for a value: as "#n" or "A,CC". Nothing
+// for instructions without an operand and for other words.
+std::vector<std::string> operands_of(std::string_view instruction);
+
+const char *version();
 
 // Every identifier of a report, in the order of docs/diagnostics.md.
 std::vector<std::string_view> identifiers();

@@ -4,6 +4,7 @@
 #include "util/text.h"
 
 #include <algorithm>
+#include <string>
 
 namespace door {
 
@@ -109,8 +110,9 @@ Piece value_before(std::string_view line, const Fields &fields, std::size_t at) 
         operand.find(',', fields.operand.begin) != std::string_view::npos &&
         namecomparei(std::string(line.substr(fields.operation.begin)).c_str(), "fcb");
     if (!is_list) {
-        const std::size_t comma = line.find(',', fields.operand.begin);
-        return {fields.operand.begin, std::min(comma, fields.operand.end)};
+        const std::size_t start =
+            fields.operand.begin + (line[fields.operand.begin] == '#' ? 1 : 0);
+        return {start, std::min(line.find(',', start), fields.operand.end)};
     }
     const std::size_t end = begin;
     while (begin > fields.operand.begin && !is_value_end(line[begin - 1])) {
@@ -163,13 +165,6 @@ Fields split(std::string_view line) {
     }
     split_operation(line, i, fields);
     return fields;
-}
-
-Place place_of(const Piece &piece, int line) {
-    if (piece.is_empty()) {
-        return {line, 0, 0};
-    }
-    return {line, static_cast<int>(piece.begin) + 1, static_cast<int>(piece.end)};
 }
 
 Piece piece_of(Where where, std::string_view line, const Traces &traces) {

@@ -4,7 +4,6 @@
 // which characters are at fault. What a report means tells where to look for them (messages.h).
 #pragma once
 
-#include "door/door.h"
 #include "door/messages.h"
 
 #include <cstddef>
@@ -28,9 +27,6 @@ struct Fields {
 };
 
 Fields split(std::string_view line);
-
-// The piece as a place: nothing for an empty one.
-Place place_of(const Piece &piece, int line);
 
 // What the state of the assembler tells of a report, as offsets in the line.
 struct Traces {

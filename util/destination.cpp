@@ -191,6 +191,13 @@ int Destination::open_to_replace() {
     return ::open(path_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kCreationMode);
 }
 
+void Destination::forget() {
+    name_.clear();
+    path_.clear();
+    kind_ = Kind::kUnknown;
+    is_link_ = false;
+}
+
 // The file is looked at anew before it is deleted: between its creation and this moment, somebody
 // may have moved another file to its name.
 void Destination::withdraw() {

@@ -23,6 +23,9 @@ class Destination {
     // found out.
     bool look_up(const std::string &name, OldFile old_file);
 
+    // As if no name had been looked up.
+    void forget();
+
     // The name that was looked up.
     const std::string &name() const { return name_; }
 

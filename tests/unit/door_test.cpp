@@ -106,7 +106,17 @@ TEST_F(Door, ReportsAfterASecondPhaseErrorAreToldAsNotCounted) {
     EXPECT_EQ(reports_of(text),
               (std::vector<std::string>{"2:1-3 phase-error", "?3:1-3 phase-error",
                                         "?5:1-3 phase-error", "?6:2-5 unknown-instruction"}));
-    EXPECT_EQ(assemble(text).phase_line, 1);
+}
+
+TEST_F(Door, TheLineThatDisplacesAllOthersIsTold) {
+    std::vector<int> lines;
+    listener.line = [&](const door::Line &line) {
+        if (line.displaces) {
+            lines.push_back(line.line);
+        }
+    };
+    (void)assemble("one NOP\n RMB far\ntwo NOP\nfar NOP\n");
+    EXPECT_EQ(lines, std::vector{2});
 }
 
 TEST_F(Door, WarningsAreToldWithoutTheOptionForThem) {

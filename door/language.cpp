@@ -1,0 +1,86 @@
+// The words of the language, from the tables that the assembler itself reads.
+#include "as/asOptions.h"
+#include "as/asPseudo.h"
+#include "door/door.h"
+#include "target/optab.h"
+#include "target/scan.h"
+#include "util/text.h"
+
+#include <algorithm>
+
+namespace door {
+
+namespace {
+
+std::vector<std::string> words_of(const DirectiveEntry *table) {
+    std::vector<std::string> words;
+    for (const DirectiveEntry *entry = table; entry->name != nullptr; ++entry) {
+        words.emplace_back(entry->name);
+    }
+    return words;
+}
+
+const Instruction *find_instruction(std::string_view word) {
+    const auto *row = std::ranges::find_if(optab, [&](const Instruction &each) {
+        return std::ranges::equal(word, std::string_view(each.mnemonic),
+                                  [](char one, char other) { return to_upper(one) == other; });
+    });
+    return row == optab.end() ? nullptr : row;
+}
+
+std::string name_of_register(int token) {
+    switch (token) {
+    case TOK_A: return "A";
+    case TOK_CC: return "CC";
+    case TOK_X: return "X";
+    case TOK_Y: return "Y";
+    default: return "SP";
+    }
+}
+
+} // namespace
+
+std::vector<std::string_view> instructions() {
+    std::vector<std::string_view> words;
+    for (const Instruction &row : optab) {
+        words.emplace_back(row.mnemonic);
+    }
+    return words;
+}
+
+std::vector<std::string> directives() {
+    std::vector<std::string> words = words_of(pseudo_zirpa);
+    for (std::string &word : words) {
+        std::ranges::transform(word, word.begin(), to_upper);
+    }
+    return words;
+}
+
+std::vector<std::string> conditional_words() {
+    std::vector<std::string> words = words_of(macro_pure);
+    for (std::string &word : words) {
+        word.insert(0, 1, '#');
+    }
+    return words;
+}
+
+std::vector<std::string> operands_of(std::string_view instruction) {
+    std::vector<std::string> operands;
+    const Instruction *row = find_instruction(instruction);
+    if (row == nullptr) {
+        return operands;
+    }
+    for (const OperandForm &form : operand_forms) {
+        if ((form.mode & row->mode_mask) != 0) {
+            operands.emplace_back(form.text);
+        }
+    }
+    for (const RegisterPair &pair : register_pairs(row->coder)) {
+        operands.push_back(name_of_register(pair.first) + "," + name_of_register(pair.second));
+    }
+    return operands;
+}
+
+const char *version() { return kVersion; }
+
+} // namespace door

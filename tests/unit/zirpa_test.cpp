@@ -1,0 +1,95 @@
+// The companion program's parts that need no run: distances of words, columns, formats.
+#include "zirpa/diagnostic.h"
+#include "zirpa/formats.h"
+#include "zirpa/suggest.h"
+#include "zirpa/wording.h"
+
+#include <gtest/gtest.h>
+
+namespace {
+
+TEST(Suggestions, DistanceCountsChangedAddedMissingAndSwappedLetters) {
+    EXPECT_EQ(distance("LDA", "LDA"), 0U);
+    EXPECT_EQ(distance("lda", "LDA"), 0U);
+    EXPECT_EQ(distance("LDXA", "LDX"), 1U);
+    EXPECT_EQ(distance("LDB", "LDA"), 1U);
+    EXPECT_EQ(distance("LAD", "LDA"), 1U);
+    EXPECT_EQ(distance("", "LDA"), 3U);
+    EXPECT_EQ(distance("kitten", "sitting"), 3U);
+}
+
+TEST(Suggestions, WordsThatBeginAlikeComeFirst) {
+    EXPECT_EQ(nearest("LDXA", {"LDA", "LDX"}), (std::vector<std::string>{"LDX", "LDA"}));
+}
+
+TEST(Suggestions, WordsFarAwayAreNotMeant) {
+    EXPECT_TRUE(nearest("FROB", {"LDA", "END"}).empty());
+    EXPECT_TRUE(nearest("X", {"Y"}).empty());
+}
+
+TEST(Suggestions, ANameInTheOtherCaseIsMeant) {
+    EXPECT_EQ(nearest("Start", {"start", "stop"}), std::vector<std::string>{"start"});
+}
+
+TEST(Suggestions, AreAskedAsAQuestion) {
+    EXPECT_EQ(did_you_mean({}), "");
+    EXPECT_EQ(did_you_mean({"A"}), "did you mean A?");
+    EXPECT_EQ(did_you_mean({"A", "B"}), "did you mean A or B?");
+}
+
+TEST(Columns, CountCharactersAsEditorsDo) {
+    // A tab is one character, and so is one of two bytes.
+    EXPECT_EQ(characters_of({1, 2, 4, "\tLDA"}).begin, 2);
+    EXPECT_EQ(characters_of({1, 2, 4, "\tLDA"}).end, 5);
+    EXPECT_EQ(characters_of({1, 3, 4, "\xC3\xA4-x"}).begin, 2);
+    EXPECT_EQ(characters_of({1, 3, 4, "\xC3\xA4-x"}).end, 4);
+    // A byte that is no UTF-8 is a character of its own.
+    EXPECT_EQ(characters_of({1, 3, 3, "\xE4\xE4x"}).begin, 3);
+    // Something is missing after the last character.
+    EXPECT_EQ(characters_of({1, 4, 4, "abc"}).begin, 4);
+    EXPECT_EQ(characters_of({1, 4, 4, "abc"}).end, 5);
+    EXPECT_EQ(characters_of({1, 0, 0, "abc"}).begin, 0);
+}
+
+Diagnostic example(std::string text, int first, int last) {
+    return {Severity::kError, "some-id", "p.szirpa", {7, first, last, std::move(text)},
+            "wrong",          "do"};
+}
+
+TEST(TextFormat, CaretsStandBelowWhatIsMeant) {
+    EXPECT_EQ(text_of({example("\tLDXA #5", 2, 5)}, false), "p.szirpa:7:2: error: wrong [some-id]\n"
+                                                            "    7 | \tLDXA #5\n"
+                                                            "      | \t^~~~ do\n");
+}
+
+TEST(TextFormat, WideCharactersHaveTwoCarets) {
+    EXPECT_EQ(text_of({example("\xE6\xBC\xA2z", 4, 4)}, false),
+              "p.szirpa:7:2: error: wrong [some-id]\n"
+              "    7 | \xE6\xBC\xA2z\n"
+              "      |   ^ do\n");
+}
+
+TEST(TextFormat, WhatATerminalWouldObeyIsNotShown) {
+    EXPECT_EQ(text_of({example("\x1b[2Jx", 5, 5)}, false), "p.szirpa:7:5: error: wrong [some-id]\n"
+                                                           "    7 | ?[2Jx\n"
+                                                           "      |     ^ do\n");
+}
+
+TEST(TextFormat, ADiagnosticWithoutALineHasNoSource) {
+    EXPECT_EQ(text_of({{Severity::kWarning, "id", "p", {}, "why"}}, false),
+              "p: warning: why [id]\n");
+}
+
+TEST(TextFormat, TheSummaryCounts) {
+    EXPECT_EQ(summary_of(0, 0), "");
+    EXPECT_EQ(summary_of(1, 0), "1 error\n");
+    EXPECT_EQ(summary_of(2, 1), "2 errors, 1 warning\n");
+}
+
+TEST(Wording, ValuesAreShownInBothBases) {
+    EXPECT_EQ(in_both_bases(300), "300 ($12C)");
+    EXPECT_EQ(in_both_bases(-140), "-140 (-$8C)");
+    EXPECT_EQ(in_both_bases(INT64_MIN), "-9223372036854775808 (-$8000000000000000)");
+}
+
+} // namespace

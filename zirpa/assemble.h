@@ -1,0 +1,14 @@
+// What build, check and map do alike: assemble a source as the request asks for, and show what has
+// been found.
+#pragma once
+
+#include "zirpa/commands.h"
+#include "zirpa/formats.h"
+
+inline constexpr int kUnusable = 2; // status: wrong use, or a file that can't be used
+
+// The source is a file, or standard input.
+Inspection assemble(const Request &request, const std::string &source, door::Outputs outputs);
+
+// Diagnostics and their number on standard error; false when that can't be done.
+bool show(const Request &request, const std::vector<FileReport> &reports);

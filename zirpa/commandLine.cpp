@@ -1,0 +1,266 @@
+// Options are told to the parser once for each command; each fills in its request.
+#include "zirpa/commandLine.h"
+
+#include "zirpa/assemble.h"
+#include "zirpa/commands.h"
+#include "zirpa/console.h"
+#include "zirpa/suggest.h"
+
+#include <CLI/CLI.hpp>
+
+#include <algorithm>
+#include <csignal>
+#include <map>
+
+namespace {
+
+constexpr const char *kDescription =
+    "zirpa - assembles sources for the ZIRPA, as HXzirpa does, and says what is wrong with them";
+constexpr const char *kFooter = "Exit status: 0 all is well, 1 errors (or warnings with --strict), "
+                                "2 wrong use or a file that can't be used.";
+
+// What the options of all commands are read into.
+struct Words {
+    BuildRequest build;
+    std::vector<std::string> sources;
+    std::vector<std::string> allowed;
+    std::vector<std::string> denied;
+
+    Request &common() { return build.common; }
+};
+
+// ---- Options ----
+
+const std::map<std::string, Format> kFormats = {
+    {"text", Format::kText}, {"json", Format::kJson}, {"sarif", Format::kSarif}};
+const std::map<std::string, Colour> kColours = {
+    {"auto", Colour::kAuto}, {"always", Colour::kAlways}, {"never", Colour::kNever}};
+
+template <typename Value>
+void add_choice(CLI::App &command, const std::string &name, Value &value,
+                const std::map<std::string, Value> &words, const std::string &text,
+                const std::string &type) {
+    command.add_option(name, value, text)
+        ->transform(CLI::CheckedTransformer(words))
+        ->option_text(type);
+}
+
+// Options that the assembler has too, under the short name. Their values stay with the parser,
+// which knows their order.
+CLI::Option *add_shared_flag(CLI::App &command, const std::string &names, const std::string &text) {
+    return command.add_flag(names, text)->option_text(" ");
+}
+
+CLI::Option *add_shared_option(CLI::App &command, const std::string &names, const std::string &type,
+                               const std::string &text) {
+    return command.add_option(names)->description(text)->option_text(type)->expected(1)->take_all();
+}
+
+// What changes the meaning of a source.
+void add_language_options(CLI::App &command) {
+    add_shared_option(command, "-D,--define", "NAME",
+                      "Define NAME, as 0, for #ifdef and expressions");
+    add_shared_option(command, "-C,--compatibility", "WORD",
+                      "nocase: case does not count in names; nopure: no conditional words")
+        ->check(CLI::IsMember({"nocase", "nopure", "nonative"}));
+}
+
+void add_warning_options(CLI::App &command, Words &words) {
+    command.add_option("--allow", words.allowed, "Don't show warnings of that kind")
+        ->option_text("ID")
+        ->allow_extra_args(false);
+    command.add_option("--deny", words.denied, "Make errors of warnings of that kind, or of all")
+        ->option_text("ID|all")
+        ->allow_extra_args(false);
+    command.add_flag("--strict", words.common().warnings.is_strict, "Fail after warnings too");
+}
+
+void add_display_options(CLI::App &command, Words &words) {
+    add_choice(command, "--color", words.common().colour, kColours,
+               "Colours: auto for a terminal, always or never", "WHEN");
+    command.add_flag("-q,--quiet", words.common().is_quiet, "Show errors alone, and no summary");
+    command
+        .add_option("--stdin-name", words.common().stdin_name,
+                    "What a source from standard input is called")
+        ->option_text("NAME");
+}
+
+void add_output_options(CLI::App &command, Words &words) {
+    add_shared_option(command, "-o,--output", "FILE", "Name of the S-record file");
+    add_shared_flag(command, "-L,--listing", "Write a listing");
+    add_shared_flag(command, "-A,--array", "Write a C array, with --listing");
+    add_shared_flag(command, "-S,--symbols",
+                    "Print the symbol table, or write it into the listing");
+    add_shared_flag(command, "-g,--debug", "Add debug records to the S-records");
+    add_shared_flag(command, "-w,--list-warnings",
+                    "Write warnings of the assembler into the listing too");
+    command.add_option("--depfile", words.build.depfile, "Write dependencies for make and ninja")
+        ->option_text("FILE");
+    command
+        .add_flag("--stdout", words.build.to_stdout,
+                  "Print the S-records; no other output is written")
+        ->option_text(" ");
+}
+
+// What the assembler accepts and nothing depends on.
+void add_idle_options(CLI::App &command) {
+    add_shared_option(command, "-I,--include", "DIRECTORY", "Accepted; no source includes another");
+    add_shared_option(command, "-d,--debug-directory", "DIRECTORY", "Accepted; no record shows it");
+    add_shared_option(command, "--address-width", "1|2|3",
+                      "Accepted, as -S1, -S2 and -S3 are; addresses choose the record type")
+        ->check(CLI::IsMember({"1", "2", "3"}));
+}
+
+// ---- From words to requests ----
+
+// The options that the assembler has too, in the order in which they are given: a name that is
+// defined before case ceases to count keeps its case.
+std::vector<std::string> assembler_options(const CLI::App &command) {
+    std::vector<std::string> options;
+    std::map<const CLI::Option *, std::size_t> taken;
+    for (const CLI::Option *option : command.parse_order()) {
+        const bool is_width = option->check_name("--address-width");
+        if (option->get_snames().empty() && !is_width) {
+            continue;
+        }
+        const std::string &value = option->results()[taken[option]++];
+        if (is_width) {
+            options.push_back("-S" + value);
+        } else if (!option->check_name("-q")) {
+            options.push_back("-" + option->get_snames().front());
+            if (option->get_expected_min() > 0) {
+                options.push_back(value);
+            }
+        }
+    }
+    return options;
+}
+
+void complete(Words &words, const CLI::App &command) {
+    Request &request = words.common();
+    request.options = assembler_options(command);
+    request.warnings.allowed = {words.allowed.begin(), words.allowed.end()};
+    request.warnings.denied = {words.denied.begin(), words.denied.end()};
+    request.warnings.all_denied = request.warnings.denied.erase("all") > 0;
+}
+
+// ---- Parsing ----
+
+// "-S1" is one word for the assembler, but two options for a parser.
+std::vector<std::string> arguments_of(int argc, const char *const *argv) {
+    std::vector<std::string> arguments;
+    for (int i = 1; i < argc; ++i) {
+        const std::string_view word = argv[i];
+        const bool is_width = word == "-S1" || word == "-S2" || word == "-S3";
+        arguments.push_back(is_width ? "--address-width=" + std::string(word.substr(2))
+                                     : std::string(word));
+    }
+    std::ranges::reverse(arguments); // as the parser wants them
+    return arguments;
+}
+
+std::vector<std::string> options_of(const CLI::App &command) {
+    std::vector<std::string> names;
+    for (const CLI::Option *option : command.get_options()) {
+        for (const std::string &name : option->get_lnames()) {
+            names.push_back("--" + name);
+        }
+    }
+    return names;
+}
+
+// The first word that the parser does not know, and what may be meant.
+std::string unknown_word(const CLI::App &command) {
+    const std::vector<std::string> rest = command.remaining();
+    if (rest.empty()) {
+        return {};
+    }
+    std::vector<std::string> known = options_of(command);
+    for (const CLI::App *each : command.get_subcommands([](const CLI::App *) { return true; })) {
+        known.push_back(each->get_name());
+    }
+    const std::string word = rest.front().substr(0, rest.front().find('='));
+    const std::string hint = did_you_mean(nearest(word, known));
+    const char *what = word.starts_with('-') ? "unknown option " : "unknown command ";
+    return what + word + (hint.empty() ? "" : ": " + hint);
+}
+
+int refuse(const CLI::App &app, const CLI::App &command, const CLI::ParseError &error) {
+    if (error.get_exit_code() == 0) {
+        return print(error.get_name() == "CallForVersion" ? std::string(error.what()) + "\n"
+                                                          : app.help())
+                   ? 0
+                   : kUnusable;
+    }
+    std::string text = unknown_word(command);
+    if (text.empty()) {
+        text = error.what();
+    }
+    const std::string name = &command == &app ? "zirpa" : "zirpa " + command.get_name();
+    (void)complain("zirpa: " + text + "\nSee " + name + " --help.\n");
+    return kUnusable;
+}
+
+const CLI::App &chosen(const CLI::App &app) {
+    const std::vector<const CLI::App *> commands =
+        app.get_subcommands([](const CLI::App *command) { return command->parsed(); });
+    return commands.empty() ? app : *commands.front();
+}
+
+void add_build(CLI::App &app, Words &words, int &status) {
+    CLI::App *command = app.add_subcommand("build", "Assemble FILE and write its outputs");
+    command->add_option("FILE", words.build.source, "The source, or - for standard input")
+        ->required()
+        ->option_text(" ");
+    add_output_options(*command, words);
+    add_language_options(*command);
+    add_idle_options(*command);
+    add_warning_options(*command, words);
+    add_display_options(*command, words);
+    for (const char *other : {"--output", "--listing", "--array", "--depfile"}) {
+        command->get_option("--stdout")->excludes(command->get_option(other));
+    }
+    command->callback([&words, &status, command] {
+        complete(words, *command);
+        status = build(words.build);
+    });
+}
+
+void add_check(CLI::App &app, Words &words, int &status) {
+    CLI::App *command =
+        app.add_subcommand("check", "Say what is wrong with sources; write nothing");
+    command->add_option("FILE", words.sources, "Sources, or - for standard input")
+        ->required()
+        ->option_text(" ")
+        ->option_text(" ");
+    add_choice(*command, "--format", words.common().format, kFormats,
+               "text on standard error, or json or sarif on standard output", "FORMAT");
+    add_language_options(*command);
+    add_warning_options(*command, words);
+    add_display_options(*command, words);
+    command->callback([&words, &status, command] {
+        complete(words, *command);
+        status = check(words.common(), words.sources);
+    });
+}
+
+} // namespace
+
+int zirpa_main(int argc, const char *const *argv) {
+    // A write that fails is reported as one.
+    (void)std::signal(SIGPIPE, SIG_IGN);
+    Words words;
+    int status = 0;
+    CLI::App app(kDescription, "zirpa");
+    app.footer(kFooter);
+    app.set_version_flag("--version", std::string("zirpa ") + door::version());
+    app.require_subcommand(1);
+    add_build(app, words, status);
+    add_check(app, words, status);
+    try {
+        app.parse(arguments_of(argc, argv));
+    } catch (const CLI::ParseError &error) {
+        return refuse(app, chosen(app), error);
+    }
+    return status;
+}

@@ -1,0 +1,37 @@
+// The commands of zirpa: what the command line has asked for, and what each makes of it. Each
+// returns the exit status: 0 when all is well, 1 after errors, 2 when a file could not be used.
+#pragma once
+
+#include "zirpa/inspection.h"
+
+#include <string>
+#include <vector>
+
+// The name that stands for standard input.
+inline constexpr const char *kStandardInput = "-";
+// What a source from standard input is called, unless it gets another name.
+inline constexpr const char *kStandardInputName = "stdin.szirpa";
+
+enum class Format { kText, kJson, kSarif };
+enum class Colour { kAuto, kAlways, kNever };
+
+// What all commands that assemble have in common.
+struct Request {
+    std::vector<std::string> options; // of the assembler
+    WarningChoice warnings;
+    Format format = Format::kText;
+    Colour colour = Colour::kAuto;
+    bool is_quiet = false; // errors alone, without a summary
+    std::string stdin_name = kStandardInputName;
+};
+
+struct BuildRequest {
+    Request common;
+    std::string source;
+    std::string depfile;
+    bool to_stdout = false; // the S-records, and no other output
+};
+
+int build(const BuildRequest &request);
+
+int check(const Request &request, const std::vector<std::string> &sources);

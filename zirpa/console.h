@@ -1,0 +1,19 @@
+// Standard streams: a program that can't say what it has found has failed.
+#pragma once
+
+#include "zirpa/commands.h"
+
+#include <optional>
+#include <string>
+#include <string_view>
+
+// Write everything; false when that fails.
+bool print(std::string_view text);    // to standard output
+bool complain(std::string_view text); // to standard error
+
+// All of standard input, or nothing when it can't be read; errno tells why.
+std::optional<std::string> read_standard_input();
+
+// Whether diagnostics on standard error are coloured. NO_COLOR and a terminal that can't show
+// colours speak against it, unless they are asked for.
+bool is_coloured(Colour colour);

@@ -1,0 +1,65 @@
+#include "zirpa/heard.h"
+
+#include <algorithm>
+
+namespace {
+
+std::string piece_of(std::string_view line, const door::Place &place) {
+    if (!place.has_column()) {
+        return {};
+    }
+    const auto begin = static_cast<std::size_t>(place.first) - 1;
+    return std::string(line.substr(begin, static_cast<std::size_t>(place.last) - begin));
+}
+
+} // namespace
+
+SourcePlace place_in(const door::Place &place, std::string_view line) {
+    return {place.line, place.first, place.last, std::string(line)};
+}
+
+std::string HeardReport::pointed_at() const {
+    const auto begin =
+        std::min(static_cast<std::size_t>(std::max(place.first, 1)) - 1, place.text.size());
+    return place.first == 0
+               ? std::string()
+               : place.text.substr(begin, static_cast<std::size_t>(place.last) - begin);
+}
+
+void Heard::take(const door::Report &report) {
+    reports.push_back({report.kind,
+                       std::string(report.id),
+                       std::string(report.text),
+                       report.is_counted,
+                       place_in(report.place, report.source),
+                       {}});
+}
+
+void Heard::take(const door::Definition &definition) {
+    const auto [known, is_new] = names.try_emplace(
+        std::string(definition.name),
+        HeardName{definition.kind,
+                  {definition.place.line, definition.place.first, definition.place.last, {}},
+                  definition.value});
+    if (is_new && definition.place.line != 0) {
+        unfinished_.push_back(&known->second);
+    }
+}
+
+// A line is told after all that is told of it.
+void Heard::take(const door::Line &line) {
+    for (; reports_with_words_ < reports.size(); ++reports_with_words_) {
+        LineWords &words = reports[reports_with_words_].words;
+        words.label = piece_of(line.source, line.label);
+        words.operation = piece_of(line.source, line.operation);
+        words.operand = piece_of(line.source, line.operand);
+        words.label_place = place_in(line.label, line.source);
+    }
+    for (HeardName *name : unfinished_) {
+        name->place.text = line.source;
+    }
+    unfinished_.clear();
+    if (line.displaces) {
+        phase_place = {line.line, 0, 0, std::string(line.source)};
+    }
+}

@@ -1,0 +1,38 @@
+// One run of the assembler for zirpa: what came of it, and the diagnostics.
+#pragma once
+
+#include "door/door.h"
+#include "zirpa/diagnostic.h"
+
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+// Which warnings are wanted.
+struct WarningChoice {
+    std::set<std::string, std::less<>> allowed; // not shown
+    std::set<std::string, std::less<>> denied;  // errors
+    bool all_denied = false;
+    bool is_strict = false; // a warning fails the run
+};
+
+struct Settings {
+    std::vector<std::string> options; // of the assembler
+    std::string source;               // as it is named in diagnostics
+    std::optional<std::string> text;  // instead of the file
+    door::Outputs outputs = door::Outputs::kNowhere;
+    WarningChoice warnings;
+};
+
+struct Inspection {
+    std::string file; // as it is named in diagnostics
+    door::Result result;
+    std::vector<Diagnostic> diagnostics; // in the order of the source; failures of files first
+    bool has_failed = false;             // as is_strict asks for
+    bool is_unusable = false;            // a file could not be read or written
+
+    int status() const { return is_unusable ? 2 : has_failed ? 1 : 0; }
+};
+
+Inspection inspect(const Settings &settings);

@@ -1,0 +1,3 @@
+#include "zirpa/commandLine.h"
+
+int main(int argc, char **argv) { return zirpa_main(argc, argv); }
