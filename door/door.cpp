@@ -194,7 +194,8 @@ void on_conditional(int token) {
     if (is_branch || token == DIR_ENDIF) {
         close_block(Line_no);
     }
-    if (is_branch || token == DIR_IF || token == DIR_IFDEF || token == DIR_IFNDEF) {
+    if ((is_branch && ifdepth > 0) || token == DIR_IF || token == DIR_IFDEF ||
+        token == DIR_IFNDEF) {
         open_block();
     }
 }

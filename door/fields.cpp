@@ -91,8 +91,12 @@ std::size_t skip_label(std::string_view line) {
 
 Piece one_character(std::size_t at) { return {at, at + 1}; }
 
-// The token at an offset: a word or a character.
+// The token at an offset: a quoted character, a word or a character.
 Piece token_at(std::string_view line, std::size_t at) {
+    if (line.substr(std::min(at, line.size())).starts_with('\'') && line.substr(at).size() > 2 &&
+        line[at + 2] == '\'') {
+        return {at, at + 3};
+    }
     std::size_t end = at;
     while (end < line.size() && is_symbol_char(line[end])) {
         ++end;

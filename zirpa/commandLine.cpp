@@ -2,6 +2,7 @@
 #include "zirpa/commandLine.h"
 
 #include "zirpa/assemble.h"
+#include "zirpa/chapters.h"
 #include "zirpa/commands.h"
 #include "zirpa/console.h"
 #include "zirpa/suggest.h"
@@ -19,12 +20,17 @@ constexpr const char *kDescription =
 constexpr const char *kFooter = "Exit status: 0 all is well, 1 errors (or warnings with --strict), "
                                 "2 wrong use or a file that can't be used.";
 
+// Stands for all identifiers.
+constexpr const char *kAllWarnings = "all";
+
 // What the options of all commands are read into.
 struct Words {
     BuildRequest build;
     std::vector<std::string> sources;
     std::vector<std::string> allowed;
     std::vector<std::string> denied;
+    std::vector<std::string> wanted;
+    std::string explained;
 
     Request &common() { return build.common; }
 };
@@ -65,13 +71,30 @@ void add_language_options(CLI::App &command) {
         ->check(CLI::IsMember({"nocase", "nopure", "nonative"}));
 }
 
+// An identifier that is not known would do nothing in silence.
+std::string refuse_unknown_identifier(const std::string &id) {
+    const std::vector<std::string> known = all_identifiers();
+    if (id == kAllWarnings || std::ranges::find(known, id) != known.end()) {
+        return {};
+    }
+    const std::string hint = did_you_mean(nearest(id, known));
+    return "no diagnostic is called " + id + (hint.empty() ? "" : ": " + hint);
+}
+
+void add_identifiers(CLI::App &command, const std::string &name, std::vector<std::string> &ids,
+                     const std::string &type, const std::string &text) {
+    command.add_option(name, ids, text)
+        ->option_text(type)
+        ->allow_extra_args(false)
+        ->check(CLI::Validator(refuse_unknown_identifier, ""));
+}
+
 void add_warning_options(CLI::App &command, Words &words) {
-    command.add_option("--allow", words.allowed, "Don't show warnings of that kind")
-        ->option_text("ID")
-        ->allow_extra_args(false);
-    command.add_option("--deny", words.denied, "Make errors of warnings of that kind, or of all")
-        ->option_text("ID|all")
-        ->allow_extra_args(false);
+    add_identifiers(command, "--allow", words.allowed, "ID", "Don't show warnings of that kind");
+    add_identifiers(command, "--deny", words.denied, "ID|all",
+                    "Make errors of warnings of that kind, or of all");
+    add_identifiers(command, "--warn", words.wanted, "ID",
+                    "Show warnings that are not shown otherwise");
     command.add_flag("--strict", words.common().warnings.is_strict, "Fail after warnings too");
 }
 
@@ -141,7 +164,8 @@ void complete(Words &words, const CLI::App &command) {
     request.options = assembler_options(command);
     request.warnings.allowed = {words.allowed.begin(), words.allowed.end()};
     request.warnings.denied = {words.denied.begin(), words.denied.end()};
-    request.warnings.all_denied = request.warnings.denied.erase("all") > 0;
+    request.warnings.wanted = {words.wanted.begin(), words.wanted.end()};
+    request.warnings.all_denied = request.warnings.denied.erase(kAllWarnings) > 0;
 }
 
 // ---- Parsing ----
@@ -236,12 +260,19 @@ void add_check(CLI::App &app, Words &words, int &status) {
     add_choice(*command, "--format", words.common().format, kFormats,
                "text on standard error, or json or sarif on standard output", "FORMAT");
     add_language_options(*command);
+    add_shared_flag(*command, "-g,--debug", "Look at lines for debuggers too");
     add_warning_options(*command, words);
     add_display_options(*command, words);
     command->callback([&words, &status, command] {
         complete(words, *command);
         status = check(words.common(), words.sources);
     });
+}
+
+void add_explain(CLI::App &app, Words &words, int &status) {
+    CLI::App *command = app.add_subcommand("explain", "Explain a diagnostic, or list them");
+    command->add_option("ID", words.explained, "Its identifier, or all")->option_text(" ");
+    command->callback([&words, &status] { status = explain(words.explained); });
 }
 
 } // namespace
@@ -257,6 +288,7 @@ int zirpa_main(int argc, const char *const *argv) {
     app.require_subcommand(1);
     add_build(app, words, status);
     add_check(app, words, status);
+    add_explain(app, words, status);
     try {
         app.parse(arguments_of(argc, argv));
     } catch (const CLI::ParseError &error) {

@@ -34,4 +34,10 @@ struct BuildRequest {
 
 int build(const BuildRequest &request);
 
+// What asks for all chapters, as a page.
+inline constexpr const char *kExplainAll = "all";
+
+// The chapter on an identifier; the list of identifiers for none.
+int explain(const std::string &id);
+
 int check(const Request &request, const std::vector<std::string> &sources);

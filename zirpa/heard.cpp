@@ -12,6 +12,22 @@ std::string piece_of(std::string_view line, const door::Place &place) {
     return std::string(line.substr(begin, static_cast<std::size_t>(place.last) - begin));
 }
 
+// A report on a byte of a character is one on the character.
+void take_whole_character(SourcePlace &place) {
+    const std::string_view text = place.text;
+    std::size_t begin = 0;
+    while (begin < text.size()) {
+        const std::size_t size = character_size(text.substr(begin));
+        const int first = static_cast<int>(begin) + 1;
+        const int last = static_cast<int>(begin + size);
+        if (size > 1 && first <= place.last && place.first <= last) {
+            place.first = std::min(place.first, first);
+            place.last = std::max(place.last, last);
+        }
+        begin += size;
+    }
+}
+
 } // namespace
 
 SourcePlace place_in(const door::Place &place, std::string_view line) {
@@ -33,6 +49,9 @@ void Heard::take(const door::Report &report) {
                        report.is_counted,
                        place_in(report.place, report.source),
                        {}});
+    if (report.place.has_column()) {
+        take_whole_character(reports.back().place);
+    }
 }
 
 void Heard::take(const door::Definition &definition) {

@@ -1,9 +1,11 @@
 #include "zirpa/inspection.h"
 
 #include "zirpa/heard.h"
+#include "zirpa/warnings.h"
 #include "zirpa/wording.h"
 
 #include <algorithm>
+#include <array>
 
 namespace {
 
@@ -63,26 +65,113 @@ void add_failures(Inspection &inspection) {
     diagnostics.insert(diagnostics.begin(), failures.begin(), failures.end());
 }
 
+struct IdleOption {
+    std::string_view option;
+    std::string_view name;
+};
+
+constexpr std::array<IdleOption, 6> kIdleOptions = {{{"-I", "--include"},
+                                                     {"-d", "--debug-directory"},
+                                                     {"-S1", "--address-width"},
+                                                     {"-S2", "--address-width"},
+                                                     {"-S3", "--address-width"},
+                                                     {"nonative", "--compatibility nonative"}}};
+
+// Options from which nothing follows. The assembler takes its own short ones.
+void add_option_warnings(const Settings &settings, std::vector<Diagnostic> &diagnostics) {
+    const auto has = [&](std::string_view option) {
+        return std::ranges::find(settings.options, option) != settings.options.end();
+    };
+    const auto add = [&](std::string id, std::string message) {
+        diagnostics.push_back(warning(std::move(id), {}, std::move(message)));
+        diagnostics.back().file = settings.source;
+    };
+    if (has("-A") && !has("-L")) {
+        add("array-without-listing", "--array without --listing writes an empty C array");
+    }
+    for (const auto &[option, name] : kIdleOptions) {
+        if (has(option)) {
+            add("idle-option", std::string(name) + " has no effect");
+        }
+    }
+}
+
+bool is_hidden_character(const Diagnostic &diagnostic) {
+    return diagnostic.id == "byte-order-mark" || diagnostic.id == "invisible-character";
+}
+
+// Whatever is wrong with a line in which something can't be seen, that is what to look at.
+void blame_hidden_characters(std::vector<Diagnostic> &reports, std::vector<Diagnostic> &silent) {
+    for (Diagnostic &hidden : silent) {
+        if (is_hidden_character(hidden)) {
+            const auto removed = std::erase_if(reports, [&](const Diagnostic &report) {
+                return report.place.line == hidden.place.line &&
+                       report.severity == Severity::kError;
+            });
+            hidden.severity = removed > 0 ? Severity::kError : hidden.severity;
+        }
+    }
+}
+
+// What is gathered in the course of a run.
+struct Gathering {
+    Heard heard;
+    Warnings warnings;
+
+    bool is_faulty(int line) const {
+        return !heard.reports.empty() && heard.reports.back().place.line == line &&
+               heard.reports.back().kind != door::Kind::kWarning;
+    }
+};
+
+std::vector<Diagnostic> all_diagnostics(const Gathering &gathering, const Settings &settings) {
+    const WarningChoice &choice = settings.warnings;
+    const bool with_unused =
+        choice.wanted.contains(kUnusedLabel) || choice.denied.contains(kUnusedLabel);
+    std::vector<Diagnostic> all = put_into_words(gathering.heard);
+    std::vector<Diagnostic> silent = gathering.warnings.findings(gathering.heard, with_unused);
+    blame_hidden_characters(all, silent);
+    std::ranges::move(silent, std::back_inserter(all));
+    add_option_warnings(settings, all);
+    choose(all, choice);
+    sort_by_place(all);
+    return all;
+}
+
+door::Listener listener_of(Gathering &gathering) {
+    Heard &heard = gathering.heard;
+    Warnings &warnings = gathering.warnings;
+    door::Listener listener;
+    listener.report = [&](const door::Report &report) { heard.take(report); };
+    listener.definition = [&](const door::Definition &definition) {
+        heard.take(definition);
+        warnings.take(definition);
+    };
+    listener.reference = [&](const door::Reference &reference) { warnings.take(reference); };
+    listener.expression = [&](const door::Expression &expression) { warnings.take(expression); };
+    listener.block = [&](const door::Block &block) { warnings.take(block); };
+    listener.line = [&](const door::Line &line) {
+        heard.take(line);
+        warnings.take(line, gathering.is_faulty(line.line));
+    };
+    return listener;
+}
+
 } // namespace
 
 Inspection inspect(const Settings &settings) {
     Inspection inspection;
     inspection.file = settings.source;
-    Heard heard;
-    heard.file = settings.source;
+    Gathering gathering;
+    gathering.heard.file = settings.source;
     bool is_judged = false;
     const auto judge = [&] {
         is_judged = true;
-        inspection.diagnostics = put_into_words(heard);
-        choose(inspection.diagnostics, settings.warnings);
-        sort_by_place(inspection.diagnostics);
+        inspection.diagnostics = all_diagnostics(gathering, settings);
         inspection.has_failed = is_failure(inspection.diagnostics, settings.warnings);
         return inspection.has_failed;
     };
-    door::Listener listener;
-    listener.report = [&](const door::Report &report) { heard.take(report); };
-    listener.definition = [&](const door::Definition &definition) { heard.take(definition); };
-    listener.line = [&](const door::Line &line) { heard.take(line); };
+    door::Listener listener = listener_of(gathering);
     listener.end = judge;
     inspection.result =
         door::run({settings.options, settings.source, settings.text, settings.outputs}, listener);

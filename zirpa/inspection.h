@@ -10,9 +10,13 @@
 #include <vector>
 
 // Which warnings are wanted.
+// Warnings that are shown when they are asked for.
+inline constexpr const char *kUnusedLabel = "unused-label";
+
 struct WarningChoice {
     std::set<std::string, std::less<>> allowed; // not shown
     std::set<std::string, std::less<>> denied;  // errors
+    std::set<std::string, std::less<>> wanted;  // shown, though they are not by default
     bool all_denied = false;
     bool is_strict = false; // a warning fails the run
 };

@@ -404,9 +404,18 @@ bool is_on_line_of(const HeardReport &one, const HeardReport &other) {
     return one.place.line == other.place.line;
 }
 
+// A character of several bytes has a report for each.
+bool is_same_character(const HeardReport &report, const HeardReport &before) {
+    return report.id == "non-ascii-character" && before.id == report.id &&
+           report.place.first <= before.place.last;
+}
+
 bool follows(const HeardReport &report, const HeardReport &before) {
     if (!is_on_line_of(report, before)) {
         return false;
+    }
+    if (is_same_character(report, before)) {
+        return true;
     }
     return before.id.ends_with("-digit") &&
            std::ranges::find(kAfterDigit, report.id) != kAfterDigit.end();

@@ -1,0 +1,70 @@
+#include "zirpa/warnings.h"
+
+#include "zirpa/wording.h"
+
+#include <algorithm>
+
+namespace {
+
+constexpr std::uint32_t kMemory = 256; // addresses that the processor has
+
+std::string hexadecimal(std::uint32_t value) {
+    const std::string text = in_both_bases(value);
+    return text.substr(text.find('$'), text.size() - text.find('$') - 1);
+}
+
+SourcePlace operation_of(const door::Line &line) { return place_in(line.operation, line.source); }
+
+} // namespace
+
+void AddressWarnings::take(const door::Line &line) {
+    if (is_directive(line, "ORG")) {
+        has_origin_ = true;
+        was_beyond_ = false;
+    }
+    if (line.size > 0) {
+        note_first_bytes(line);
+        note_address(line);
+        note_second_writing(line);
+    }
+}
+
+void AddressWarnings::note_first_bytes(const door::Line &line) {
+    if (!has_bytes_ && !has_origin_) {
+        findings.push_back(warning("bytes-before-org", operation_of(line),
+                                   "bytes above the first ORG: the S-records give them the address "
+                                   "at which the source ends",
+                                   "write ORG above this line"));
+    }
+    has_bytes_ = true;
+}
+
+// One line for a run of bytes that are all beyond.
+void AddressWarnings::note_address(const door::Line &line) {
+    const std::uint64_t end = std::uint64_t{line.address} + line.size;
+    if (end > kMemory && !was_beyond_) {
+        findings.push_back(warning("address-above-ff", operation_of(line),
+                                   "the address " + hexadecimal(std::max(line.address, kMemory)) +
+                                       " of a byte is above $FF"));
+    }
+    was_beyond_ = end > kMemory;
+}
+
+void AddressWarnings::note_second_writing(const door::Line &line) {
+    const auto writer = std::make_shared<SourcePlace>(operation_of(line));
+    bool is_noted = false;
+    const std::uint64_t end =
+        std::min<std::uint64_t>(std::uint64_t{line.address} + line.size, kMemory);
+    for (std::uint64_t address = line.address; address < end; ++address) {
+        std::shared_ptr<SourcePlace> &before = writers_[address];
+        if (before != nullptr && !is_noted) {
+            findings.push_back(warning("written-twice", *writer,
+                                       "the byte at " +
+                                           hexadecimal(static_cast<std::uint32_t>(address)) +
+                                           " has been given a value already"));
+            findings.back().notes.push_back({*before, "here"});
+            is_noted = true;
+        }
+        before = writer;
+    }
+}

@@ -1,0 +1,66 @@
+#include "zirpa/warnings.h"
+
+#include <algorithm>
+
+namespace {
+
+bool is_same_word(std::string_view word, std::string_view upper) {
+    return std::ranges::equal(word, upper, [](char one, char other) {
+        return one == other || (one >= 'a' && one <= 'z' && (one & ~0x20) == other);
+    });
+}
+
+void append(std::vector<Diagnostic> &all, std::vector<Diagnostic> more) {
+    std::ranges::move(more, std::back_inserter(all));
+}
+
+} // namespace
+
+Diagnostic warning(std::string id, SourcePlace place, std::string message, std::string hint) {
+    return {Severity::kWarning, std::move(id),      {},
+            std::move(place),   std::move(message), std::move(hint)};
+}
+
+std::string_view text_at(const door::Line &line, const door::Place &place) {
+    if (!place.has_column()) {
+        return {};
+    }
+    const auto begin = static_cast<std::size_t>(place.first) - 1;
+    return line.source.substr(begin, static_cast<std::size_t>(place.last) - begin);
+}
+
+bool is_directive(const door::Line &line, std::string_view name) {
+    return line.kind == door::LineKind::kDirective &&
+           is_same_word(text_at(line, line.operation), name);
+}
+
+void Warnings::take(const door::Reference &reference) {
+    names_.take(reference);
+    expressions_.take(reference);
+}
+
+void Warnings::take(const door::Line &line, bool is_faulty) {
+    addresses_.take(line);
+    names_.take(line);
+    lines_.take(line, is_faulty);
+    expressions_.take(line);
+}
+
+std::vector<Diagnostic> Warnings::findings(const Heard &heard, bool with_unused) const {
+    std::vector<Diagnostic> all = addresses_.findings;
+    append(all, names_.findings(with_unused));
+    append(all, lines_.findings);
+    append(all, expressions_.findings);
+    for (const LineWarnings::Computed &computed : lines_.computed) {
+        const bool is_known = std::ranges::all_of(
+            computed.names, [&](const std::string &name) { return heard.names.contains(name); });
+        if (is_known) {
+            all.push_back(warning("text-after-operand", computed.place,
+                                  "a blank ends the operand, so this is a comment"));
+        }
+    }
+    for (Diagnostic &diagnostic : all) {
+        diagnostic.file = heard.file;
+    }
+    return all;
+}
