@@ -26,7 +26,8 @@ std::string as_file_name(const std::string &source) {
 
 } // namespace
 
-Inspection assemble(const Request &request, const std::string &source, door::Outputs outputs) {
+Inspection assemble(const Request &request, const std::string &source, door::Outputs outputs,
+                    const door::Listener &also) {
     Settings settings;
     settings.options = request.options;
     settings.outputs = outputs;
@@ -39,7 +40,7 @@ Inspection assemble(const Request &request, const std::string &source, door::Out
             return unreadable(settings.source);
         }
     }
-    return inspect(settings);
+    return inspect(settings, also);
 }
 
 bool show(const Request &request, const std::vector<FileReport> &reports) {

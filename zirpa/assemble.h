@@ -7,8 +7,9 @@
 
 inline constexpr int kUnusable = 2; // status: wrong use, or a file that can't be used
 
-// The source is a file, or standard input.
-Inspection assemble(const Request &request, const std::string &source, door::Outputs outputs);
+// The source is a file, or standard input. The listener is told of lines and definitions too.
+Inspection assemble(const Request &request, const std::string &source, door::Outputs outputs,
+                    const door::Listener &also = {});
 
 // Diagnostics and their number on standard error; false when that can't be done.
 bool show(const Request &request, const std::vector<FileReport> &reports);

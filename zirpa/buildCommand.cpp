@@ -4,7 +4,6 @@
 #include "zirpa/console.h"
 
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 
 namespace {
@@ -27,15 +26,6 @@ std::string dependencies(const Inspection &inspection) {
         text += (text.empty() ? "" : " ") + for_makefile(output.name);
     }
     return text + ": " + for_makefile(inspection.file) + "\n";
-}
-
-bool write_file(const std::string &name, const std::string &text) {
-    std::FILE *file = std::fopen(name.c_str(), "wb");
-    if (file == nullptr) {
-        return false;
-    }
-    const bool is_written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
-    return std::fclose(file) == 0 && is_written;
 }
 
 void note_unwritable(Inspection &inspection, const std::string &name) {

@@ -26,6 +26,7 @@ constexpr const char *kAllWarnings = "all";
 // What the options of all commands are read into.
 struct Words {
     BuildRequest build;
+    MapRequest map;
     std::vector<std::string> sources;
     std::vector<std::string> allowed;
     std::vector<std::string> denied;
@@ -269,6 +270,23 @@ void add_check(CLI::App &app, Words &words, int &status) {
     });
 }
 
+void add_map(CLI::App &app, Words &words, int &status) {
+    CLI::App *command = app.add_subcommand("map", "Show what FILE makes of the 256 addresses");
+    command->add_option("FILE", words.map.source, "The source, or - for standard input")
+        ->required()
+        ->option_text(" ");
+    command->add_option("--svg", words.map.svg, "Write the picture as SVG instead")
+        ->option_text("FILE");
+    add_language_options(*command);
+    add_warning_options(*command, words);
+    add_display_options(*command, words);
+    command->callback([&words, &status, command] {
+        complete(words, *command);
+        words.map.common = words.common();
+        status = map(words.map);
+    });
+}
+
 void add_explain(CLI::App &app, Words &words, int &status) {
     CLI::App *command = app.add_subcommand("explain", "Explain a diagnostic, or list them");
     command->add_option("ID", words.explained, "Its identifier, or all")->option_text(" ");
@@ -288,6 +306,7 @@ int zirpa_main(int argc, const char *const *argv) {
     app.require_subcommand(1);
     add_build(app, words, status);
     add_check(app, words, status);
+    add_map(app, words, status);
     add_explain(app, words, status);
     try {
         app.parse(arguments_of(argc, argv));

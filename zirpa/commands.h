@@ -32,6 +32,14 @@ struct BuildRequest {
     bool to_stdout = false; // the S-records, and no other output
 };
 
+struct MapRequest {
+    Request common;
+    std::string source;
+    std::string svg; // a file for the picture; empty: a picture in the terminal
+};
+
+int map(const MapRequest &request);
+
 int build(const BuildRequest &request);
 
 // What asks for all chapters, as a page.

@@ -35,9 +35,19 @@ std::optional<std::string> read_standard_input() {
     return std::ferror(stdin) != 0 ? std::nullopt : std::optional(std::move(text));
 }
 
-bool is_coloured(Colour colour) {
+bool write_file(const std::string &name, std::string_view text) {
+    std::FILE *file = std::fopen(name.c_str(), "wb");
+    if (file == nullptr) {
+        return false;
+    }
+    const bool is_written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
+    return std::fclose(file) == 0 && is_written;
+}
+
+bool is_coloured(Colour colour, bool is_output) {
     if (colour != Colour::kAuto) {
         return colour == Colour::kAlways;
     }
-    return variable("NO_COLOR").empty() && variable("TERM") != "dumb" && isatty(STDERR_FILENO) == 1;
+    return variable("NO_COLOR").empty() && variable("TERM") != "dumb" &&
+           isatty(is_output ? STDOUT_FILENO : STDERR_FILENO) == 1;
 }

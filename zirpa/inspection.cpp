@@ -138,7 +138,7 @@ std::vector<Diagnostic> all_diagnostics(const Gathering &gathering, const Settin
     return all;
 }
 
-door::Listener listener_of(Gathering &gathering) {
+door::Listener listener_of(Gathering &gathering, const door::Listener &also) {
     Heard &heard = gathering.heard;
     Warnings &warnings = gathering.warnings;
     door::Listener listener;
@@ -146,6 +146,9 @@ door::Listener listener_of(Gathering &gathering) {
     listener.definition = [&](const door::Definition &definition) {
         heard.take(definition);
         warnings.take(definition);
+        if (also.definition) {
+            also.definition(definition);
+        }
     };
     listener.reference = [&](const door::Reference &reference) { warnings.take(reference); };
     listener.expression = [&](const door::Expression &expression) { warnings.take(expression); };
@@ -153,13 +156,16 @@ door::Listener listener_of(Gathering &gathering) {
     listener.line = [&](const door::Line &line) {
         heard.take(line);
         warnings.take(line, gathering.is_faulty(line.line));
+        if (also.line) {
+            also.line(line);
+        }
     };
     return listener;
 }
 
 } // namespace
 
-Inspection inspect(const Settings &settings) {
+Inspection inspect(const Settings &settings, const door::Listener &also) {
     Inspection inspection;
     inspection.file = settings.source;
     Gathering gathering;
@@ -171,7 +177,7 @@ Inspection inspect(const Settings &settings) {
         inspection.has_failed = is_failure(inspection.diagnostics, settings.warnings);
         return inspection.has_failed;
     };
-    door::Listener listener = listener_of(gathering);
+    door::Listener listener = listener_of(gathering, also);
     listener.end = judge;
     inspection.result =
         door::run({settings.options, settings.source, settings.text, settings.outputs}, listener);

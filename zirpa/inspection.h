@@ -39,4 +39,5 @@ struct Inspection {
     int status() const { return is_unusable ? 2 : has_failed ? 1 : 0; }
 };
 
-Inspection inspect(const Settings &settings);
+// The listener is told of lines and definitions too.
+Inspection inspect(const Settings &settings, const door::Listener &also);
