@@ -1,7 +1,7 @@
 # Assembles ZIRPA sources as targets of a CMake build. The reference is docs/cmake.md.
 #
 #   add_hxzirpa_program(name SOURCE file [DEFINES symbol...] [NOCASE]
-#                       [LISTING] [SYMBOLS] [CARRAY] [DEBUG] [BIN] [HEX])
+#                       [LISTING] [SYMBOLS] [CARRAY] [DEBUG] [BIN] [HEX] [DIAGNOSTICS])
 #
 # The program writes its outputs into the working directory, under names that it derives from the
 # source's. So every target has a working directory of its own, <name>.hxzirpa below the current
@@ -9,8 +9,8 @@
 # outputs are properties of the target: HXZIRPA_SRECORD, HXZIRPA_SCRIPT, HXZIRPA_LISTING,
 # HXZIRPA_CARRAY, HXZIRPA_BIN, HXZIRPA_HEX; that of the directory is HXZIRPA_DIRECTORY.
 #
-# HXZIRPA_EXECUTABLE is the program, HXZIRPA_OBJCOPY what makes BIN and HEX; both are looked for
-# unless they are set.
+# HXZIRPA_EXECUTABLE is the program, HXZIRPA_OBJCOPY what makes BIN and HEX, HXZIRPA_COMPANION the
+# program zirpa, which DIAGNOSTICS asks for; all are looked for unless they are set.
 #
 # At build time CMake runs this file again as a script: see _hxzirpa_assemble.
 
@@ -47,7 +47,11 @@ function(_hxzirpa_assemble)
     list(JOIN missing ", " missing)
     string(APPEND result " and left no ${missing}")
   endif()
-  message(FATAL_ERROR "HXzirpa ${result}. The source:\n  ${SOURCE}")
+  set(program_name HXzirpa)
+  if("${OPTIONS}" MATCHES "^build;")
+    set(program_name zirpa)
+  endif()
+  message(FATAL_ERROR "${program_name} ${result}. The source:\n  ${SOURCE}")
 endfunction()
 
 if(CMAKE_SCRIPT_MODE_FILE STREQUAL CMAKE_CURRENT_LIST_FILE)
@@ -109,6 +113,25 @@ HXZIRPA_EXECUTABLE to its path")
   elseif(NOT EXISTS "${HXZIRPA_EXECUTABLE}" OR IS_DIRECTORY "${HXZIRPA_EXECUTABLE}")
     _hxzirpa_refuse(${name} "HXZIRPA_EXECUTABLE names no file\n  ${HXZIRPA_EXECUTABLE}")
   endif()
+endfunction()
+
+# Sets program and command, what the words of the command line begin with. Where zirpa is missing, the
+# assembler itself says less about the same faults.
+function(_hxzirpa_choose_program name)
+  set(program "${HXZIRPA_EXECUTABLE}")
+  set(command "")
+  if(arg_DIAGNOSTICS)
+    cmake_path(GET HXZIRPA_EXECUTABLE PARENT_PATH directory)
+    find_program(HXZIRPA_COMPANION zirpa HINTS "${directory}" NO_CMAKE_FIND_ROOT_PATH
+                 DOC "What assembles with diagnostics")
+    if(HXZIRPA_COMPANION)
+      set(program "${HXZIRPA_COMPANION}")
+      set(command build)
+    else()
+      message(STATUS "add_hxzirpa_program(${name}): zirpa was not found, so DIAGNOSTICS has no effect")
+    endif()
+  endif()
+  return(PROPAGATE program command)
 endfunction()
 
 # Some programs of that name, like that of LLVM, do not read S-records.
@@ -188,7 +211,7 @@ function(_hxzirpa_outputs base)
 endfunction()
 
 function(add_hxzirpa_program name)
-  set(switches NOCASE LISTING SYMBOLS CARRAY DEBUG BIN HEX)
+  set(switches NOCASE LISTING SYMBOLS CARRAY DEBUG BIN HEX DIAGNOSTICS)
   cmake_parse_arguments(PARSE_ARGV 1 arg "${switches}" "SOURCE" "DEFINES")
   if(name IN_LIST switches OR name MATCHES "^(SOURCE|DEFINES)$")
     _hxzirpa_refuse(${name} "the name of the target comes first, and is no keyword")
@@ -213,15 +236,17 @@ function(add_hxzirpa_program name)
   if(source IN_LIST assembled OR source IN_LIST converted)
     _hxzirpa_refuse(${name} "the source is among the outputs\n  ${source}")
   endif()
+  _hxzirpa_choose_program(${name})
   _hxzirpa_command_options(options)
+  list(PREPEND options ${command})
   file(MAKE_DIRECTORY "${directory}")
   add_custom_command(
     OUTPUT ${assembled} ${converted}
-    COMMAND "${CMAKE_COMMAND}" "-DPROGRAM=${HXZIRPA_EXECUTABLE}" "-DOPTIONS=${options}"
+    COMMAND "${CMAKE_COMMAND}" "-DPROGRAM=${program}" "-DOPTIONS=${options}"
             "-DSOURCE=${source}" "-DFILES=${assembled}" "-DCONVERTED=${converted}"
             -P "${CMAKE_CURRENT_FUNCTION_LIST_FILE}"
     ${conversions}
-    DEPENDS "${source}" "${HXZIRPA_EXECUTABLE}"
+    DEPENDS "${source}" "${program}"
     WORKING_DIRECTORY "${directory}"
     COMMENT "Assembling ${name}"
     VERBATIM)

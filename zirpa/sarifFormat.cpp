@@ -1,8 +1,10 @@
 #include "door/door.h"
+#include "zirpa/chapters.h"
 #include "zirpa/formats.h"
 
 #include <nlohmann/json.hpp>
 
+#include <algorithm>
 #include <map>
 
 namespace {
@@ -53,13 +55,24 @@ Json related_location(const std::string &file, const Note &note) {
     return location;
 }
 
+Json rule_of(const std::string &id) {
+    Json rule;
+    rule["id"] = id;
+    const std::vector<Chapter> chapters = all_chapters();
+    if (const auto chapter = std::ranges::find(chapters, id, &Chapter::id); chapter != chapters.end()) {
+        rule["shortDescription"]["text"] = chapter->meaning;
+        rule["help"]["text"] = chapter->cure;
+    }
+    return rule;
+}
+
 // Rules are numbered in the order in which they are met.
 using Rules = std::map<std::string, std::size_t>;
 
 std::size_t number_of_rule(Rules &rules, Json &listed, const std::string &id) {
     const auto [rule, is_new] = rules.try_emplace(id, rules.size());
     if (is_new) {
-        listed.push_back({{"id", id}});
+        listed.push_back(rule_of(id));
     }
     return rule->second;
 }

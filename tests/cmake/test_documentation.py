@@ -40,7 +40,7 @@ def test_every_keyword_and_property_is_described():
     module = MODULE.read_text()
     keywords = re.search(r"set\(switches (.*)\)", module).group(1).split()
     properties = re.findall(r"_hxzirpa_add_file\(\w+ (\w+)", module)
-    assert len(keywords) == 7
+    assert len(keywords) == 8
     assert len(properties) == 6
     for word in [*keywords, *(f"HXZIRPA_{name}" for name in properties)]:
         assert f"| `{word}" in TEXT, word
