@@ -11,6 +11,10 @@ include(CMakePackageConfigHelpers)
 
 install(TARGETS HXzirpa RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT program)
 
+if(TARGET companion_program)
+  install(TARGETS companion_program RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT program)
+endif()
+
 # ---- Man pages and documents --------------------------------------------------------------------
 
 # Man pages and the changelog are compressed, as Debian asks for, without a name or time in them.
@@ -35,6 +39,17 @@ foreach(section IN ITEMS 1 5)
   install_compressed(${CMAKE_SOURCE_DIR}/man/HXzirpa.${section} HXzirpa.${section}
                      ${CMAKE_INSTALL_MANDIR}/man${section} man)
 endforeach()
+if(TARGET companion_program)
+  install_compressed(${CMAKE_SOURCE_DIR}/man/zirpa.1 zirpa.1 ${CMAKE_INSTALL_MANDIR}/man1 man)
+  install(FILES completions/zirpa
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions COMPONENT completions)
+  install(FILES completions/_zirpa
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT completions)
+  install(FILES completions/zirpa.fish
+          DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT completions)
+  install(FILES zirpa/diagnostics.schema.json
+          DESTINATION ${CMAKE_INSTALL_DOCDIR}/zirpa COMPONENT doc)
+endif()
 install_compressed(${CMAKE_SOURCE_DIR}/packaging/changelog changelog
                    ${CMAKE_INSTALL_DOCDIR} doc)
 add_custom_target(compressed_files ALL DEPENDS ${compressed_files})
@@ -91,7 +106,7 @@ set(CPACK_PACKAGE_DESCRIPTION
 "HXzirpa assembles programs for the ZIRPA, an 8-bit processor with 8-bit
 addresses. It writes Motorola S-records and a script for the simulator, and on
 request a listing, the bytes as a C array, the symbol table and records for a
-debugger.
+debugger. zirpa does the same with diagnostics that point at what is wrong.
 .
 The package holds the manual, example programs, completions for bash, zsh and
 fish, support for vim and a CMake module as well.")

@@ -26,13 +26,13 @@ namespace {
 // ---- Blocks ----
 
 constexpr int kOverflowStatus = 255;
-constexpr const char *kOverflowText = "(F1010) Symbol table overflow";
 
 [[noreturn]] void end_on_overflow() {
     if (watcher != nullptr) {
-        watcher->report(ReportKind::kFatal, kOverflowText, kOverflowText, true);
+        static constexpr const char *kText = "(F1010) Symbol table overflow";
+        watcher->report(ReportKind::kFatal, kText, kText, true);
     }
-    standard_output.put({kOverflowText, "\nTerminated due to fatal error(s)"});
+    standard_output.put("(F1010) Symbol table overflow\nTerminated due to fatal error(s)");
     end_run(kOverflowStatus);
 }
 

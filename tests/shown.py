@@ -16,6 +16,7 @@ other than 0 must be shown, by the command `echo $?` right below.
 
 import difflib
 import os
+import pathlib
 import re
 import subprocess
 
@@ -23,7 +24,7 @@ import running
 
 SHOWN_DIRECTORY = "/home/me/zirpa"
 ASSEMBLY_LANGUAGES = ("szirpa", "asm")
-SOURCE_LANGUAGES = (*ASSEMBLY_LANGUAGES, "c", "cmake")
+SOURCE_LANGUAGES = (*ASSEMBLY_LANGUAGES, "c", "cmake", "make")
 
 # Commands that cannot be carried out within a test, and why. No output may be shown for them.
 NOT_RUN = {
@@ -67,7 +68,8 @@ class Reader:
         self.status = 0
         binaries = self.directory.parent / (self.directory.name + ".bin")
         binaries.mkdir()
-        (binaries / "HXzirpa").symlink_to(program)
+        for name in ("HXzirpa", "zirpa"):
+            (binaries / name).symlink_to(pathlib.Path(program).with_name(name))
         self.environment = {**os.environ, "PATH": f"{binaries}:{os.environ['PATH']}", "LC_ALL": "C"}
 
     def play(self, document):

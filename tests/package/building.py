@@ -39,6 +39,12 @@ def expected_files():
     module = ("HXzirpaProgram.cmake", "HXzirpaConfig.cmake", "HXzirpaConfigVersion.cmake")
     return {
         "bin/HXzirpa",
+        "bin/zirpa",
+        "share/man/man1/zirpa.1.gz",
+        "share/bash-completion/completions/zirpa",
+        "share/zsh/vendor-completions/_zirpa",
+        "share/fish/vendor_completions.d/zirpa.fish",
+        "share/doc/hxzirpa/zirpa/diagnostics.schema.json",
         "share/man/man1/HXzirpa.1.gz",
         "share/man/man5/HXzirpa.5.gz",
         "share/bash-completion/completions/HXzirpa",

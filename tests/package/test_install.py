@@ -47,6 +47,9 @@ def test_a_part_is_installed_alone(request, tmp_path):
     install(request, "--prefix", str(tmp_path), "--component", "completions")
     assert files_below(tmp_path) == {
         "share/bash-completion/completions/HXzirpa",
+        "share/bash-completion/completions/zirpa",
+        "share/fish/vendor_completions.d/zirpa.fish",
+        "share/zsh/vendor-completions/_zirpa",
         "share/fish/vendor_completions.d/HXzirpa.fish",
         "share/zsh/vendor-completions/_HXzirpa",
     }
@@ -55,7 +58,7 @@ def test_a_part_is_installed_alone(request, tmp_path):
 def test_everyone_may_read_what_is_installed(prefix):
     for path in prefix.rglob("*"):
         mode = stat.S_IMODE(path.stat().st_mode)
-        is_executable = path.is_dir() or path.name == "HXzirpa" and path.parent.name == "bin"
+        is_executable = path.is_dir() or path.name in ("HXzirpa", "zirpa") and path.parent.name == "bin"
         assert mode == (0o755 if is_executable else 0o644), path
 
 

@@ -1,0 +1,39 @@
+"""What the page on zirpa shows is what happens, and every option is in all documents."""
+
+import pathlib
+import re
+
+import pytest
+import running
+import shown
+
+ROOT = pathlib.Path(__file__).resolve().parents[2]
+COMMANDS = ("build", "check", "map", "explain")
+# fish has a word of its own for long options.
+DOCUMENTS = {
+    "man/zirpa.1": r"Fl (?:\w , )?-%s\b",
+    "completions/zirpa": r"--%s\b",
+    "completions/_zirpa": r"--%s\b",
+    "completions/zirpa.fish": r"-l %s\b",
+}
+
+
+def test_what_is_shown_is_what_happens(program, tmp_path):
+    reader = shown.Reader(program, tmp_path / "zirpa")
+    shown.Play("docs/zirpa.md", (ROOT / "docs" / "zirpa.md").read_text(), reader).play()
+
+
+def options(zirpa):
+    """The long options of all commands."""
+    found = set()
+    for command in COMMANDS:
+        found |= set(re.findall(r"--([a-z-]+)", running.printed_by(zirpa, command, "--help")))
+    return sorted(found - {"help", "version"})
+
+
+@pytest.mark.parametrize("name", DOCUMENTS)
+def test_every_option_is_there(name, zirpa):
+    text = (ROOT / name).read_text().replace("\\-", "-")
+    assert len(options(zirpa)) > 20
+    missing = [option for option in options(zirpa) if not re.search(DOCUMENTS[name] % option, text)]
+    assert missing == []
