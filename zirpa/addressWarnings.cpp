@@ -21,6 +21,7 @@ void AddressWarnings::take(const door::Line &line) {
     if (is_directive(line, "ORG")) {
         has_origin_ = true;
         was_beyond_ = false;
+        was_twice_ = false;
     }
     if (line.size > 0) {
         note_first_bytes(line);
@@ -50,21 +51,23 @@ void AddressWarnings::note_address(const door::Line &line) {
     was_beyond_ = end > kMemory;
 }
 
+// One line for a run of lines that write again, as when an ORG is wrong.
 void AddressWarnings::note_second_writing(const door::Line &line) {
     const auto writer = std::make_shared<SourcePlace>(operation_of(line));
-    bool is_noted = false;
+    bool is_twice = false;
     const std::uint64_t end =
         std::min<std::uint64_t>(std::uint64_t{line.address} + line.size, kMemory);
     for (std::uint64_t address = line.address; address < end; ++address) {
         std::shared_ptr<SourcePlace> &before = writers_[address];
-        if (before != nullptr && !is_noted) {
+        if (before != nullptr && !is_twice && !was_twice_) {
             findings.push_back(warning("written-twice", *writer,
                                        "the byte at " +
                                            hexadecimal(static_cast<std::uint32_t>(address)) +
                                            " has been given a value already"));
             findings.back().notes.push_back({*before, "here"});
-            is_noted = true;
         }
+        is_twice = is_twice || before != nullptr;
         before = writer;
     }
+    was_twice_ = is_twice;
 }

@@ -59,6 +59,8 @@ constexpr std::array kInvisible = std::to_array<Invisible>({
 
 constexpr Text kByteOrderMark = "\xEF\xBB\xBF";
 
+bool is_surely_visible(char ch) { return (ch >= ' ' && ch < '\x7F') || ch == '\t'; }
+
 const Invisible *invisible_at(Text text, std::size_t i) {
     const auto *row = std::ranges::find_if(
         kInvisible, [&](const Invisible &each) { return text.substr(i).starts_with(each.bytes); });
@@ -193,6 +195,10 @@ void LineWarnings::note_characters(const door::Line &line) {
     const bool is_text = is_directive(line, "FCS");
     const std::size_t end =
         is_text ? static_cast<std::size_t>(line.operation.last) : end_of_code(line);
+    // Hardly any line has such a character.
+    if (std::all_of(text.begin(), text.end(), is_surely_visible)) {
+        return;
+    }
     for (; i < end; ++i) {
         if (const Invisible *found = invisible_at(text, i); found != nullptr) {
             findings.push_back(
@@ -203,31 +209,28 @@ void LineWarnings::note_characters(const door::Line &line) {
     }
 }
 
+// True when there is something right after what a directive reads.
+bool LineWarnings::note_dropped(const door::Line &line, std::string_view reader) {
+    const Text text = line.source;
+    const std::size_t read = end_of_reading(line);
+    if (read >= std::min(text.find(';', read), text.size()) || text[read] <= ' ') {
+        return false;
+    }
+    const std::size_t word = std::min(text.find_first_of(" \t;", read), text.size());
+    findings.push_back(warning("dropped-text", piece(line, read, word),
+                               "this is not read: " + std::string(reader)));
+    return true;
+}
+
 void LineWarnings::note_tail(const door::Line &line) {
     const Text text = line.source;
-    const auto end = static_cast<std::size_t>(line.operand.last);
-    const bool reads_one =
-        is_directive(line, "FCS") || is_directive(line, "ORG") || is_directive(line, "EQU");
-    const std::size_t read = reads_one ? end_of_reading(line) : end;
-    const std::size_t comment = std::min(text.find(';', read), text.size());
-    if (read < comment && text[read] > ' ') {
-        const std::string name = is_directive(line, "FCS")   ? "FCS takes one text"
-                                 : is_directive(line, "ORG") ? "ORG takes one value"
-                                                             : "EQU takes one value";
-        const std::size_t word = std::min(text.find_first_of(" \t;", read), text.size());
-        findings.push_back(
-            warning("dropped-text", piece(line, read, word), "this is not read: " + name));
-        return;
-    }
-    const std::size_t begin = skip_blanks(text, end);
-    std::size_t last = comment;
+    const std::size_t begin = skip_blanks(text, static_cast<std::size_t>(line.operand.last));
+    std::size_t last = std::min(text.find(';', begin), text.size());
     while (last > begin && is_blank(text[last - 1])) {
         --last;
     }
-    if (begin >= last) {
-        return;
-    }
-    if (auto names = names_of_continuation(text.substr(begin, last - begin))) {
+    auto names = names_of_continuation(text.substr(begin, last - begin));
+    if (begin < last && names && takes_operand(line)) {
         computed.push_back({piece(line, begin, last), std::move(*names)});
     }
 }
@@ -266,7 +269,11 @@ void LineWarnings::take(const door::Line &line, bool is_faulty) {
     if (is_directive(line, "FCS")) {
         note_text(line, findings);
     }
-    if (takes_operand(line)) {
+    const bool is_dropped =
+        (is_directive(line, "FCS") && note_dropped(line, "FCS takes one text")) ||
+        (is_directive(line, "ORG") && note_dropped(line, "ORG takes one value")) ||
+        (is_directive(line, "EQU") && note_dropped(line, "EQU takes one value"));
+    if (!is_dropped) {
         note_tail(line);
     }
 }

@@ -37,6 +37,7 @@ class AddressWarnings {
     bool has_origin_ = false;
     bool has_bytes_ = false;
     bool was_beyond_ = false;
+    bool was_twice_ = false;
     std::array<std::shared_ptr<SourcePlace>, 256> writers_; // by address
 };
 
@@ -104,6 +105,7 @@ class LineWarnings {
 
   private:
     void note_characters(const door::Line &line);
+    bool note_dropped(const door::Line &line, std::string_view reader);
     void note_tail(const door::Line &line);
     void note_end(const door::Line &line);
 
