@@ -12,6 +12,12 @@ std::string piece_of(std::string_view line, const door::Place &place) {
     return std::string(line.substr(begin, static_cast<std::size_t>(place.last) - begin));
 }
 
+bool goes_on(const door::Line &line) {
+    const std::size_t next =
+        line.source.find_first_not_of(" \t", static_cast<std::size_t>(line.operand.last));
+    return line.operand.has_column() && next != std::string_view::npos && line.source[next] != ';';
+}
+
 // A report on a byte of a character is one on the character.
 void take_whole_character(SourcePlace &place) {
     const std::string_view text = place.text;
@@ -73,6 +79,8 @@ void Heard::take(const door::Line &line) {
         words.operation = piece_of(line.source, line.operation);
         words.operand = piece_of(line.source, line.operand);
         words.label_place = place_in(line.label, line.source);
+        words.is_label_cut = line.label.has_column() && line.operation.first == line.label.last + 1;
+        words.goes_on = goes_on(line);
     }
     for (HeardName *name : unfinished_) {
         name->place.text = line.source;

@@ -15,6 +15,8 @@ struct LineWords {
     std::string operation;
     std::string operand;
     SourcePlace label_place;
+    bool is_label_cut = false; // the operation follows the label without a blank
+    bool goes_on = false;      // there is text behind the operand, which is no comment
 };
 
 struct HeardReport {
