@@ -20,7 +20,7 @@
 #include "target/emit.h"
 #include "target/location.h"
 #include "target/optab.h"
-#include "util/text.h"
+#include "util/ahead.h"
 
 #include <algorithm>
 #include <array>
@@ -106,8 +106,9 @@ void take_byte(std::uint32_t value) {
 }
 
 void tell_of_options() {
-    for (const Symbol *head : symheads) {
-        for (const Symbol *symbol = head; symbol != nullptr; symbol = symbol->next) {
+    link_chains();
+    for (const std::vector<const Symbol *> &chain : symheads) {
+        for (const Symbol *symbol : chain) {
             tell(session->listener->definition,
                  Definition{NameKind::kOption, symbol->name_view(), {}, symbol->value, false});
         }

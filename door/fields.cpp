@@ -106,13 +106,19 @@ Piece token_at(std::string_view line, std::size_t at) {
 
 bool is_value_end(char ch) { return ch == ',' || isblanc(ch) || ch == '"'; }
 
+// True when a word is that upper-case one, in any case.
+bool is_word(std::string_view word, std::string_view name) {
+    return std::ranges::equal(word, name, {}, to_upper);
+}
+
 // The value that ends before an offset, or the register after it.
 Piece value_before(std::string_view line, const Fields &fields, std::size_t at) {
     std::size_t begin = std::clamp(at, fields.operand.begin, fields.operand.end);
     const std::string_view operand = line.substr(0, begin);
     const bool is_list =
         operand.find(',', fields.operand.begin) != std::string_view::npos &&
-        namecomparei(std::string(line.substr(fields.operation.begin)).c_str(), "fcb");
+        is_word(line.substr(fields.operation.begin, fields.operation.end - fields.operation.begin),
+                "FCB");
     if (!is_list) {
         const std::size_t start =
             fields.operand.begin + (line[fields.operand.begin] == '#' ? 1 : 0);

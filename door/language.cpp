@@ -14,7 +14,7 @@ namespace {
 
 std::vector<std::string> words_of(const DirectiveEntry *table) {
     std::vector<std::string> words;
-    for (const DirectiveEntry *entry = table; entry->name != nullptr; ++entry) {
+    for (const DirectiveEntry *entry = table; *entry->name != '\0'; ++entry) {
         words.emplace_back(entry->name);
     }
     return words;

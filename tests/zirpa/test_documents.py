@@ -20,7 +20,7 @@ DOCUMENTS = {
 
 def test_what_is_shown_is_what_happens(program, tmp_path):
     reader = shown.Reader(program, tmp_path / "zirpa")
-    shown.Play("docs/zirpa.md", (ROOT / "docs" / "zirpa.md").read_text(), reader).play()
+    reader.play(ROOT / "docs" / "zirpa.md")
 
 
 def options(zirpa):
