@@ -41,10 +41,9 @@ std::string name_of_register(int token) {
 } // namespace
 
 std::vector<std::string_view> instructions() {
-    std::vector<std::string_view> words;
-    for (const Instruction &row : optab) {
-        words.emplace_back(row.mnemonic);
-    }
+    std::vector<std::string_view> words(optab.size());
+    std::ranges::transform(optab, words.begin(),
+                           [](const Instruction &row) { return std::string_view(row.mnemonic); });
     return words;
 }
 

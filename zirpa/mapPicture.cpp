@@ -48,7 +48,7 @@ std::string names_of_row(const MemoryMap &memory, std::size_t row) {
     const auto begin = memory.labels.lower_bound(static_cast<std::uint32_t>(row));
     const auto end = memory.labels.lower_bound(static_cast<std::uint32_t>(row + kColumnsOfMap));
     for (auto label = begin; label != end; ++label) {
-        text += (text.empty() ? "  " : "  ") + hexadecimal(label->first);
+        text += "  " + hexadecimal(label->first);
         for (const std::string &name : label->second) {
             text += " " + name;
         }

@@ -115,12 +115,13 @@ std::string legend(const MemoryMap &memory) {
 
 std::string svg_of(const MemoryMap &memory, const std::string &title) {
     const std::string size = number(kWidth) + " " + number(kHeight);
-    std::string text = "<svg xmlns=\"http://www.w3.org/2000/svg\" role=\"img\" viewBox=\"0 0 " +
-                       size + "\" width=\"" + number(kWidth) + "\" height=\"" + number(kHeight) +
+    std::string text = R"(<svg xmlns="http://www.w3.org/2000/svg" role="img" viewBox="0 0 )" +
+                       size + R"(" width=")" + number(kWidth) + R"(" height=")" + number(kHeight) +
                        "\">\n";
     text += "<title>Memory map of " + escaped(title) + "</title>\n<style>" + std::string(kStyle) +
             "</style>\n";
-    text += "<path d=\"M0 0H" + number(kWidth) + "V" + number(kHeight) + "H0Z\" fill=\"#fff\"/>\n";
+    text +=
+        R"(<path d="M0 0H)" + number(kWidth) + "V" + number(kHeight) + "H0Z\" fill=\"#fff\"/>\n";
     text += text_at(kLeft, 32, "title", title, "start") + axes();
     for (std::size_t address = 0; address < kCells; ++address) {
         text += cell_svg(memory, address);

@@ -20,8 +20,11 @@ constexpr int kDeepest = 20;
 // A register's name ends at "$" and "." too, so these hide longer names.
 bool is_hidden(std::string_view name) {
     static constexpr std::array<std::string_view, 5> kRegisters = {"A", "X", "Y", "CC", "SP"};
-    const auto end = std::ranges::find_if_not(name, is_word_character);
-    std::string beginning(name.begin(), end);
+    std::size_t size = 0;
+    while (size < name.size() && is_word_character(name[size])) {
+        ++size;
+    }
+    std::string beginning(name.substr(0, size));
     std::ranges::transform(beginning, beginning.begin(), [](char ch) {
         return ch >= 'a' && ch <= 'z' ? static_cast<char>(ch & ~0x20) : ch;
     });

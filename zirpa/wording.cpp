@@ -17,7 +17,7 @@ std::string in_hexadecimal(std::int64_t value) {
     std::array<char, 20> digits{};
     const auto magnitude =
         value < 0 ? -static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
-    const auto end = std::to_chars(digits.data(), digits.data() + digits.size(), magnitude, 16).ptr;
+    char *end = std::to_chars(digits.data(), digits.data() + digits.size(), magnitude, 16).ptr;
     return (value < 0 ? "-$" : "$") + upper({digits.data(), end});
 }
 

@@ -17,3 +17,11 @@ def test_mandoc_has_nothing_to_say(section):
 @pytest.mark.parametrize("section", EACH_OTHER)
 def test_lines_are_short(section):
     assert all(len(line) <= 80 for line in page(section).read_text(encoding="ascii").splitlines())
+
+
+def test_mandoc_has_nothing_to_say_of_zirpa():
+    path = page(1).with_name("zirpa.1")
+    output = mandoc("-T", "lint", str(path)).stdout
+    others = "STYLE: referenced manual not found: Xr "
+    assert [line for line in output.splitlines() if others not in line] == []
+    assert all(len(line) <= 80 for line in path.read_text(encoding="ascii").splitlines())
