@@ -65,8 +65,10 @@ PlainByte decimal_digits(const char *p) {
 }
 
 // Emits a byte that is written as "$" and two digits or in decimal, as most data are, with a blank
-// or a comma after it. False, and nothing done, for any other item. Earns 20 % of the processor
-// time of the data workload; to measure it again, return false at once.
+// or a comma after it. False, and nothing done, for any other item.
+//
+// Fast path: without it the data workload takes 19 % more processor time. To measure it again,
+// return false at once.
 bool plain_byte() {
     const PlainByte byte = *Col_Ptr == '$' ? two_hex_digits(Col_Ptr + 1) : decimal_digits(Col_Ptr);
     if (byte.end == nullptr || !has_class(*byte.end, kClassOperandEnd)) {

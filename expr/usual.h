@@ -22,6 +22,6 @@ inline constexpr ExpressionValue kNoValue = {0, false};
 // nothing changed, unless the expression is in order, ends in a blank or a comma, knows its names
 // and divides by no zero. A single name may be new.
 //
-// Fast path: it earns half of the processor time of the expressions workload and 10 % of that of
-// the large one. To measure it again, return nothing at once.
+// Fast path: without it the workload of expressions takes 55 % more processor time, the large one
+// 13 %. To measure it again, return kNoValue at once.
 ExpressionValue usual_value(OperandRecord *operand);

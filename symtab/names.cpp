@@ -176,7 +176,7 @@ constexpr RecordNumber kFree = 0xFFFF;
 static_assert(kSymbolBlockLimit < 256 && kSymbolsPerBlock <= 256);
 
 inline Symbol *record(RecordNumber number) {
-    return block_records[number >> 8U] + (number & 0xFFU);
+    return &block_records[number >> 8U][number & 0xFFU];
 }
 
 RecordNumber last_record() {

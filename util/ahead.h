@@ -4,8 +4,8 @@
 // Every text that is scanned has kLookAhead readable bytes from each of its characters on, from its
 // terminator too. A mask has a bit for each of the sixteen, the first one lowest.
 //
-// Fast path: it earns 7 % of the processor time of the large workload. To measure it again, compile
-// without SSE2, which takes the characters one by one.
+// Fast path: without it the large workload takes 11 % more processor time, the symbols workload
+// 15 %. To measure it again, write the skips below as loops over characters.
 #pragma once
 
 #include "util/text.h"

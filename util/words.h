@@ -5,7 +5,8 @@
 // to compare. The compiler finds the multiplier that places them so, and an added word takes its
 // place by itself.
 //
-// Fast path: see find_word for what it earns.
+// Fast path: without it the large workload takes 10 % more processor time. To measure it again, let
+// find go through the keys one by one.
 #pragma once
 
 #include "util/ahead.h"
