@@ -15,6 +15,7 @@
 #include "as/asWatch.h"
 #include "door/fields.h"
 #include "door/messages.h"
+#include "door/positions.h"
 #include "expr/evaluate.h"
 #include "symtab/symtab.h"
 #include "target/emit.h"
@@ -51,15 +52,10 @@ struct Session {
     bool is_displaced = false;
     std::vector<std::uint32_t> layout; // the location counter after each line of pass 1
     std::vector<OpenBlock> blocks;
-    bool is_ended = false; // the listener has been asked
     bool has_failed = false;
 };
 
 Session *session = nullptr;
-
-std::string_view line_text() { return without_end(::Line.view()); }
-
-// ---- Positions ----
 
 // Without columns for an empty piece.
 Place place_of(const Piece &piece, int line) {
@@ -67,20 +63,6 @@ Place place_of(const Piece &piece, int line) {
         return {line, 0, 0};
     }
     return {line, static_cast<int>(piece.begin) + 1, static_cast<int>(piece.end)};
-}
-
-// The offset in the line of a position in it, or in a copy of a part of it; the size of the line
-// for any other.
-std::size_t offset_of(const char *position) {
-    if (const int column = column_of_conditional_word(position); column >= 0) {
-        return static_cast<std::size_t>(column);
-    }
-    const std::less<> is_before;
-    const char *end = ::Line.begin() + ::Line.length();
-    if (is_before(position, ::Line.begin()) || is_before(end, position)) {
-        return ::Line.length();
-    }
-    return static_cast<std::size_t>(position - ::Line.begin());
 }
 
 Place place_of_name(std::string_view name) {
@@ -361,14 +343,6 @@ Result run(const Run &run, const Listener &listener) {
     note_outputs(own.result);
     session = nullptr;
     return std::move(own.result);
-}
-
-std::vector<std::string_view> identifiers() {
-    std::vector<std::string_view> ids;
-    for (const Message &message : messages()) {
-        ids.push_back(message.id);
-    }
-    return ids;
 }
 
 } // namespace door

@@ -159,7 +159,7 @@ struct Result {
     std::string symbols;         // the symbol table, where it would have been printed
 };
 
-// Who is told. A function that is not set is not called.
+// Who is told. A function that is not set is not called. None throws.
 struct Listener {
     std::function<void(const Report &)> report;
     std::function<void(const Line &)> line;

@@ -2,6 +2,7 @@
 #include "as/asOptions.h"
 #include "as/asPseudo.h"
 #include "door/door.h"
+#include "door/messages.h"
 #include "target/optab.h"
 #include "target/scan.h"
 #include "util/text.h"
@@ -78,6 +79,14 @@ std::vector<std::string> operands_of(std::string_view instruction) {
         operands.push_back(name_of_register(pair.first) + "," + name_of_register(pair.second));
     }
     return operands;
+}
+
+std::vector<std::string_view> identifiers() {
+    std::vector<std::string_view> ids;
+    for (const Message &message : messages()) {
+        ids.push_back(message.id);
+    }
+    return ids;
 }
 
 const char *version() { return kVersion; }
