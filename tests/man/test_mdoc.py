@@ -10,8 +10,10 @@ EACH_OTHER = {1: "Xr HXzirpa 5", 5: "Xr HXzirpa 1"}
 @pytest.mark.parametrize("section", EACH_OTHER)
 def test_mandoc_has_nothing_to_say(section):
     output = mandoc("-T", "lint", str(page(section))).stdout
-    expected = f"STYLE: referenced manual not found: {EACH_OTHER[section]}"
-    assert [line for line in output.splitlines() if expected not in line] == []
+    missing = "STYLE: referenced manual not found: "
+    expected = (missing + EACH_OTHER[section], missing + "Xr zirpa 1")
+    unexpected = [line for line in output.splitlines() if not any(text in line for text in expected)]
+    assert unexpected == []
 
 
 @pytest.mark.parametrize("section", EACH_OTHER)
