@@ -43,12 +43,34 @@ const std::map<std::string, Format> kFormats = {
 const std::map<std::string, Colour> kColours = {
     {"auto", Colour::kAuto}, {"always", Colour::kAlways}, {"never", Colour::kNever}};
 
+template <typename Words> std::string listed(const Words &words) {
+    std::string text;
+    for (const auto &word : words) {
+        text += (text.empty() ? "" : ", ") + word;
+    }
+    return text;
+}
+
+CLI::Validator one_of(const std::vector<std::string> &words) {
+    const auto check = [words](const std::string &given) {
+        return std::ranges::find(words, given) != words.end()
+                   ? std::string()
+                   : given + " is none of " + listed(words);
+    };
+    return {check, ""};
+}
+
 template <typename Value>
 void add_choice(CLI::App &command, const std::string &name, Value &value,
                 const std::map<std::string, Value> &words, const std::string &text,
                 const std::string &type) {
-    command.add_option(name, value, text)
-        ->transform(CLI::CheckedTransformer(words))
+    std::vector<std::string> names;
+    std::ranges::transform(words, std::back_inserter(names),
+                           [](const auto &row) { return row.first; });
+    command
+        .add_option_function<std::string>(
+            name, [&](const std::string &word) { value = words.at(word); }, text)
+        ->check(one_of(names))
         ->option_text(type);
 }
 
@@ -69,7 +91,7 @@ void add_language_options(CLI::App &command) {
                       "Define NAME, as 0, for #ifdef and expressions");
     add_shared_option(command, "-C,--compatibility", "WORD",
                       "nocase: case does not count in names; nopure: no conditional words")
-        ->check(CLI::IsMember({"nocase", "nopure", "nonative"}));
+        ->check(one_of({"nocase", "nopure", "nonative"}));
 }
 
 // An identifier that is not known would do nothing in silence.
@@ -132,7 +154,7 @@ void add_idle_options(CLI::App &command) {
     add_shared_option(command, "-d,--debug-directory", "DIRECTORY", "Accepted; no record shows it");
     add_shared_option(command, "--address-width", "1|2|3",
                       "Accepted, as -S1, -S2 and -S3 are; addresses choose the record type")
-        ->check(CLI::IsMember({"1", "2", "3"}));
+        ->check(one_of({"1", "2", "3"}));
 }
 
 // ---- From words to requests ----
@@ -176,7 +198,8 @@ std::vector<std::string> arguments_of(int argc, const char *const *argv) {
     std::vector<std::string> arguments;
     for (int i = 1; i < argc; ++i) {
         const std::string_view word = argv[i];
-        const bool is_width = word == "-S1" || word == "-S2" || word == "-S3";
+        const bool is_width =
+            word.size() == 3 && word.starts_with("-S") && word[2] >= '0' && word[2] <= '9';
         arguments.push_back(is_width ? "--address-width=" + std::string(word.substr(2))
                                      : std::string(word));
     }
@@ -206,7 +229,9 @@ std::string unknown_word(const CLI::App &command) {
     }
     const std::string word = rest.front().substr(0, rest.front().find('='));
     const std::string hint = did_you_mean(nearest(word, known));
-    const char *what = word.starts_with('-') ? "unknown option " : "unknown command ";
+    const char *what = word.starts_with('-')             ? "unknown option "
+                       : command.get_parent() != nullptr ? "one argument too many: "
+                                                         : "unknown command ";
     return what + word + (hint.empty() ? "" : ": " + hint);
 }
 
@@ -220,6 +245,9 @@ int refuse(const CLI::App &app, const CLI::App &command, const CLI::ParseError &
     std::string text = unknown_word(command);
     if (text.empty()) {
         text = error.what();
+    }
+    if (error.get_name() == "ArgumentMismatch") {
+        text = text.substr(0, text.find(':')) + " needs a value";
     }
     const std::string name = &command == &app ? "zirpa" : "zirpa " + command.get_name();
     (void)complain("zirpa: " + text + "\nSee " + name + " --help.\n");
