@@ -175,9 +175,7 @@ using RecordNumber = std::uint16_t;
 constexpr RecordNumber kFree = 0xFFFF;
 static_assert(kSymbolBlockLimit < 256 && kSymbolsPerBlock <= 256);
 
-inline Symbol *record(RecordNumber number) {
-    return &block_records[number >> 8U][number & 0xFFU];
-}
+inline Symbol *record(RecordNumber number) { return &block_records[number >> 8U][number & 0xFFU]; }
 
 RecordNumber last_record() {
     return static_cast<RecordNumber>((symlistcnt - 1) << 8U | (symcnt - 1));
