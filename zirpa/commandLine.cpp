@@ -247,7 +247,8 @@ int refuse(const CLI::App &app, const CLI::App &command, const CLI::ParseError &
         text = error.what();
     }
     if (error.get_name() == "ArgumentMismatch") {
-        text = text.substr(0, text.find(':')) + " needs a value";
+        text.resize(std::min(text.find(':'), text.size()));
+        text += " needs a value";
     }
     const std::string name = &command == &app ? "zirpa" : "zirpa " + command.get_name();
     (void)complain("zirpa: " + text + "\nSee " + name + " --help.\n");
