@@ -93,10 +93,10 @@ void word_given_value(const Case &each) {
     each.diagnostic.message =
         quoted(name) + (is_other ? " has another value already" : " has a value already");
     const auto known = each.heard.names.find(name);
-    if (known != each.heard.names.end() && known->second.place.line != each.report.place.line) {
+    if (known != each.heard.names.end() && known->second.kind == door::NameKind::kOption) {
+        each.diagnostic.hint = "it is defined by an option";
+    } else if (known != each.heard.names.end()) {
         each.diagnostic.notes.push_back({known->second.place, "first defined here"});
-    } else {
-        each.diagnostic.hint = "first defined on line " + last_number_in(each.report.text);
     }
 }
 
