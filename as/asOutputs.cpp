@@ -166,7 +166,8 @@ void tell_failure(FailureKind kind, const Output &output, const char *reason) {
 }
 
 bool is_standard_stream(const Destination &destination) {
-    return std::ranges::any_of(std::array{STDOUT_FILENO, STDERR_FILENO}, [&](int stream) {
+    constexpr std::array kStreams = {STDOUT_FILENO, STDERR_FILENO};
+    return std::any_of(kStreams.begin(), kStreams.end(), [&](int stream) {
         const auto file = regular_file(stream);
         return file && destination.is_file(*file);
     });

@@ -21,10 +21,14 @@ std::vector<std::string> words_of(const DirectiveEntry *table) {
     return words;
 }
 
+bool is_same_word(std::string_view word, std::string_view upper) {
+    return std::equal(word.begin(), word.end(), upper.begin(), upper.end(),
+                      [](char one, char other) { return to_upper(one) == other; });
+}
+
 const Instruction *find_instruction(std::string_view word) {
-    const auto *row = std::ranges::find_if(optab, [&](const Instruction &each) {
-        return std::ranges::equal(word, std::string_view(each.mnemonic),
-                                  [](char one, char other) { return to_upper(one) == other; });
+    const auto *row = std::find_if(optab.begin(), optab.end(), [&](const Instruction &each) {
+        return is_same_word(word, each.mnemonic);
     });
     return row == optab.end() ? nullptr : row;
 }
@@ -43,15 +47,15 @@ std::string name_of_register(int token) {
 
 std::vector<std::string_view> instructions() {
     std::vector<std::string_view> words(optab.size());
-    std::ranges::transform(optab, words.begin(),
-                           [](const Instruction &row) { return std::string_view(row.mnemonic); });
+    std::transform(optab.begin(), optab.end(), words.begin(),
+                   [](const Instruction &row) { return std::string_view(row.mnemonic); });
     return words;
 }
 
 std::vector<std::string> directives() {
     std::vector<std::string> words = words_of(pseudo_zirpa);
     for (std::string &word : words) {
-        std::ranges::transform(word, word.begin(), to_upper);
+        std::transform(word.begin(), word.end(), word.begin(), to_upper);
     }
     return words;
 }

@@ -108,7 +108,8 @@ const Message &message_of(std::string_view format, std::string_view text) {
     if (format == kPlacedFormat) {
         format = text.substr(0, text.rfind(", Position["));
     }
-    const auto *found = std::ranges::find(kMessages, format, &Message::format);
+    const auto *found = std::find_if(kMessages.begin(), kMessages.end(),
+                                     [&](const Message &row) { return row.format == format; });
     return found != kMessages.end() ? *found : kUnknown;
 }
 

@@ -11,11 +11,8 @@ Inspection unreadable(const std::string &name) {
     Inspection inspection;
     inspection.file = name;
     inspection.is_unusable = true;
-    inspection.diagnostics.push_back({Severity::kError,
-                                      "cannot-read",
-                                      name,
-                                      {},
-                                      std::string("can't be read: ") + std::strerror(errno)});
+    inspection.diagnostics.push_back(
+        error_of_file("cannot-read", name, std::string("can't be read: ") + std::strerror(errno)));
     return inspection;
 }
 

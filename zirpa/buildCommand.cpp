@@ -30,11 +30,8 @@ std::string dependencies(const Inspection &inspection) {
 
 void note_unwritable(Inspection &inspection, const std::string &name) {
     inspection.is_unusable = true;
-    inspection.diagnostics.push_back({Severity::kError,
-                                      "cannot-write",
-                                      name,
-                                      {},
-                                      std::string("can't be written: ") + std::strerror(errno)});
+    inspection.diagnostics.push_back(error_of_file(
+        "cannot-write", name, std::string("can't be written: ") + std::strerror(errno)));
 }
 
 void print_records(Inspection &inspection) {

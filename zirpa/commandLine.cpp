@@ -53,7 +53,7 @@ template <typename Words> std::string listed(const Words &words) {
 
 CLI::Validator one_of(const std::vector<std::string> &words) {
     const auto check = [words](const std::string &given) {
-        return std::ranges::find(words, given) != words.end()
+        return std::find(words.begin(), words.end(), given) != words.end()
                    ? std::string()
                    : given + " is none of " + listed(words);
     };
@@ -65,8 +65,8 @@ void add_choice(CLI::App &command, const std::string &name, Value &value,
                 const std::map<std::string, Value> &words, const std::string &text,
                 const std::string &type) {
     std::vector<std::string> names;
-    std::ranges::transform(words, std::back_inserter(names),
-                           [](const auto &row) { return row.first; });
+    std::transform(words.begin(), words.end(), std::back_inserter(names),
+                   [](const auto &row) { return row.first; });
     command
         .add_option_function<std::string>(
             name, [&](const std::string &word) { value = words.at(word); }, text)
@@ -97,7 +97,7 @@ void add_language_options(CLI::App &command) {
 // An identifier that is not known would do nothing in silence.
 std::string refuse_unknown_identifier(const std::string &id) {
     const std::vector<std::string> known = all_identifiers();
-    if (id == kAllWarnings || std::ranges::find(known, id) != known.end()) {
+    if (id == kAllWarnings || std::find(known.begin(), known.end(), id) != known.end()) {
         return {};
     }
     const std::string hint = did_you_mean(nearest(id, known));
@@ -203,7 +203,7 @@ std::vector<std::string> arguments_of(int argc, const char *const *argv) {
         arguments.push_back(is_width ? "--address-width=" + std::string(word.substr(2))
                                      : std::string(word));
     }
-    std::ranges::reverse(arguments); // as the parser wants them
+    std::reverse(arguments.begin(), arguments.end()); // as the parser wants them
     return arguments;
 }
 

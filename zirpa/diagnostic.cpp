@@ -41,6 +41,14 @@ std::string_view name_of(Severity severity) {
     return severity == Severity::kError ? "error" : "warning";
 }
 
+Diagnostic error_of_file(std::string id, std::string file, std::string message) {
+    Diagnostic diagnostic;
+    diagnostic.id = std::move(id);
+    diagnostic.file = std::move(file);
+    diagnostic.message = std::move(message);
+    return diagnostic;
+}
+
 std::size_t character_size(std::string_view text) {
     const std::size_t size = announced_size(static_cast<unsigned char>(text[0]));
     if (size > text.size() ||
@@ -60,13 +68,15 @@ CharacterRange characters_of(const SourcePlace &place) {
 }
 
 void sort_by_place(std::vector<Diagnostic> &diagnostics) {
-    std::ranges::stable_sort(diagnostics, [](const Diagnostic &one, const Diagnostic &other) {
-        return std::tie(one.place.line, one.place.first) <
-               std::tie(other.place.line, other.place.first);
-    });
+    std::stable_sort(diagnostics.begin(), diagnostics.end(),
+                     [](const Diagnostic &one, const Diagnostic &other) {
+                         return std::tie(one.place.line, one.place.first) <
+                                std::tie(other.place.line, other.place.first);
+                     });
 }
 
 std::size_t count_of(const std::vector<Diagnostic> &diagnostics, Severity severity) {
     return static_cast<std::size_t>(
-        std::ranges::count(diagnostics, severity, &Diagnostic::severity));
+        std::count_if(diagnostics.begin(), diagnostics.end(),
+                      [=](const Diagnostic &each) { return each.severity == severity; }));
 }

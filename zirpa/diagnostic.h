@@ -34,6 +34,9 @@ struct Diagnostic {
     std::vector<Note> notes = {};
 };
 
+// An error of a file as a whole.
+Diagnostic error_of_file(std::string id, std::string file, std::string message);
+
 // The place in characters, as editors count: code points of UTF-8, a byte that is none is one, and
 // so is a tab. The end is the column after the last character.
 struct CharacterRange {

@@ -113,7 +113,8 @@ int explain(const std::string &id) {
         return print_or_fail(list());
     }
     const std::vector<Chapter> chapters = all_chapters();
-    const auto chapter = std::ranges::find(chapters, id, &Chapter::id);
+    const auto chapter = std::find_if(chapters.begin(), chapters.end(),
+                                      [&](const Chapter &each) { return each.id == id; });
     if (chapter != chapters.end()) {
         return print_or_fail(chapter_text(*chapter));
     }

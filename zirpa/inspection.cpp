@@ -26,11 +26,8 @@ std::string_view id_of(door::Failure::Kind kind) {
 }
 
 Diagnostic diagnostic_of(const door::Failure &failure) {
-    return {Severity::kError,
-            std::string(id_of(failure.kind)),
-            failure.name,
-            {},
-            "can't be " + std::string(verb_of(failure.kind)) + ": " + failure.reason};
+    return error_of_file(std::string(id_of(failure.kind)), failure.name,
+                         "can't be " + std::string(verb_of(failure.kind)) + ": " + failure.reason);
 }
 
 // Leaves out what is allowed and makes errors of what is denied.
@@ -61,7 +58,8 @@ void add_failures(Inspection &inspection) {
     inspection.is_unusable = true;
     std::erase_if(diagnostics, is_told_as_failure);
     std::vector<Diagnostic> failures;
-    std::ranges::transform(inspection.result.failures, std::back_inserter(failures), diagnostic_of);
+    std::transform(inspection.result.failures.begin(), inspection.result.failures.end(),
+                   std::back_inserter(failures), diagnostic_of);
     diagnostics.insert(diagnostics.begin(), failures.begin(), failures.end());
 }
 
@@ -80,7 +78,8 @@ constexpr std::array<IdleOption, 6> kIdleOptions = {{{"-I", "--include"},
 // Options from which nothing follows. The assembler takes its own short ones.
 void add_option_warnings(const Settings &settings, std::vector<Diagnostic> &diagnostics) {
     const auto has = [&](std::string_view option) {
-        return std::ranges::find(settings.options, option) != settings.options.end();
+        return std::find(settings.options.begin(), settings.options.end(), option) !=
+               settings.options.end();
     };
     const auto add = [&](std::string id, std::string message) {
         diagnostics.push_back(warning(std::move(id), {}, std::move(message)));
@@ -131,7 +130,7 @@ std::vector<Diagnostic> all_diagnostics(const Gathering &gathering, const Settin
     std::vector<Diagnostic> all = put_into_words(gathering.heard);
     std::vector<Diagnostic> silent = gathering.warnings.findings(gathering.heard, with_unused);
     blame_hidden_characters(all, silent);
-    std::ranges::move(silent, std::back_inserter(all));
+    std::move(silent.begin(), silent.end(), std::back_inserter(all));
     add_option_warnings(settings, all);
     choose(all, choice);
     sort_by_place(all);

@@ -62,8 +62,9 @@ constexpr Text kByteOrderMark = "\xEF\xBB\xBF";
 bool is_surely_visible(char ch) { return (ch >= ' ' && ch < '\x7F') || ch == '\t'; }
 
 const Invisible *invisible_at(Text text, std::size_t i) {
-    const auto *row = std::ranges::find_if(
-        kInvisible, [&](const Invisible &each) { return text.substr(i).starts_with(each.bytes); });
+    const auto *row =
+        std::find_if(kInvisible.begin(), kInvisible.end(),
+                     [&](const Invisible &each) { return text.substr(i).starts_with(each.bytes); });
     return row == kInvisible.end() ? nullptr : row;
 }
 

@@ -33,7 +33,8 @@ void MemoryMap::take(const door::Definition &definition) {
 }
 
 std::size_t MemoryMap::count(CellKind kind) const {
-    return static_cast<std::size_t>(std::ranges::count(cells, kind, &Cell::kind));
+    return static_cast<std::size_t>(std::count_if(
+        cells.begin(), cells.end(), [=](const Cell &cell) { return cell.kind == kind; }));
 }
 
 std::string_view name_of(CellKind kind) {

@@ -25,10 +25,10 @@ bool is_hidden(std::string_view name) {
         ++size;
     }
     std::string beginning(name.substr(0, size));
-    std::ranges::transform(beginning, beginning.begin(), [](char ch) {
+    std::transform(beginning.begin(), beginning.end(), beginning.begin(), [](char ch) {
         return ch >= 'a' && ch <= 'z' ? static_cast<char>(ch & ~0x20) : ch;
     });
-    return std::ranges::find(kRegisters, beginning) != kRegisters.end();
+    return std::find(kRegisters.begin(), kRegisters.end(), beginning) != kRegisters.end();
 }
 
 } // namespace
@@ -47,7 +47,8 @@ void NameWarnings::take(const door::Reference &reference) {
 // Whether a constant is computed from labels, by way of other constants or not. Whoever nests
 // deeper has the other warning.
 bool NameWarnings::is_of_labels(const Name &name, int depth) const {
-    return depth < kDeepest && std::ranges::any_of(name.operands, [&](const std::string &operand) {
+    return depth < kDeepest &&
+           std::any_of(name.operands.begin(), name.operands.end(), [&](const std::string &operand) {
                const Name &known = names_.find(operand)->second;
                return (known.kind == door::NameKind::kLabel && known.place.line != 0) ||
                       is_of_labels(known, depth + 1);
@@ -85,8 +86,9 @@ void NameWarnings::take(const door::Line &line) {
             known.is_tested = definition.is_tested;
         }
         if (definition.kind == door::NameKind::kConstant && known.operands.empty()) {
-            std::ranges::transform(pending_references_, std::back_inserter(known.operands),
-                                   &PendingReference::name);
+            std::transform(pending_references_.begin(), pending_references_.end(),
+                           std::back_inserter(known.operands),
+                           [](const PendingReference &each) { return each.name; });
         }
     }
     pending_references_.clear();

@@ -59,7 +59,8 @@ Json rule_of(const std::string &id) {
     Json rule;
     rule["id"] = id;
     const std::vector<Chapter> chapters = all_chapters();
-    if (const auto chapter = std::ranges::find(chapters, id, &Chapter::id);
+    if (const auto chapter = std::find_if(chapters.begin(), chapters.end(),
+                                          [&](const Chapter &each) { return each.id == id; });
         chapter != chapters.end()) {
         rule["shortDescription"]["text"] = chapter->meaning;
         rule["help"]["text"] = chapter->cure;

@@ -15,8 +15,8 @@ bool is_operation(std::string_view word) {
     const std::string name = upper(word);
     const std::vector<std::string_view> instructions = door::instructions();
     const std::vector<std::string> directives = door::directives();
-    return std::ranges::find(instructions, name) != instructions.end() ||
-           std::ranges::find(directives, name) != directives.end();
+    return std::find(instructions.begin(), instructions.end(), name) != instructions.end() ||
+           std::find(directives.begin(), directives.end(), name) != directives.end();
 }
 
 struct ForeignWord {
@@ -51,7 +51,9 @@ constexpr std::array kForeignWords = std::to_array<ForeignWord>({
 });
 
 std::string hint_for_operation(std::string_view word) {
-    const auto *foreign = std::ranges::find(kForeignWords, upper(word), &ForeignWord::word);
+    const auto *foreign =
+        std::find_if(kForeignWords.begin(), kForeignWords.end(),
+                     [name = upper(word)](const ForeignWord &row) { return row.word == name; });
     if (foreign != kForeignWords.end()) {
         return std::string(foreign->hint);
     }
@@ -85,7 +87,7 @@ void hint_at_operands(const Case &each) {
 constexpr std::string_view kGoingOn = ",+-*/&|^=<>(#";
 
 bool is_unbalanced(std::string_view text) {
-    return std::ranges::count(text, '(') != std::ranges::count(text, ')');
+    return std::count(text.begin(), text.end(), '(') != std::count(text.begin(), text.end(), ')');
 }
 
 // What is wrong with the form of an operand, for faults that nearly everyone makes once.
@@ -115,8 +117,8 @@ std::string quoted(std::string_view text) { return "'" + std::string(text) + "'"
 
 std::string upper(std::string_view text) {
     std::string result(text);
-    std::ranges::transform(result, result.begin(),
-                           [](unsigned char ch) { return static_cast<char>(std::toupper(ch)); });
+    std::transform(result.begin(), result.end(), result.begin(),
+                   [](unsigned char ch) { return static_cast<char>(std::toupper(ch)); });
     return result;
 }
 

@@ -70,7 +70,7 @@ std::vector<std::string> nearest(std::string_view word, const std::vector<std::s
             candidates.push_back({away, common_beginning(word, each), &each});
         }
     }
-    std::ranges::stable_sort(candidates, is_nearer);
+    std::stable_sort(candidates.begin(), candidates.end(), is_nearer);
     std::vector<std::string> found;
     for (const Candidate &candidate : candidates) {
         if (found.size() < kMostWords && candidate.away == candidates.front().away) {

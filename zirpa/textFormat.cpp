@@ -61,7 +61,8 @@ constexpr std::array<Range, 5> kNarrow = {
     {{0x300, 0x36F}, {0x200B, 0x200F}, {0x202A, 0x202E}, {0x2060, 0x206F}, {0xFEFF, 0xFEFF}}};
 
 template <typename Ranges> bool is_in(const Ranges &ranges, std::uint32_t code) {
-    return std::ranges::any_of(ranges, [=](const Range &range) { return range.holds(code); });
+    return std::any_of(ranges.begin(), ranges.end(),
+                       [=](const Range &range) { return range.holds(code); });
 }
 
 // What a terminal would obey instead of showing: controls but the tab, and marks of direction.

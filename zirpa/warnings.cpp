@@ -5,20 +5,26 @@
 namespace {
 
 bool is_same_word(std::string_view word, std::string_view upper) {
-    return std::ranges::equal(word, upper, [](char one, char other) {
-        return one == other || (one >= 'a' && one <= 'z' && (one & ~0x20) == other);
-    });
+    return std::equal(
+        word.begin(), word.end(), upper.begin(), upper.end(), [](char one, char other) {
+            return one == other || (one >= 'a' && one <= 'z' && (one & ~0x20) == other);
+        });
 }
 
 void append(std::vector<Diagnostic> &all, std::vector<Diagnostic> more) {
-    std::ranges::move(more, std::back_inserter(all));
+    std::move(more.begin(), more.end(), std::back_inserter(all));
 }
 
 } // namespace
 
 Diagnostic warning(std::string id, SourcePlace place, std::string message, std::string hint) {
-    return {Severity::kWarning, std::move(id),      {},
-            std::move(place),   std::move(message), std::move(hint)};
+    Diagnostic diagnostic;
+    diagnostic.severity = Severity::kWarning;
+    diagnostic.id = std::move(id);
+    diagnostic.place = std::move(place);
+    diagnostic.message = std::move(message);
+    diagnostic.hint = std::move(hint);
+    return diagnostic;
 }
 
 std::string_view text_at(const door::Line &line, const door::Place &place) {
@@ -52,8 +58,9 @@ std::vector<Diagnostic> Warnings::findings(const Heard &heard, bool with_unused)
     append(all, lines_.findings);
     append(all, expressions_.findings);
     for (const LineWarnings::Computed &computed : lines_.computed) {
-        const bool is_known = std::ranges::all_of(
-            computed.names, [&](const std::string &name) { return heard.names.contains(name); });
+        const bool is_known =
+            std::all_of(computed.names.begin(), computed.names.end(),
+                        [&](const std::string &name) { return heard.names.contains(name); });
         if (is_known) {
             all.push_back(warning("text-after-operand", computed.place,
                                   "a blank ends the operand, so this is a comment"));

@@ -230,7 +230,8 @@ Diagnostic diagnostic_of(const HeardReport &report, const Heard &heard) {
     diagnostic.file = heard.file;
     diagnostic.place = report.place;
     diagnostic.message = report.text;
-    const auto *row = std::ranges::find(kWordings, report.id, &Wording::id);
+    const auto *row = std::find_if(kWordings.begin(), kWordings.end(),
+                                   [&](const Wording &each) { return each.id == report.id; });
     if (row == kWordings.end()) {
         return diagnostic;
     }
@@ -267,7 +268,7 @@ bool follows(const HeardReport &report, const HeardReport &before) {
         return true;
     }
     return before.id.ends_with("-digit") &&
-           std::ranges::find(kAfterDigit, report.id) != kAfterDigit.end();
+           std::find(kAfterDigit.begin(), kAfterDigit.end(), report.id) != kAfterDigit.end();
 }
 
 // An error says all that the next one on its line does.
