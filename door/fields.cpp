@@ -108,7 +108,8 @@ bool is_value_end(char ch) { return ch == ',' || isblanc(ch) || ch == '"'; }
 
 // True when a word is that upper-case one, in any case.
 bool is_word(std::string_view word, std::string_view name) {
-    return std::ranges::equal(word, name, {}, to_upper);
+    return std::equal(word.begin(), word.end(), name.begin(), name.end(),
+                      [](char ch, char expected) { return to_upper(ch) == expected; });
 }
 
 // The value that ends before an offset, or the register after it.
