@@ -1,7 +1,7 @@
 """DIAGNOSTICS assembles by zirpa, which fails whenever something is wrong."""
 
 import pytest
-from expected_bytes import s_records, script
+from expected import s_records, script_of_bytes
 
 ERRORS = "".join("  FOO\n" for _ in range(65_536))
 
@@ -10,7 +10,7 @@ def test_the_outputs_are_the_same(project):
     project.describe_program("      ORG   $20\n      FCB   1,2,3\n", "DIAGNOSTICS")
     project.make()
     assert project.output("p", "p.s19") == s_records(0x20, bytes([1, 2, 3]))
-    assert project.output("p", "p.fmem") == script("p.fmem", 0x20, bytes([1, 2, 3]))
+    assert project.output("p", "p.fmem") == script_of_bytes("p.fmem", [(0x20, bytes([1, 2, 3]))])
 
 
 def test_messages_point_at_what_is_wrong(project):
