@@ -26,9 +26,6 @@ class Destination {
     // As if no name had been looked up.
     void forget();
 
-    // The name that was looked up.
-    const std::string &name() const { return name_; }
-
     // Whether it leads to the same file as another name does, which need not exist yet. What is no
     // regular file holds nothing that could be lost, and is never the same.
     bool is_same_file(const Destination &other) const;

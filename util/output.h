@@ -44,7 +44,6 @@ class OutputFile {
 
     // Where the file is to go; looked up before it is created.
     Destination &destination() { return destination_; }
-    const Destination &destination() const { return destination_; }
 
     // Begins a file at the destination. Returns false when that fails; the object is closed then.
     bool create();
