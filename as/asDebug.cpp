@@ -5,10 +5,6 @@
 
 #include "as/asList.h"
 #include "as/asPlace.h"
-#include "as/asRead.h"
-#include "expr/evaluate.h"
-#include "symtab/symtab.h"
-#include "target/location.h"
 #include "target/srecord.h"
 #include "util/format.h"
 

@@ -12,7 +12,6 @@
 #include "symtab/symtab.h"
 #include "target/scan.h"
 #include "util/text.h"
-#include "util/wrap.h"
 
 #include <array>
 #include <cstddef>
@@ -31,7 +30,7 @@ struct FoundName {
 struct Reader {
     const char *p;
     bool is_usual = true;
-    int depth = 0; // functions that wait for a product on their right
+    int depth = 0; // prefixes, parentheses and products that are open
     std::size_t names = 0;
     std::array<FoundName, kMostNames> found_names;
 };

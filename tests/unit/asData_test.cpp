@@ -66,6 +66,17 @@ TEST_F(Data, ByteListEmitsItsItems) {
     EXPECT_EQ(take_output(), "");
 }
 
+TEST_F(Data, ByteListTakesPlainBytesForWhatTheirLongerFormsAre) {
+    begin_final_pass();
+    // One, two and three digits, more than are read plainly, and what only begins plainly.
+    EXPECT_EQ(define_data("0,7,42,255,0255,00001,$0f,$5,$005,$FF,$10+1,9*2,12-3\n"), 1);
+    EXPECT_EQ(bytes(), (Bytes{0, 7, 42, 255, 255, 1, 15, 5, 5, 255, 17, 18, 9}));
+    EXPECT_EQ(take_output(), "");
+    EXPECT_EQ(define_data("256\n"), 1);
+    EXPECT_EQ(bytes(), (Bytes{0}));
+    EXPECT_EQ(take_output(), error("Value (0x100) is truncated"));
+}
+
 TEST_F(Data, ByteListTakesTheSameRoomInEveryPass) {
     EXPECT_EQ(define_data("1,2,3\n"), 1);
     EXPECT_EQ(LC, 3U);
