@@ -5,6 +5,7 @@ import pty
 import re
 import subprocess
 import tty
+from concurrent.futures import ThreadPoolExecutor
 
 import pytest
 from stream_runs import SUMMARY, environment_when_traced, traced
@@ -20,15 +21,15 @@ def open_terminal():
     return ours, theirs
 
 
+END = b"<what was shown ends here>"
+
+
 def everything_from(ours):
-    parts = []
-    try:
-        while part := os.read(ours, 65536):
-            parts.append(part)
-    except OSError:
-        # The last process has closed its side.
-        pass
-    return b"".join(parts)
+    """What arrives before END."""
+    shown = b""
+    while not shown.endswith(END):
+        shown += os.read(ours, 65536)
+    return shown.removesuffix(END)
 
 
 @pytest.fixture(name="on_terminal")
@@ -38,12 +39,18 @@ def runner_on_a_terminal(place):
     def run(*arguments, **options):
         ours, theirs = open_terminal()
         try:
-            with place.start(*arguments, stdout=theirs, **options) as process:
-                os.close(theirs)
-                shown = everything_from(ours)
+            with ThreadPoolExecutor() as pool, place.start(
+                *arguments, stdout=theirs, **options
+            ) as process:
+                shown = pool.submit(everything_from, ours)
+                process.wait()
+                # A terminal whose last writer has gone may drop what is still on its way, so this
+                # side stays open and writes last.
+                os.write(theirs, END)
+                return process.returncode, shown.result()
         finally:
             os.close(ours)
-        return process.returncode, shown
+            os.close(theirs)
 
     return run
 
