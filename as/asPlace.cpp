@@ -23,16 +23,11 @@ void LineBuffer::assign(const char *text, std::size_t size) {
     terminate(std::strlen(text_.data()));
 }
 
-void LineBuffer::assign_without_nul(const char *text, std::size_t size) {
-    const std::size_t taken = std::min(size, kLineReadLimit);
-    // In whole pieces, for which there is room after the file's text and the line's. Most lines are
-    // one, and a copy of fixed size is a few moves instead of a call.
-    std::size_t i = 0;
-    do {
-        std::memcpy(&text_[i], &text[i], kFileGuard);
-        i += kFileGuard;
-    } while (i < taken);
+std::size_t LineBuffer::take_line(const char *text, std::size_t size) {
+    const std::size_t taken =
+        copy_with_line_feed(text_.data(), text, std::min(size, kLineReadLimit));
     terminate(taken);
+    return taken;
 }
 
 void LineBuffer::end_in_line_feed() {

@@ -26,8 +26,9 @@ class LineBuffer {
     // Takes at most kLineReadLimit bytes; a NUL among them ends the text.
     void assign(const char *text, std::size_t size);
 
-    // The same for bytes of a file, of which none is a NUL.
-    void assign_without_nul(const char *text, std::size_t size);
+    // The same for a file's text without NULs, up to its first line feed. Returns how many bytes it
+    // has taken.
+    std::size_t take_line(const char *text, std::size_t size);
 
     // Cuts the last two characters and ends the line in a line feed instead.
     void end_in_line_feed();
@@ -55,6 +56,8 @@ struct FileEntry {
     int saved_line = 0;             // line number to resume at
     const FileText *text = nullptr; // the file's bytes, owned by the module for the run
     std::size_t position = 0;       // offset of the next byte to read
+
+    const char *rest() const { return text->data.get() + position; } // what is still to be read
 };
 
 // ---- State owned here ----

@@ -181,23 +181,22 @@ void enter_file(const LoadedFile &file) {
 // The size of the next piece of a file: up to a line feed, kLineReadLimit bytes or the end.
 inline std::size_t piece_size(const FileEntry &file) {
     const std::size_t left = std::min(file.text->size - file.position, kLineReadLimit);
-    return size_with_line_feed(&file.text->data[file.position], left);
+    return size_with_line_feed(file.rest(), left);
 }
 
 // Reads the next piece of a file into Line. Only a text with a NUL needs a look at where the line
 // ends before it.
 bool read_piece(FileEntry &file) {
     const FileText &text = *file.text;
-    const std::size_t size = piece_size(file);
-    if (size == 0) {
+    if (file.position == text.size) {
         return false;
     }
-    const char *start = &text.data[file.position];
-    file.position += size;
     if (text.holds_nul) {
-        Line.assign(start, size);
+        const std::size_t size = piece_size(file);
+        Line.assign(file.rest(), size);
+        file.position += size;
     } else {
-        Line.assign_without_nul(start, size);
+        file.position += Line.take_line(file.rest(), text.size - file.position);
     }
     return true;
 }
@@ -321,8 +320,7 @@ std::string_view next_source_line() {
     if (file_being_read == nullptr || endflag != 0) {
         return {};
     }
-    const FileEntry &file = *file_being_read;
-    return {&file.text->data[file.position], piece_size(file)};
+    return {file_being_read->rest(), piece_size(*file_being_read)};
 }
 
 void skip_source_line(std::size_t size) {

@@ -129,4 +129,21 @@ TEST(SizeWithLineFeed, IsAllOfAPieceWithoutOne) {
     }
 }
 
+// What is copied goes up to the end of the 64 bytes that hold the piece's end, and no farther.
+TEST(CopyWithLineFeed, CopiesThePieceAndTellsItsSize) {
+    constexpr std::size_t kMost = 200;
+    for (std::size_t size = 0; size <= kMost; ++size) {
+        for (std::size_t feed = 0; feed <= kMost; ++feed) {
+            std::string text(kMost + 2 * kFileGuard, 'a');
+            text[feed] = '\n';
+            std::string copy(text.size(), '?');
+            const std::size_t copied = copy_with_line_feed(copy.data(), text.data(), size);
+            ASSERT_EQ(copied, std::min(size, feed + 1)) << size << ' ' << feed;
+            EXPECT_EQ(copy.substr(0, copied), text.substr(0, copied));
+            const std::size_t pieces = (copied + kFileGuard - 1) / kFileGuard;
+            EXPECT_EQ(copy.find_last_not_of('?') + 1, pieces * kFileGuard);
+        }
+    }
+}
+
 } // namespace
