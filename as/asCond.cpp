@@ -13,6 +13,7 @@
 #include "expr/evaluate.h"
 #include "symtab/symtab.h"
 #include "target/scan.h"
+#include "util/ahead.h"
 #include "util/text.h"
 #include "util/wrap.h"
 
@@ -43,9 +44,6 @@ std::int32_t &satisfied() {
 
 // ---- The operand words of a line ----
 
-// NULs after the copy, so that it may be read ahead as the line itself may be.
-constexpr std::size_t kLookAhead = 16;
-
 // A copy of the rest of the line, split at blanks: names and expressions are read up to a NUL,
 // while the line itself has to stay whole for the listing. After the copy there is room for a look
 // ahead.
@@ -59,22 +57,15 @@ struct OperandWords {
 };
 OperandWords words;
 
-char *skip_blanks(char *p) {
-    while (*p != '\0' && isblanc(*p)) {
-        ++p;
-    }
-    return p;
-}
+char *after_blanks(char *p) { return p + (skip_blanks(p) - p); }
 
 // Ends the word at p; returns the start of the next.
 char *end_word(char *p) {
-    while (!isblanc(*p)) {
-        ++p;
-    }
+    p += skip_word(p) - p;
     if (*p != '\0') {
         *p++ = '\0';
     }
-    return skip_blanks(p);
+    return after_blanks(p);
 }
 
 void read_words() {
@@ -82,7 +73,7 @@ void read_words() {
     std::memcpy(words.text.data(), Col_Ptr, length);
     std::memset(&words.text[length], 0, kLookAhead);
     words.column = static_cast<int>(Col_Ptr - Line_Ptr);
-    words.first = skip_blanks(words.text.data());
+    words.first = after_blanks(words.text.data());
     words.second = end_word(words.first);
     end_word(words.second);
 }

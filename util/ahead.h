@@ -23,6 +23,12 @@ inline constexpr std::size_t kLookAhead = 16;
 
 using AheadMask = std::uint16_t;
 
+// For how many of the characters the mask's test holds before it first does not: 0 to 16. The bit
+// above the sixteen spares a question for a mask without one that fails.
+constexpr std::size_t run_length(AheadMask mask) {
+    return static_cast<std::size_t>(std::countr_zero(~unsigned{mask} | 1U << kLookAhead));
+}
+
 // The characters for which a test holds: what the others below do, and how where there is no SSE2.
 template <typename Test> AheadMask mask_of(const char *text, Test test) {
     unsigned mask = 0;
@@ -42,10 +48,11 @@ inline __m128i characters_at(const char *text) {
 
 inline AheadMask to_mask(__m128i lanes) { return static_cast<AheadMask>(_mm_movemask_epi8(lanes)); }
 
-// Bytes from low to high, both below 128.
+// The bytes from low to high: those that are no farther above low than high is.
 inline __m128i lanes_between(__m128i characters, char low, char high) {
-    return _mm_and_si128(_mm_cmpgt_epi8(characters, _mm_set1_epi8(static_cast<char>(low - 1))),
-                         _mm_cmplt_epi8(characters, _mm_set1_epi8(static_cast<char>(high + 1))));
+    const __m128i distances = _mm_sub_epi8(characters, _mm_set1_epi8(low));
+    const __m128i limits = _mm_set1_epi8(static_cast<char>(high - low));
+    return _mm_cmpeq_epi8(_mm_min_epu8(distances, limits), distances);
 }
 
 inline AheadMask blank_or_tab_mask(const char *text) {
@@ -94,14 +101,19 @@ inline AheadMask blank_mask(const char *text) {
     return static_cast<AheadMask>(~(word_char_mask(text) | nul_mask(text)));
 }
 
-// The first character from text on for which the mask has no bit.
-template <AheadMask (*mask)(const char *)> const char *skip_run(const char *text) {
-    std::size_t run = kLookAhead;
-    while (run == kLookAhead) {
-        run = static_cast<std::size_t>(std::countr_one(mask(text)));
-        text += run;
+// The first character from text on for which the mask has no bit. What is longer than a look is
+// kept apart, as hardly anything is.
+template <AheadMask (*mask)(const char *)>
+[[gnu::noinline]] const char *skip_long_run(const char *text) {
+    while (run_length(mask(text)) == kLookAhead) {
+        text += kLookAhead;
     }
-    return text;
+    return text + run_length(mask(text));
+}
+
+template <AheadMask (*mask)(const char *)> const char *skip_run(const char *text) {
+    const std::size_t run = run_length(mask(text));
+    return run < kLookAhead ? text + run : skip_long_run<mask>(text + run);
 }
 
 // The first character that is no blank or tab. Unlike skip_blanks it stops at other control
@@ -112,6 +124,9 @@ inline const char *skip_blanks_and_tabs(const char *text) {
 
 // The first character that is no blank, as skipblanc finds it.
 inline const char *skip_blanks(const char *text) { return skip_run<blank_mask>(text); }
+
+// The first blank, in the sense of isblanc, or the end of the text.
+inline const char *skip_word(const char *text) { return skip_run<word_char_mask>(text); }
 
 // The first character that belongs to no symbol.
 inline const char *skip_symbol_chars(const char *text) { return skip_run<symbol_char_mask>(text); }

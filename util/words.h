@@ -43,7 +43,7 @@ struct Word {
 
 inline Word word_at(const char *text) {
     static_assert(std::endian::native == std::endian::little);
-    const auto length = static_cast<std::size_t>(std::countr_one(word_char_mask(text)));
+    const auto length = run_length(word_char_mask(text));
     if (length == 0 || length > kWordLimit) {
         return {};
     }

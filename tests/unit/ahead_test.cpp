@@ -45,6 +45,15 @@ TEST(Masks, HaveABitForEachCharacterOfTheirClass) {
         nul_mask, [](char ch) { return ch == '\0'; }, 'x');
 }
 
+TEST(RunLength, IsTheNumberOfLowestBitsThatAreSet) {
+    for (std::size_t length = 0; length <= kLookAhead; ++length) {
+        const unsigned run = (1U << length) - 1U;
+        EXPECT_EQ(run_length(static_cast<AheadMask>(run)), length);
+        // Bits above the first that is not set do not count.
+        EXPECT_EQ(run_length(static_cast<AheadMask>(run | ~1U << length)), length);
+    }
+}
+
 TEST(SkipBlanksAndTabs, StopsAtEveryOtherByte) {
     for (int code = 0; code < 256; ++code) {
         const std::string text = with_room(std::string(" \t ") + byte(code) + "x");
@@ -60,6 +69,7 @@ TEST(Skips, GoOnAfterSixteenCharacters) {
         EXPECT_EQ(skip_blanks(blanks.c_str()), blanks.c_str() + size);
         const std::string name = with_room(std::string(size, '$'));
         EXPECT_EQ(skip_symbol_chars(name.c_str()), name.c_str() + size);
+        EXPECT_EQ(skip_word(name.c_str()), name.c_str() + size);
     }
 }
 
