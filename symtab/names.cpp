@@ -36,7 +36,9 @@ constexpr int kOverflowStatus = 255;
     end_run(kOverflowStatus);
 }
 
-std::array<Symbol *, kSymbolBlockLimit> block_records{}; // the first record of each block
+// The first record of each block. There are fewer blocks, but a byte that numbers one is a place in
+// here whatever it is, so that the compiler sees nothing to check.
+std::array<Symbol *, 256> block_records{};
 
 // A block has room for all of its records from the start, so that they never move.
 void add_block() {
@@ -183,7 +185,7 @@ RecordNumber last_record() {
 
 // An open-addressing table, a power of two large and at most half full: a search goes on from its
 // first place until it meets the name or a free place, which is never far.
-constexpr unsigned kFirstIndexBits = 8;
+constexpr unsigned kFirstIndexBits = 9;
 std::vector<RecordNumber> symbol_index;
 unsigned index_shift = 0; // from a hash to a place, in bits
 
@@ -202,9 +204,9 @@ void insert_into_index(RecordNumber number, std::uint64_t hash) {
 }
 
 void grow_index() {
-    std::vector<RecordNumber> old(symbol_index.size() * 2, kFree);
+    std::vector<RecordNumber> old(symbol_index.size() * 4, kFree);
     old.swap(symbol_index);
-    --index_shift;
+    index_shift -= 2;
     for (const RecordNumber number : old) {
         if (number != kFree) {
             insert_into_index(number, stored_key(record(number)->name_view()).hash);
