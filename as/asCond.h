@@ -23,8 +23,8 @@ extern std::int32_t skipping; // depth of the conditional whose lines are skippe
 void init_as_conditional_handling();
 
 // Carries out the conditional word of that number, with the scan position after it: 1; or 0 for
-// any other number.
-int DoCond(int token);
+// any other number. Kept apart from the way of all other lines.
+[[gnu::noinline]] int DoCond(int token);
 
 // The 0-based column of a position in the copy of the conditional line that was read last; -1 for
 // any other position.

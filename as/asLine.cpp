@@ -35,8 +35,6 @@ void done_without_address() {
     pending_listLC = 0;
 }
 
-bool is_line_text_end(char ch) { return ch == '\n' || ch == '\0'; }
-
 // ---- The steps of a line, in their order ----
 
 void begin_statement() {
@@ -60,7 +58,9 @@ bool conditional_word(const char *field) {
 
 // Quirk (indented-comment): a comment in the first column has no address in the listing, one after
 // blanks has.
-bool is_empty_or_comment() { return is_line_text_end(*Line_Ptr) || IsCommentChar(*Line_Ptr) != 0; }
+bool is_empty_or_comment() {
+    return *Line_Ptr == '\n' || *Line_Ptr == '\0' || IsCommentChar(*Line_Ptr) != 0;
+}
 
 // Pass 0 takes such a line for an ordinary one, whose label is faulty.
 bool is_debugger_line(int pass) {
@@ -68,8 +68,8 @@ bool is_debugger_line(int pass) {
 }
 
 // Records a debugger line, or skips it together with its continuation lines. False when the source
-// ends inside.
-bool debugger_line(int pass) {
+// ends inside. Kept apart from the way of all other lines.
+[[gnu::noinline]] bool debugger_line(int pass) {
     if (pass == 2 && O_symdebug != 0) {
         ProcessStab();
     } else {
@@ -152,21 +152,10 @@ void instruction() {
     }
 }
 
-} // namespace
-
-void assaline(int pass) {
-    begin_statement(); // 1
+// A line with a label, an operation or both.
+void statement(int pass, const char *field) {
     const std::uint32_t location = LC;
-    const char *field = skip_blanks_and_tabs(Line_Ptr);
-    if (conditional_word(field) || is_true_level() == 0 || is_empty_or_comment()) { // 2
-        done_without_address();
-    } else if (is_debugger_line(pass)) { // 3
-        if (!debugger_line(pass)) {
-            return;
-        }
-    } else {
-        label_field(field); // 4
-    }
+    label_field(field);  // 4
     skip_to_operation(); // 5
     if (pass == 0) {
         constants_only(); // 6
@@ -179,6 +168,26 @@ void assaline(int pass) {
     instruction();               // 10
 }
 
+} // namespace
+
+void assaline(int pass) {
+    begin_statement(); // 1
+    const char *field = skip_blanks_and_tabs(Line_Ptr);
+    if (conditional_word(field) || is_true_level() == 0 || is_empty_or_comment()) { // 2
+        done_without_address();
+    } else if (is_debugger_line(pass)) { // 3
+        if (!debugger_line(pass)) {
+            return;
+        }
+    } else {
+        statement(pass, field);
+        return;
+    }
+    if (pass != 0) {
+        listLC = LC; // as in a line with a statement
+    }
+}
+
 int Skip_Delimiter() {
     const char delimiter = *Col_Ptr++;
     if (delimiter == ',') {
@@ -187,15 +196,4 @@ int Skip_Delimiter() {
     Error("Bad delimiter");
     Line_Done = 1;
     return 1;
-}
-
-const char *SkipSpace() {
-    if (isblanc(*Col_Ptr)) {
-        Col_Ptr = skip_blanks_and_tabs(Col_Ptr);
-    }
-    if (is_line_text_end(*Col_Ptr)) {
-        Line_Done = 1;
-        return nullptr;
-    }
-    return Col_Ptr;
 }

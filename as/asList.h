@@ -39,8 +39,8 @@ extern Segment *current_seg; // never set: there is one address space
 // ---- Functions ----
 
 // The segment of exactly that name. With create set, a missing one is appended, unless the name is
-// null or empty. Null if there is no such segment.
-Segment *LookupSegment(const char *name, int create);
+// null or empty. Null if there is no such segment. Kept apart, as a run makes one.
+[[gnu::cold]] Segment *LookupSegment(const char *name, int create);
 
 // The segment of constants and of names without a place, "abs"; made by the first call.
 Segment *absolute_segment();

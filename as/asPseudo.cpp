@@ -77,7 +77,7 @@ constexpr WordTable<kDirectives, 5> kDirectiveWords(pseudo_zirpa, &DirectiveEntr
 
 // The directive at the scan position, which moves to the operand: past the word and the blanks
 // after it, line ends included. Null if there is none; the scan position then stays.
-const DirectiveEntry *take_directive() {
+inline const DirectiveEntry *take_directive() {
     const Word word = word_at(Col_Ptr);
     const std::size_t row = kDirectiveWords.find(word.key);
     if (row == kDirectives) {
