@@ -38,11 +38,11 @@ SHORT = [("clang++-14", "-O0", "-funsigned-char")]
 FULL = [
     (compiler, level, sign)
     for compiler in ("g++", "clang++-14")
-    for level in ("-O0", "-O2")
+    for level in ("-O0", "-O3")
     for sign in ("-funsigned-char", "-fsigned-char")
 ]
 if platform.machine() == "x86_64":
-    FULL += [("g++", "-O2", "-m32"), ("g++", "-O0", "-funsigned-char", "-m32")]
+    FULL += [("g++", "-O3", "-m32"), ("g++", "-O0", "-funsigned-char", "-m32")]
 
 
 def locale_environment(name):
