@@ -259,6 +259,13 @@ TEST_F(Door, TheSymbolTableIsWhatWouldHaveBeenPrinted) {
     EXPECT_EQ(assemble("five EQU 5\n", {"-S", "-L"}).symbols, "");
 }
 
+TEST_F(Door, OperandsAreTheFormsThatAnInstructionTakes) {
+    EXPECT_EQ(door::operands_of("bra"), std::vector<std::string>{"n"});
+    EXPECT_TRUE(door::operands_of("NOP").empty());
+    EXPECT_TRUE(door::operands_of("ORG").empty());
+    EXPECT_TRUE(door::operands_of("LD").empty());
+}
+
 TEST_F(Door, OneRunLeavesNothingToTheNext) {
     const door::Result first = assemble(" ORG 16\nl NOP\n##if 0\n", {"-C", "nocase"});
     const door::Result second = assemble(" ORG 0\n NOP\n");

@@ -1,9 +1,11 @@
 // Temporary files: they take a lasting name or go, whatever ends the process.
 #include "util/temporary.h"
 
+#include "tests/calls/system_calls.h"
 #include "tests/unit/support.h"
 
 #include <array>
+#include <cerrno>
 #include <csignal>
 #include <filesystem>
 
@@ -149,6 +151,59 @@ TEST_F(Temporary, BytesGoToAFileWhoseNameCannotBeTaken) {
     EXPECT_TRUE(published);
     EXPECT_EQ(read_text("shared/out"), "text");
     EXPECT_EQ(std::distance(std::filesystem::directory_iterator("shared"), {}), 1);
+}
+
+// A file whose name can't be taken and whose bytes can't be copied.
+class TemporaryThatCannotBeCopied : public Temporary {
+  protected:
+    void SetUp() override {
+        Temporary::SetUp();
+        calls.rename = [](const char *, const char *) {
+            errno = EPERM;
+            return -1;
+        };
+    }
+    void TearDown() override {
+        calls = real_calls;
+        Temporary::TearDown();
+    }
+};
+
+TEST_F(TemporaryThatCannotBeCopied, IsGoneWhenItsBytesCannotBeRead) {
+    write_file("out", "old");
+    create("text");
+    calls.read = [](int, void *, std::size_t) -> ssize_t {
+        errno = EIO;
+        return -1;
+    };
+    EXPECT_FALSE(file_.publish("out"));
+    EXPECT_EQ(errno, EIO);
+    EXPECT_EQ(count_of_files(), 1U);
+}
+
+TEST_F(TemporaryThatCannotBeCopied, IsGoneWhenItsBytesCannotBeWritten) {
+    write_file("out", "old");
+    create("text");
+    calls.write = [](int, const void *, std::size_t) -> ssize_t {
+        errno = ENOSPC;
+        return -1;
+    };
+    EXPECT_FALSE(file_.publish("out"));
+    EXPECT_EQ(errno, ENOSPC);
+    EXPECT_EQ(count_of_files(), 1U);
+}
+
+// What a signal does that ends the process, without the end: the handler is called by hand, for a
+// signal that is ignored.
+TEST_F(Temporary, IsRemovedByTheHandlerOfSignals) {
+    create("text");
+    TemporaryFile another;
+    ::close(another.create(""));
+    struct sigaction action {};
+    ASSERT_EQ(::sigaction(SIGTERM, nullptr, &action), 0);
+    ASSERT_NE(action.sa_handler, SIG_DFL);
+    action.sa_handler(SIGURG);
+    EXPECT_EQ(count_of_files(), 0U);
 }
 
 using TemporaryDeathTest = Temporary;

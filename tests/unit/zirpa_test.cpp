@@ -1,4 +1,5 @@
 // The companion program's parts that need no run: distances of words, columns, formats.
+#include "zirpa/cExpression.h"
 #include "zirpa/diagnostic.h"
 #include "zirpa/formats.h"
 #include "zirpa/suggest.h"
@@ -84,6 +85,24 @@ TEST(TextFormat, TheSummaryCounts) {
     EXPECT_EQ(summary_of(0, 0), "");
     EXPECT_EQ(summary_of(1, 0), "1 error\n");
     EXPECT_EQ(summary_of(2, 1), "2 errors, 1 warning\n");
+}
+
+std::optional<CReading> read_without_names(std::string_view text) {
+    return read_as_c(text, [](std::size_t) { return std::nullopt; });
+}
+
+TEST(CReading, ACharacterStandsBetweenQuotes) {
+    const std::optional<CReading> reading = read_without_names("'A'+1");
+    ASSERT_TRUE(reading);
+    EXPECT_EQ(reading->value, 66);
+    EXPECT_FALSE(read_without_names("'A"));
+    EXPECT_FALSE(read_without_names("'AB'"));
+}
+
+TEST(CReading, WhatCCannotReadHasNoValue) {
+    for (const char *text : {"", "1+", "(1", "1 2", "$", "name", "1/0", "1<<64", "1@2"}) {
+        EXPECT_FALSE(read_without_names(text)) << text;
+    }
 }
 
 TEST(Wording, ValuesAreShownInBothBases) {
