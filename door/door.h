@@ -192,4 +192,17 @@ const char *version();
 // Every identifier of a report, in the order of docs/diagnostics.md.
 std::vector<std::string_view> identifiers();
 
+// ---- Files ----
+
+// Writes a file besides the outputs of a run, as these are written: under its name there is the old
+// file or the whole new one. The kept files, which a run has read or written, are not overwritten.
+// Nothing when all is well, else what has failed.
+std::optional<Failure> write_file(const std::string &name, std::string_view bytes,
+                                  const std::vector<std::string> &kept);
+
+// Writes all bytes to an open descriptor, or reads all there are from it. False when that fails;
+// errno tells why.
+bool write_all(int descriptor, std::string_view bytes);
+bool read_all(int descriptor, std::string &bytes);
+
 } // namespace door

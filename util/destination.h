@@ -35,6 +35,9 @@ class Destination {
     // the output cannot be created.
     int open();
 
+    // Whether the output lies beside its place, where all is as it was until it is published.
+    bool is_beside() const { return temporary_.exists(); }
+
     // Gives the output, which is closed, its name. Returns false when that fails.
     bool publish() { return temporary_.publish(path_.c_str()); }
 

@@ -10,9 +10,7 @@ namespace {
 Inspection unreadable(const std::string &name) {
     Inspection inspection;
     inspection.file = name;
-    inspection.is_unusable = true;
-    inspection.diagnostics.push_back(
-        error_of_file("cannot-read", name, std::string("can't be read: ") + std::strerror(errno)));
+    inspection.take({door::Failure::Kind::kRead, name, std::strerror(errno)});
     return inspection;
 }
 

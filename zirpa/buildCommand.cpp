@@ -3,9 +3,6 @@
 #include "zirpa/assemble.h"
 #include "zirpa/console.h"
 
-#include <cerrno>
-#include <cstring>
-
 namespace {
 
 bool is_special_in_makefiles(char ch) { return ch == ' ' || ch == '#' || ch == '\\'; }
@@ -28,32 +25,34 @@ std::string dependencies(const Inspection &inspection) {
     return text + ": " + for_makefile(inspection.file) + "\n";
 }
 
-void note_unwritable(Inspection &inspection, const std::string &name) {
-    inspection.is_unusable = true;
-    inspection.diagnostics.push_back(error_of_file(
-        "cannot-write", name, std::string("can't be written: ") + std::strerror(errno)));
+// What goes to standard output.
+std::string printed(const Inspection &inspection, bool with_records) {
+    std::string text = inspection.result.symbols;
+    for (const door::Output &output : inspection.result.outputs) {
+        text += with_records && output.kind == door::OutputKind::kRecords ? output.bytes : "";
+    }
+    return text;
 }
 
-void print_records(Inspection &inspection) {
+void write_depfile(Inspection &inspection, const std::string &name) {
+    std::vector<std::string> kept = {inspection.file};
     for (const door::Output &output : inspection.result.outputs) {
-        if (output.kind == door::OutputKind::kRecords && !print(output.bytes)) {
-            note_unwritable(inspection, "standard output");
-        }
+        kept.push_back(output.name);
+    }
+    if (const auto failure = door::write_file(name, dependencies(inspection), kept)) {
+        inspection.take(*failure);
     }
 }
 
 // What comes besides the outputs of the assembler.
 void finish(Inspection &inspection, const BuildRequest &request) {
-    if (!inspection.result.symbols.empty() && !print(inspection.result.symbols)) {
-        note_unwritable(inspection, "standard output");
+    const bool is_good = inspection.status() == 0;
+    const std::string text = printed(inspection, is_good && request.to_stdout);
+    if (!text.empty() && !print(text)) {
+        inspection.is_unusable = true;
     }
-    if (inspection.status() != 0) {
-        return;
-    }
-    if (request.to_stdout) {
-        print_records(inspection);
-    } else if (!request.depfile.empty() && !write_file(request.depfile, dependencies(inspection))) {
-        note_unwritable(inspection, request.depfile);
+    if (is_good && !request.depfile.empty()) {
+        write_depfile(inspection, request.depfile);
     }
 }
 

@@ -12,6 +12,7 @@
 #include <algorithm>
 #include <csignal>
 #include <map>
+#include <new>
 
 namespace {
 
@@ -322,11 +323,8 @@ void add_explain(CLI::App &app, Words &words, int &status) {
     command->callback([&words, &status] { status = explain(words.explained); });
 }
 
-} // namespace
-
-int zirpa_main(int argc, const char *const *argv) {
-    // A write that fails is reported as one.
-    (void)std::signal(SIGPIPE, SIG_IGN);
+// Parses a command line and carries it out.
+int carry_out(int argc, const char *const *argv) {
     Words words;
     int status = 0;
     CLI::App app(kDescription, "zirpa");
@@ -343,4 +341,18 @@ int zirpa_main(int argc, const char *const *argv) {
         return refuse(app, chosen(app), error);
     }
     return status;
+}
+
+} // namespace
+
+int zirpa_main(int argc, const char *const *argv) {
+    // A write that fails is reported as one.
+    (void)std::signal(SIGPIPE, SIG_IGN);
+    (void)std::signal(SIGXFSZ, SIG_IGN);
+    try {
+        return carry_out(argc, argv);
+    } catch (const std::bad_alloc &) {
+        (void)complain("zirpa: out of memory\n");
+        return kUnusable;
+    }
 }

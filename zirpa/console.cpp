@@ -1,19 +1,12 @@
 #include "zirpa/console.h"
 
-#include <array>
-#include <cstdio>
+#include <cerrno>
 #include <cstdlib>
+#include <cstring>
 
 #include <unistd.h>
 
 namespace {
-
-constexpr std::size_t kPiece = 65536;
-
-bool write(std::FILE *stream, std::string_view text) {
-    return std::fwrite(text.data(), 1, text.size(), stream) == text.size() &&
-           std::fflush(stream) == 0;
-}
 
 std::string_view variable(const char *name) {
     const char *value = std::getenv(name);
@@ -22,26 +15,20 @@ std::string_view variable(const char *name) {
 
 } // namespace
 
-bool print(std::string_view text) { return write(stdout, text); }
+bool print(std::string_view text) {
+    if (door::write_all(STDOUT_FILENO, text)) {
+        return true;
+    }
+    (void)complain(std::string("standard output: error: can't be written: ") +
+                   std::strerror(errno) + " [cannot-write]\n");
+    return false;
+}
 
-bool complain(std::string_view text) { return write(stderr, text); }
+bool complain(std::string_view text) { return door::write_all(STDERR_FILENO, text); }
 
 std::optional<std::string> read_standard_input() {
     std::string text;
-    std::array<char, kPiece> piece;
-    while (const std::size_t count = std::fread(piece.data(), 1, piece.size(), stdin)) {
-        text.append(piece.data(), count);
-    }
-    return std::ferror(stdin) != 0 ? std::nullopt : std::optional(std::move(text));
-}
-
-bool write_file(const std::string &name, std::string_view text) {
-    std::FILE *file = std::fopen(name.c_str(), "wb");
-    if (file == nullptr) {
-        return false;
-    }
-    const bool is_written = std::fwrite(text.data(), 1, text.size(), file) == text.size();
-    return std::fclose(file) == 0 && is_written;
+    return door::read_all(STDIN_FILENO, text) ? std::optional(std::move(text)) : std::nullopt;
 }
 
 bool is_coloured(Colour colour, bool is_output) {

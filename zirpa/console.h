@@ -8,14 +8,11 @@
 #include <string_view>
 
 // Write everything; false when that fails.
-bool print(std::string_view text);    // to standard output
+bool print(std::string_view text);    // to standard output; a failure is told
 bool complain(std::string_view text); // to standard error
 
 // All of standard input, or nothing when it can't be read; errno tells why.
 std::optional<std::string> read_standard_input();
-
-// False when the file can't be written; errno tells why.
-bool write_file(const std::string &name, std::string_view text);
 
 // Whether text on standard error, or on standard output, is coloured. NO_COLOR and a terminal that
 // can't show colours speak against it, unless they are asked for.

@@ -50,19 +50,6 @@ bool is_failure(const std::vector<Diagnostic> &diagnostics, const WarningChoice 
 // The report of an output that was refused says less than the failure.
 bool is_told_as_failure(const Diagnostic &diagnostic) { return diagnostic.id == "output-refused"; }
 
-void add_failures(Inspection &inspection) {
-    std::vector<Diagnostic> &diagnostics = inspection.diagnostics;
-    if (inspection.result.failures.empty()) {
-        return;
-    }
-    inspection.is_unusable = true;
-    std::erase_if(diagnostics, is_told_as_failure);
-    std::vector<Diagnostic> failures;
-    std::transform(inspection.result.failures.begin(), inspection.result.failures.end(),
-                   std::back_inserter(failures), diagnostic_of);
-    diagnostics.insert(diagnostics.begin(), failures.begin(), failures.end());
-}
-
 struct IdleOption {
     std::string_view option;
     std::string_view name;
@@ -164,6 +151,11 @@ door::Listener listener_of(Gathering &gathering, const door::Listener &also) {
 
 } // namespace
 
+void Inspection::take(const door::Failure &failure) {
+    is_unusable = true;
+    diagnostics.insert(diagnostics.begin(), diagnostic_of(failure));
+}
+
 Inspection inspect(const Settings &settings, const door::Listener &also) {
     Inspection inspection;
     inspection.file = settings.source;
@@ -183,6 +175,10 @@ Inspection inspect(const Settings &settings, const door::Listener &also) {
     if (!is_judged) {
         judge();
     }
-    add_failures(inspection);
+    if (!inspection.result.failures.empty()) {
+        std::erase_if(inspection.diagnostics, is_told_as_failure);
+    }
+    std::for_each(inspection.result.failures.rbegin(), inspection.result.failures.rend(),
+                  [&](const door::Failure &failure) { inspection.take(failure); });
     return inspection;
 }

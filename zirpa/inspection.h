@@ -9,10 +9,10 @@
 #include <string>
 #include <vector>
 
-// Which warnings are wanted.
-// Warnings that are shown when they are asked for.
+// A warning that is shown when it is asked for.
 inline constexpr const char *kUnusedLabel = "unused-label";
 
+// Which warnings are wanted.
 struct WarningChoice {
     std::set<std::string, std::less<>> allowed; // not shown
     std::set<std::string, std::less<>> denied;  // errors
@@ -35,6 +35,9 @@ struct Inspection {
     std::vector<Diagnostic> diagnostics; // in the order of the source; failures of files first
     bool has_failed = false;             // as is_strict asks for
     bool is_unusable = false;            // a file could not be read or written
+
+    // A file could not be used.
+    void take(const door::Failure &failure);
 
     int status() const { return is_unusable ? 2 : has_failed ? 1 : 0; }
 };

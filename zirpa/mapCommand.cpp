@@ -2,9 +2,16 @@
 #include "zirpa/console.h"
 #include "zirpa/memoryMap.h"
 
-#include <algorithm>
-#include <cerrno>
-#include <cstring>
+namespace {
+
+void write_svg(Inspection &inspection, const std::string &name, const MemoryMap &memory) {
+    if (const auto failure =
+            door::write_file(name, svg_of(memory, inspection.file), {inspection.file})) {
+        inspection.take(*failure);
+    }
+}
+
+} // namespace
 
 int map(const MapRequest &request) {
     MemoryMap memory;
@@ -12,19 +19,15 @@ int map(const MapRequest &request) {
     also.line = [&](const door::Line &line) { memory.take(line); };
     also.definition = [&](const door::Definition &definition) { memory.take(definition); };
     Inspection inspection = assemble(request.common, request.source, door::Outputs::kNowhere, also);
-    int status = inspection.status();
-    bool is_shown =
-        show(request.common, {{inspection.file, status, std::move(inspection.diagnostics)}});
-    if (!inspection.result.has_run) {
-        return is_shown ? status : kUnusable;
+    const bool has_map = inspection.result.has_run;
+    if (has_map && !request.svg.empty()) {
+        write_svg(inspection, request.svg, memory);
     }
-    if (request.svg.empty()) {
-        is_shown =
-            print(picture_of(memory, inspection.file, is_coloured(request.common.colour, true))) &&
-            is_shown;
-    } else if (!write_file(request.svg, svg_of(memory, inspection.file))) {
-        (void)complain(request.svg + ": error: can't be written: " + std::strerror(errno) + "\n");
-        is_shown = false;
+    const int status = inspection.status();
+    bool is_shown = show(request.common, {{inspection.file, status, inspection.diagnostics}});
+    if (has_map && request.svg.empty()) {
+        const bool is_colourful = is_coloured(request.common.colour, true);
+        is_shown = print(picture_of(memory, inspection.file, is_colourful)) && is_shown;
     }
     return is_shown ? status : kUnusable;
 }

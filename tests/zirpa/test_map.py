@@ -80,7 +80,7 @@ def test_the_svg_has_a_cell_for_every_address(zirpa, tmp_path):
 def test_an_svg_that_cannot_be_written_is_reported(zirpa, tmp_path):
     process = draw(zirpa, tmp_path, "--svg", "none/map.svg")
     assert process.returncode == 2
-    assert b"none/map.svg: error: can't be written: No such file or directory" in process.stderr
+    assert b"none/map.svg: error: can't be created: No such file or directory" in process.stderr
 
 
 def test_a_source_that_cannot_be_read_has_no_picture(zirpa, tmp_path):

@@ -84,6 +84,30 @@ def test_a_depfile_that_cannot_be_written_is_told(zirpa, directory):
     assert b"/dev/full: error: can't be written: No space left on device" in process.stderr
 
 
+@pytest.mark.parametrize("command", ["build --depfile", "map --svg"])
+def test_a_file_besides_the_outputs_overwrites_no_source(command, zirpa, directory):
+    process = running.run(directory, zirpa, *command.split(), "./clean.szirpa", "clean.szirpa")
+    assert process.returncode == 2
+    assert b"./clean.szirpa: error: can't be created: the run needs what is there" in process.stderr
+    assert (directory / "clean.szirpa").read_bytes() == CLEAN
+
+
+def test_a_depfile_overwrites_no_output(zirpa, directory):
+    process = running.run(directory, zirpa, "build", "--depfile", "clean.s19", "clean.szirpa")
+    assert process.returncode == 2
+    assert (directory / "clean.s19").read_bytes() == RECORDS
+
+
+def test_a_picture_for_which_there_is_no_room_leaves_the_old_one(zirpa, directory):
+    (directory / "map.svg").write_bytes(b"old\n")
+    script = 'ulimit -f 1; exec "$0" map --svg map.svg clean.szirpa'
+    process = running.run(directory, "/bin/sh", "-c", script, zirpa)
+    assert process.returncode == 2
+    assert b"map.svg: error: can't be written: File too large [cannot-write]" in process.stderr
+    assert (directory / "map.svg").read_bytes() == b"old\n"
+    assert names(directory) == {"map.svg"}
+
+
 def test_standard_output_that_is_full_fails(zirpa, directory):
     with open("/dev/full", "wb") as full:
         for command in (
@@ -96,6 +120,9 @@ def test_standard_output_that_is_full_fails(zirpa, directory):
         ):
             process = running.run(directory, zirpa, *command, stdout=full)
             assert process.returncode == 2, command
+            assert process.stderr.endswith(
+                b"standard output: error: can't be written: No space left on device [cannot-write]\n"
+            ), command
 
 
 def test_standard_error_that_is_full_fails(zirpa, directory):
