@@ -192,6 +192,18 @@ const char *version();
 // Every identifier of a report, in the order of docs/diagnostics.md.
 std::vector<std::string_view> identifiers();
 
+// ---- Characters ----
+
+// As the assembler classes and compares them.
+bool is_digit(char ch);
+bool begins_name(char ch);       // a letter or "_"
+bool is_name_character(char ch); // one of these, a digit, "$" or "."
+unsigned digit_value(char ch);   // 0 to 15 of a hexadecimal digit; more for any other character
+std::string upper(std::string_view text);
+
+// Whether a value that begins with this name is read as a register.
+bool is_register(std::string_view name);
+
 // ---- Files ----
 
 // Writes a file besides the outputs of a run, as these are written: under its name there is the old

@@ -1,6 +1,8 @@
 // Recursive descent by precedence. The depth is limited, so that no text exhausts the stack.
 #include "zirpa/cExpression.h"
 
+#include "door/door.h"
+
 #include <array>
 #include <limits>
 
@@ -81,22 +83,6 @@ std::optional<std::int64_t> compute(std::string_view sign, std::int64_t left, st
     case '^': return left ^ right;
     default: return divide(sign[0], left, right);
     }
-}
-
-bool is_letter(char ch) {
-    return (ch >= 'a' && ch <= 'z') || (ch >= 'A' && ch <= 'Z') || ch == '_';
-}
-
-int digit_of(char ch) {
-    if (ch >= '0' && ch <= '9') {
-        return ch - '0';
-    }
-    const char lower = static_cast<char>(ch | 0x20);
-    return lower >= 'a' && lower <= 'f' ? lower - 'a' + 10 : 99;
-}
-
-bool is_name_character(char ch) {
-    return is_letter(ch) || (ch >= '0' && ch <= '9') || ch == '$' || ch == '.';
 }
 
 class Reader {
@@ -184,8 +170,8 @@ class Reader {
         const std::size_t begin = at_;
         const char ch = here();
         std::optional<std::int64_t> result;
-        if (is_letter(ch)) {
-            while (is_name_character(here())) {
+        if (door::begins_name(ch)) {
+            while (door::is_name_character(here())) {
                 ++at_;
             }
             result = name_value_(begin);
@@ -209,13 +195,12 @@ class Reader {
     }
 
     // A number has 32 bits, with a sign, as everywhere in a source.
-    std::optional<std::int64_t> digits(int base) {
+    std::optional<std::int64_t> digits(unsigned base) {
         at_ += base == 10 ? 0 : 1;
         const std::size_t begin = at_;
         std::uint32_t value = 0;
-        while (digit_of(here()) < base) {
-            value = value * static_cast<std::uint32_t>(base) +
-                    static_cast<std::uint32_t>(digit_of(text_[at_++]));
+        while (door::digit_value(here()) < base) {
+            value = value * base + door::digit_value(text_[at_++]);
         }
         return at_ > begin ? std::optional<std::int64_t>(static_cast<std::int32_t>(value))
                            : std::nullopt;

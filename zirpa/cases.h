@@ -3,9 +3,7 @@
 
 #include "zirpa/diagnostic.h"
 #include "zirpa/heard.h"
-
-#include <string>
-#include <string_view>
+#include "zirpa/wording.h"
 
 // What a diagnostic is made of.
 struct Case {
@@ -15,11 +13,6 @@ struct Case {
 
     const LineWords &words() const { return report.words; }
 };
-
-std::string quoted(std::string_view text);
-
-// In upper case.
-std::string upper(std::string_view text);
 
 // Each fills in the diagnostic.
 void word_unknown_instruction(const Case &each);

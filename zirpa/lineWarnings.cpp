@@ -14,22 +14,13 @@ SourcePlace piece(const door::Line &line, std::size_t begin, std::size_t end) {
             std::string(line.source)};
 }
 
-bool is_blank(char ch) { return ch == ' ' || ch == '\t'; }
-
-bool is_digit(char ch) { return ch >= '0' && ch <= '9'; }
-
-bool is_letter(char ch) {
-    return (ch >= 'a' && ch <= 'z') || (ch >= 'A' && ch <= 'Z') || ch == '_';
-}
-
-bool is_name_character(char ch) { return is_letter(ch) || is_digit(ch) || ch == '$' || ch == '.'; }
+constexpr Text kBlanks = " \t";
 
 std::size_t skip_blanks(Text text, std::size_t i) {
-    while (i < text.size() && is_blank(text[i])) {
-        ++i;
-    }
-    return i;
+    return std::min(text.find_first_not_of(kBlanks, i), text.size());
 }
+
+Text without_blanks(Text text) { return text.substr(0, text.find_last_not_of(kBlanks) + 1); }
 
 // ---- Characters that can't be seen ----
 
@@ -89,15 +80,10 @@ std::size_t value_size(Text text) {
         return text.size() > 2 && text[2] == '\'' ? 3 : 0;
     }
     std::size_t size = text[0] == '$' || text[0] == '%' ? 1 : 0;
-    while (size < text.size() && is_name_character(text[size])) {
+    while (size < text.size() && door::is_name_character(text[size])) {
         ++size;
     }
-    return size > 1 || is_name_character(text[0]) ? size : 0;
-}
-
-bool is_register(Text text) {
-    return text == "A" || text == "X" || text == "Y" || text == "SP" || text == "CC" ||
-           text == "a" || text == "x" || text == "y" || text == "sp" || text == "cc";
+    return size > 1 || door::is_name_character(text[0]) ? size : 0;
 }
 
 // The names of a text that goes on with an operand: operators and values in turn up to its end.
@@ -116,12 +102,12 @@ std::optional<std::vector<std::string>> names_of_continuation(Text text) {
             return std::nullopt;
         }
         const Text word = text.substr(value, size);
-        if (is_letter(word[0]) && !is_register(word)) {
+        if (door::begins_name(word[0]) && !door::is_register(word)) {
             names.emplace_back(word);
         }
         i = value + size;
         // A step of an index register.
-        if (is_register(word) && i < text.size() && (text[i] == '+' || text[i] == '-')) {
+        if (door::is_register(word) && i < text.size() && (text[i] == '+' || text[i] == '-')) {
             ++i;
         }
         i = skip_blanks(text, i);
@@ -150,7 +136,7 @@ void note_escapes(const door::Line &line, std::size_t begin, std::size_t end,
             findings.push_back(warning("tab-escape", piece(line, i, i + 2),
                                        "'\\t' is a vertical tab here",
                                        "FCB 9 is a horizontal one"));
-        } else if (is_digit(text[i + 1]) && i + 2 < end && is_digit(text[i + 2])) {
+        } else if (door::is_digit(text[i + 1]) && i + 2 < end && door::is_digit(text[i + 2])) {
             findings.push_back(warning("two-digit-escape", piece(line, i, i + 3),
                                        "a backslash takes one digit: '" +
                                            std::string(1, text[i + 2]) + "' is text"));
@@ -226,13 +212,10 @@ bool LineWarnings::note_dropped(const door::Line &line, std::string_view reader)
 void LineWarnings::note_tail(const door::Line &line) {
     const Text text = line.source;
     const std::size_t begin = skip_blanks(text, static_cast<std::size_t>(line.operand.last));
-    std::size_t last = std::min(text.find(';', begin), text.size());
-    while (last > begin && is_blank(text[last - 1])) {
-        --last;
-    }
-    auto names = names_of_continuation(text.substr(begin, last - begin));
-    if (begin < last && names && takes_operand(line)) {
-        computed.push_back({piece(line, begin, last), std::move(*names)});
+    const Text tail = without_blanks(text.substr(begin, text.find(';', begin) - begin));
+    auto names = names_of_continuation(tail);
+    if (!tail.empty() && names && takes_operand(line)) {
+        computed.push_back({piece(line, begin, begin + tail.size()), std::move(*names)});
     }
 }
 
@@ -240,7 +223,7 @@ void LineWarnings::note_tail(const door::Line &line) {
 void LineWarnings::note_end(const door::Line &line) {
     const Text text = line.source;
     const std::size_t begin = skip_blanks(text, static_cast<std::size_t>(line.operation.last));
-    if (begin < text.size() && !is_letter(text[begin])) {
+    if (begin < text.size() && !door::begins_name(text[begin])) {
         findings.push_back(warning("end-with-comment", piece(line, begin, text.size()),
                                    "this keeps END from ending the source",
                                    "move the comment to a line of its own"));

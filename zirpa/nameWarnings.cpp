@@ -7,29 +7,8 @@
 
 namespace {
 
-std::string quoted(const std::string &name) { return "'" + name + "'"; }
-
-bool is_word_character(char ch) {
-    return (ch >= 'a' && ch <= 'z') || (ch >= 'A' && ch <= 'Z') || (ch >= '0' && ch <= '9') ||
-           ch == '_';
-}
-
 // Constants from which others are computed.
 constexpr int kDeepest = 20;
-
-// A register's name ends at "$" and "." too, so these hide longer names.
-bool is_hidden(std::string_view name) {
-    static constexpr std::array<std::string_view, 5> kRegisters = {"A", "X", "Y", "CC", "SP"};
-    std::size_t size = 0;
-    while (size < name.size() && is_word_character(name[size])) {
-        ++size;
-    }
-    std::string beginning(name.substr(0, size));
-    std::transform(beginning.begin(), beginning.end(), beginning.begin(), [](char ch) {
-        return ch >= 'a' && ch <= 'z' ? static_cast<char>(ch & ~0x20) : ch;
-    });
-    return std::find(kRegisters.begin(), kRegisters.end(), beginning) != kRegisters.end();
-}
 
 } // namespace
 
@@ -136,7 +115,7 @@ std::vector<Diagnostic> NameWarnings::findings(bool with_unused) const {
         if (known.place.line == 0 || known.kind == door::NameKind::kDefine) {
             continue;
         }
-        if (is_hidden(name)) {
+        if (door::is_register(name)) {
             found.push_back(warning("register-name", known.place,
                                     quoted(name) + " is read as a register wherever it is used"));
         }

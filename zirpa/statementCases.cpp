@@ -4,15 +4,14 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
 
 namespace {
 
 // The operation of the line by name.
-std::string operation_of(const Case &each) { return upper(each.words().operation); }
+std::string operation_of(const Case &each) { return door::upper(each.words().operation); }
 
 bool is_operation(std::string_view word) {
-    const std::string name = upper(word);
+    const std::string name = door::upper(word);
     const std::vector<std::string_view> instructions = door::instructions();
     const std::vector<std::string> directives = door::directives();
     return std::find(instructions.begin(), instructions.end(), name) != instructions.end() ||
@@ -51,9 +50,9 @@ constexpr std::array kForeignWords = std::to_array<ForeignWord>({
 });
 
 std::string hint_for_operation(std::string_view word) {
-    const auto *foreign =
-        std::find_if(kForeignWords.begin(), kForeignWords.end(),
-                     [name = upper(word)](const ForeignWord &row) { return row.word == name; });
+    const auto *foreign = std::find_if(
+        kForeignWords.begin(), kForeignWords.end(),
+        [name = door::upper(word)](const ForeignWord &row) { return row.word == name; });
     if (foreign != kForeignWords.end()) {
         return std::string(foreign->hint);
     }
@@ -112,15 +111,6 @@ std::string hint_for_form(const LineWords &words) {
 }
 
 } // namespace
-
-std::string quoted(std::string_view text) { return "'" + std::string(text) + "'"; }
-
-std::string upper(std::string_view text) {
-    std::string result(text);
-    std::transform(result.begin(), result.end(), result.begin(),
-                   [](unsigned char ch) { return static_cast<char>(std::toupper(ch)); });
-    return result;
-}
 
 void word_unknown_instruction(const Case &each) {
     if (is_operation(each.words().label)) {

@@ -4,13 +4,6 @@
 
 namespace {
 
-bool is_same_word(std::string_view word, std::string_view upper) {
-    return std::equal(
-        word.begin(), word.end(), upper.begin(), upper.end(), [](char one, char other) {
-            return one == other || (one >= 'a' && one <= 'z' && (one & ~0x20) == other);
-        });
-}
-
 void append(std::vector<Diagnostic> &all, std::vector<Diagnostic> more) {
     std::move(more.begin(), more.end(), std::back_inserter(all));
 }
@@ -37,7 +30,7 @@ std::string_view text_at(const door::Line &line, const door::Place &place) {
 
 bool is_directive(const door::Line &line, std::string_view name) {
     return line.kind == door::LineKind::kDirective &&
-           is_same_word(text_at(line, line.operation), name);
+           door::upper(text_at(line, line.operation)) == name;
 }
 
 void Warnings::take(const door::Reference &reference) {

@@ -18,7 +18,7 @@ std::string in_hexadecimal(std::int64_t value) {
     const auto magnitude =
         value < 0 ? -static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
     char *end = std::to_chars(digits.data(), digits.data() + digits.size(), magnitude, 16).ptr;
-    return (value < 0 ? "-$" : "$") + upper({digits.data(), end});
+    return (value < 0 ? "-$" : "$") + door::upper({digits.data(), end});
 }
 
 // What stands between the first two quotes of a report.
@@ -118,12 +118,12 @@ void word_forward_constant(const Case &each) {
 void word_digit(const Case &each, std::string_view kind, std::string_view digits) {
     const std::string number = each.report.pointed_at();
     const std::size_t begin = number.find_first_of("$%") + 1;
-    const std::size_t faulty = upper(number).find_first_not_of(digits, begin);
+    const std::size_t faulty = door::upper(number).find_first_not_of(digits, begin);
     each.diagnostic.message =
         faulty == std::string::npos
             ? "a " + std::string(kind) + " number needs digits"
             : quoted(std::string(1, number[faulty])) + " is no " + std::string(kind) + " digit";
-    if (upper(number).starts_with("0X") || upper(number).ends_with("H")) {
+    if (door::upper(number).starts_with("0X") || door::upper(number).ends_with("H")) {
         each.diagnostic.hint = "a hexadecimal number begins with $";
     }
 }
@@ -303,6 +303,8 @@ bool is_needless(const HeardReport &report, const Heard &heard, const LastDefini
 }
 
 } // namespace
+
+std::string quoted(std::string_view text) { return "'" + std::string(text) + "'"; }
 
 std::string in_both_bases(std::int64_t value) {
     return std::to_string(value) + " (" + in_hexadecimal(value) + ")";
