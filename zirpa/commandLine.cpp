@@ -11,6 +11,7 @@
 
 #include <algorithm>
 #include <csignal>
+#include <cstdlib>
 #include <map>
 #include <new>
 
@@ -343,16 +344,22 @@ int carry_out(int argc, const char *const *argv) {
     return status;
 }
 
+// The libraries for options and JSON are not made to run out of memory.
+[[noreturn]] void end_without_memory() {
+    (void)complain("zirpa: out of memory\n");
+    std::exit(kUnusable);
+}
+
 } // namespace
 
 int zirpa_main(int argc, const char *const *argv) {
     // A write that fails is reported as one.
     (void)std::signal(SIGPIPE, SIG_IGN);
     (void)std::signal(SIGXFSZ, SIG_IGN);
+    std::set_new_handler(end_without_memory);
     try {
         return carry_out(argc, argv);
     } catch (const std::bad_alloc &) {
-        (void)complain("zirpa: out of memory\n");
-        return kUnusable;
+        end_without_memory();
     }
 }

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <array>
+#include <new>
 
 namespace {
 
@@ -149,6 +150,14 @@ door::Listener listener_of(Gathering &gathering, const door::Listener &also) {
     return listener;
 }
 
+// A run that is short of memory takes care of its outputs first, and says so itself.
+door::Result run_without_handler(const door::Run &run, const door::Listener &listener) {
+    const std::new_handler before = std::set_new_handler(nullptr);
+    door::Result result = door::run(run, listener);
+    (void)std::set_new_handler(before);
+    return result;
+}
+
 } // namespace
 
 void Inspection::take(const door::Failure &failure) {
@@ -170,8 +179,8 @@ Inspection inspect(const Settings &settings, const door::Listener &also) {
     };
     door::Listener listener = listener_of(gathering, also);
     listener.end = judge;
-    inspection.result =
-        door::run({settings.options, settings.source, settings.text, settings.outputs}, listener);
+    inspection.result = run_without_handler(
+        {settings.options, settings.source, settings.text, settings.outputs}, listener);
     if (!is_judged) {
         judge();
     }

@@ -1,4 +1,4 @@
-// The program, with one call of a run made to fail: the k-th one, alone or together with all later
+// A program, with one call of a run made to fail: the k-th one, alone or together with all later
 // ones. Nothing but the environment tells it from the program that is shipped:
 //
 //   HXZIRPA_FAULT_MODE    count        no call fails, every call is reported
@@ -13,8 +13,9 @@
 //   HXZIRPA_FAULT_REPORT  a file; gets a line "NAME OBJECT" for each call that is made to fail, or
 //                         for each call at all in the mode "count"
 //
-// Memory is what operator new hands out. Only what happens within as_main counts.
-#include "as/asMain.h"
+// Memory is what operator new hands out. Only what happens within run_program counts.
+#include "tests/fault/fault_main.h"
+
 #include "tests/calls/system_calls.h"
 
 #include <algorithm>
@@ -77,7 +78,7 @@ std::string_view chosen_kind = "all";
 unsigned long chosen_call = 0; // from 1
 unsigned long calls_seen = 0;  // of the chosen kind
 int report_descriptor = -1;
-bool active = false; // within as_main
+bool active = false; // within run_program
 
 // What is known of open descriptors, for the report; paths are cut to the room there is.
 constexpr std::size_t kMostDescriptors = 64;
@@ -169,12 +170,18 @@ void *allocate(std::size_t size) {
     return fails(kMemory, "") ? nullptr : std::malloc(std::max<std::size_t>(size, 1));
 }
 
+// As the library does: a handler is asked for memory first, where there is one.
 void *allocate_or_throw(std::size_t size) {
-    void *memory = allocate(size);
-    if (memory == nullptr) {
-        throw std::bad_alloc();
+    while (true) {
+        if (void *memory = allocate(size); memory != nullptr) {
+            return memory;
+        }
+        const std::new_handler handler = std::get_new_handler();
+        if (handler == nullptr) {
+            throw std::bad_alloc();
+        }
+        handler();
     }
-    return memory;
 }
 
 const char *setting(const char *name) {
@@ -206,6 +213,7 @@ void read_settings() {
     }
     (void)real_calls.close(file);
     remember(STDOUT_FILENO, "standard output", true);
+    remember(STDERR_FILENO, "standard error", true);
 }
 
 int count_open_descriptors() {
@@ -315,11 +323,11 @@ void operator delete[](void *memory, const std::nothrow_t & /*tag*/) noexcept { 
 int main(int argc, char **argv) {
     read_settings();
     calls = kFaultyCalls;
-    // A run may end within as_main; what comes behind it is not part of the run.
+    // A run may end within it; what comes after is not part of the run.
     (void)std::atexit([]() { active = false; });
     const int descriptors = count_open_descriptors();
     active = true;
-    const int status = as_main(argc, argv);
+    const int status = run_program(argc, argv);
     active = false;
     if (count_open_descriptors() != descriptors) {
         constexpr std::string_view kComplaint = "a descriptor is left open\n";
