@@ -2,7 +2,10 @@
 
 import json
 import random
+import re
+import shutil
 
+import pytest
 import running
 
 OPERATORS = ["+", "-", "*", "/", "%", "<<", ">>", "&", "|", "^", "==", "!=", "<=", ">=", "&&", "||"]
@@ -41,3 +44,23 @@ def test_the_parentheses_give_the_value_of_c(zirpa, tmp_path):
     written = [each["hint"].removeprefix("as in C: ") for each in first.values()]
     again = warned(zirpa, tmp_path, written)
     assert not again, [(written[line - 1], each["message"]) for line, each in again.items()][:5]
+
+
+def test_the_value_of_c_is_what_a_compiler_computes(zirpa, tmp_path):
+    if shutil.which("cc") is None:
+        pytest.skip("cc is missing: install a C compiler")
+    generator = random.Random(5)
+    expressions = [expression(generator) for _ in range(EXPRESSIONS)]
+    named = {
+        re.match("'(.*)' is .*, but (-?[0-9]+) ", each["message"]).groups()
+        for each in warned(zirpa, tmp_path, expressions).values()
+    }
+    # Two signs in a row are one operator in C; here they are not.
+    long_values = [
+        (re.sub("([0-9]+)", r"\1L", text).replace("-", "- "), value)
+        for text, value in sorted(named)
+    ]
+    lines = "".join(f'printf("%ld\\n", (long)({text}));\n' for text, _ in long_values)
+    (tmp_path / "c.c").write_text("#include <stdio.h>\nint main(void) {\n" + lines + "}\n")
+    running.printed_by("cc", "-w", "-fwrapv", "-o", "c", "c.c", cwd=tmp_path)
+    assert running.printed_by(tmp_path / "c").split() == [value for _, value in long_values]
