@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
 """Mutation testing: breaks the program in many small ways and sees whether a test notices.
 
-    mutate.py [--count 500] [--seed 1] [--jobs 2] [--survivors FILE]
-    mutate.py --again FILE [--jobs 2]
+    mutate.py [--companion] [--count 500] [--seed 1] [--jobs 2] [--survivors FILE]
+    mutate.py [--companion] --again FILE [--jobs 2]
 
 A mutant is the program with one operator, constant, condition or statement changed; the seed alone
-chooses among all there are. Each is built without optimisation and meets the tests of whole runs that have the label "mutants" in ctest, those
-first that noticed the last mutants of the same module, and then the unit tests. The first test that
+chooses among all there are. With --companion, zirpa and the door are changed instead. Each is built without
+optimisation and meets the tests of whole runs that have the label "mutants" in ctest (for zirpa its own
+tests), those first that noticed the last mutants of the same module, and then the unit tests. The first test that
 fails, crashes or hangs kills it. A mutant that does not compile does not count, nor does one whose
 optimised code is that of the program itself; others take their places. --again tests the mutants
 listed in a survivors file anew.
@@ -52,6 +53,19 @@ UNTESTABLE = [
     # A column that nothing reads.
     r"DIR_\w+, +0, ",
 ]
+
+# What is changed: the folders, the target that is tested by whole runs and those with all of the code,
+# and the tests of whole runs; None for those that have the label.
+Subject = collections.namedtuple("Subject", "folders target libraries tests")
+PROGRAM = Subject({"as", "target", "expr", "symtab", "util"}, "HXzirpa", ["zirpa"], None)
+COMPANION_TESTS = """alarms beginners c_reading command_line corners diagnostics explain formats map
+    streams swallowed"""
+COMPANION = Subject(
+    {"door", "zirpa"},
+    "companion_program",
+    ["door", "companion"],
+    [f"tests/zirpa/test_{name}.py" for name in COMPANION_TESTS.split()],
+)
 
 Mutant = collections.namedtuple("Mutant", "file line column before after")
 Verdict = collections.namedtuple("Verdict", "kind detail")  # kind: one of the following
@@ -166,10 +180,11 @@ def mutants_of_file(path, random_numbers):
 # ---- Which mutants are tested --------------------------------------------------------------------
 
 
-def all_mutants(seed):
-    """All mutants of the program, in the order in which they are tested."""
+def all_mutants(subject, seed):
+    """All mutants of a subject, in the order in which they are tested."""
     numbers = random.Random(seed)
     files = [path.relative_to(ROOT).as_posix() for path in check_floors.files()]
+    files = [file for file in files if file.split("/")[0] in subject.folders]
     mutants = [mutant for file in files for mutant in mutants_of_file(file, numbers)]
     numbers.shuffle(mutants)
     return mutants
@@ -212,7 +227,8 @@ def run(command, directory, seconds, output=subprocess.DEVNULL, **options):
 class Build:
     """A copy of the sources, built in two ways, and a copy of all that to go back to."""
 
-    def __init__(self, directory):
+    def __init__(self, directory, subject):
+        self.subject = subject
         self.work = directory / "work"
         self.pristine = directory / "pristine"
         self.tree = self.work / "tree"
@@ -233,7 +249,8 @@ class Build:
         return run(command, self.work, BUILD_SECONDS) == 0
 
     def make_everything(self):
-        parts = [(self.plain, "HXzirpa"), (self.plain, "unit_tests"), (self.optimised, "zirpa")]
+        parts = [(self.plain, target) for target in ("HXzirpa", self.subject.target, "unit_tests")]
+        parts += [(self.optimised, library) for library in self.subject.libraries]
         if not all(self.make(*part) for part in parts):
             raise Broken("the program does not compile")
         shutil.copytree(self.work, self.pristine)
@@ -247,9 +264,12 @@ class Build:
 
     def is_equivalent(self):
         """True if the optimiser makes the same code of the mutant."""
-        archive = self.optimised / "libzirpa.a"
+        return all(map(self.is_same_library, self.subject.libraries))
+
+    def is_same_library(self, name):
+        archive = self.optimised / f"lib{name}.a"
         before = (self.pristine / archive.relative_to(self.work)).read_bytes()
-        return self.make(self.optimised, "zirpa") and archive.read_bytes() == before
+        return self.make(self.optimised, name) and archive.read_bytes() == before
 
 
 # ---- Tests ---------------------------------------------------------------------------------------
@@ -277,13 +297,13 @@ def mutated(text, mutant):
 class Worker:
     """Builds and tests mutants, one after the other, in a directory of its own."""
 
-    def __init__(self, directory):
+    def __init__(self, directory, subject):
         self.directory = directory
         self.scratch = directory / "scratch"
-        self.build = Build(directory)
+        self.build = Build(directory, subject)
         self.build.configure()
         self.build.make_everything()
-        self.whole_runs = whole_run_tests(self.build.plain)
+        self.whole_runs = subject.tests or whole_run_tests(self.build.plain)
         found = self.killer("the program itself")
         if found is not None:
             raise Broken(f"the program itself fails: {found}")
@@ -328,7 +348,7 @@ class Worker:
             self.build.restore()
 
     def verdict(self, module):
-        if not self.build.make(self.build.plain, "HXzirpa"):
+        if not self.build.make(self.build.plain, self.build.subject.target):
             return Verdict(UNCOMPILED, "")
         test = self.killer(module)
         if test is not None:
@@ -339,10 +359,10 @@ class Worker:
 worker = None  # of this process, or why there is none
 
 
-def start_worker(directory):
+def start_worker(directory, subject):
     global worker
     try:
-        worker = Worker(directory / f"worker{os.getpid()}")
+        worker = Worker(directory / f"worker{os.getpid()}", subject)
     except Broken as error:
         # The pool would go on replacing a process that ends here.
         worker = error
@@ -398,6 +418,7 @@ def summarise(verdicts, survivors_path):
 
 def arguments():
     parser = argparse.ArgumentParser(description="tests the tests with mutants of the program")
+    parser.add_argument("--companion", action="store_true", help="change zirpa and the door")
     parser.add_argument("--count", type=int, default=500)
     parser.add_argument("--seed", type=int, default=1)
     parser.add_argument("--jobs", type=int, default=2)
@@ -408,12 +429,13 @@ def arguments():
 
 def main():
     given = arguments()
+    subject = COMPANION if given.companion else PROGRAM
     protect_devices()
     with tempfile.TemporaryDirectory(prefix="mutate", dir=MEMORY) as name:
         directory = pathlib.Path(name)
-        with multiprocessing.Pool(given.jobs, start_worker, (directory,)) as pool:
+        with multiprocessing.Pool(given.jobs, start_worker, (directory, subject)) as pool:
             if given.again is None:
-                verdicts = tested(pool, all_mutants(given.seed), given.count)
+                verdicts = tested(pool, all_mutants(subject, given.seed), given.count)
             else:
                 mutants = [parse_survivor(line) for line in given.again.read_text().splitlines()]
                 verdicts = tested(pool, mutants, len(mutants))
