@@ -9,17 +9,16 @@ import subprocess
 
 import golden_case
 import pytest
-from injection import TEMPORARY, Injection, Reference, performed
-from judgement import COPYING, DELETING, looks_whole
-from scenarios import OLD_OUTPUT, Scenario
-from test_fault import MOST_IN_SAMPLE, MOST_SHOWN, sample
+from injection import TEMPORARY, Reference, performed
+from judgement import DELETING, looks_whole
+from scenarios import Scenario
+from test_fault import MOST_SHOWN, sample
 
 # With --all, one failure of memory of so many; there are thousands in a run.
 MEMORY_STEP = 40
 UNUSABLE = 2
 REASON = re.compile(rb"can't be (?:read|created|written): .|out of memory")
 SANITIZER = re.compile(rb"Sanitizer|runtime error|left open|terminate called")
-RESULTS = (".s19", ".fmem", "_cout.c")
 
 EVERYTHING = golden_case.GoldenCase("debug", "all_options_at_once").file(".szirpa")
 WARNED = b"\tLDA\t#1+7%4\n"
@@ -124,10 +123,10 @@ class Judgement:
             return False
         if TEMPORARY.fullmatch(posixpath.basename(name)):
             return "unlink" in self.failed_kinds
-        if self.is_normal() or name in FILES:
+        if name in FILES or self.run.status == 0:
             return False
         is_cut = self.failed_kinds & DELETING and not looks_whole(content)
-        return is_cut or name.endswith(".lst")
+        return is_cut or (self.run.status == UNUSABLE and name.endswith(".lst"))
 
 
 def injections_of(reference, is_all, number):
