@@ -177,6 +177,7 @@ int Destination::open_to_replace() {
         return ::open(path_.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
     }
     if (kind_ == Kind::kOther && !is_link_) {
+        errno = EISDIR;
         return -1;
     }
     // In a directory that many write to, only root may put something in place of others' files.
@@ -188,7 +189,13 @@ int Destination::open_to_replace() {
         }
     }
     (void)::unlink(path_.c_str());
-    return ::open(path_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kCreationMode);
+    const int descriptor =
+        ::open(path_.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kCreationMode);
+    // It may have to be withdrawn.
+    if (struct stat status{}; descriptor >= 0 && fstat(descriptor, &status) == 0) {
+        note(status);
+    }
+    return descriptor;
 }
 
 void Destination::forget() {

@@ -8,11 +8,6 @@ namespace {
 
 constexpr std::uint32_t kMemory = 256; // addresses that the processor has
 
-std::string hexadecimal(std::uint32_t value) {
-    const std::string text = in_both_bases(value);
-    return text.substr(text.find('$'), text.size() - text.find('$') - 1);
-}
-
 SourcePlace operation_of(const door::Line &line) { return place_in(line.operation, line.source); }
 
 } // namespace
@@ -45,7 +40,8 @@ void AddressWarnings::note_address(const door::Line &line) {
     const std::uint64_t end = std::uint64_t{line.address} + line.size;
     if (end > kMemory && !was_beyond_) {
         findings.push_back(warning("address-above-ff", operation_of(line),
-                                   "the address " + hexadecimal(std::max(line.address, kMemory)) +
+                                   "the address " +
+                                       in_hexadecimal(std::max(line.address, kMemory)) +
                                        " of a byte is above $FF"));
     }
     was_beyond_ = end > kMemory;
@@ -62,7 +58,7 @@ void AddressWarnings::note_second_writing(const door::Line &line) {
         if (before != nullptr && !is_twice && !was_twice_) {
             findings.push_back(warning("written-twice", *writer,
                                        "the byte at " +
-                                           hexadecimal(static_cast<std::uint32_t>(address)) +
+                                           in_hexadecimal(static_cast<std::int64_t>(address)) +
                                            " has been given a value already"));
             findings.back().notes.push_back({*before, "here"});
         }

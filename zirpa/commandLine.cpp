@@ -230,7 +230,9 @@ std::string unknown_word(const CLI::App &command) {
         known.push_back(each->get_name());
     }
     const std::string word = rest.front().substr(0, rest.front().find('='));
-    const std::string hint = did_you_mean(nearest(word, known));
+    const std::string hint = word.ends_with(".szirpa") && command.get_parent() == nullptr
+                                 ? "did you mean build " + word + "?"
+                                 : did_you_mean(nearest(word, known));
     const char *what = word.starts_with('-')             ? "unknown option "
                        : command.get_parent() != nullptr ? "one argument too many: "
                                                          : "unknown command ";
@@ -246,7 +248,8 @@ int refuse(const CLI::App &app, const CLI::App &command, const CLI::ParseError &
     }
     std::string text = unknown_word(command);
     if (text.empty()) {
-        text = error.what();
+        text =
+            &command == &app ? "a command is needed: build, check, map or explain" : error.what();
     }
     if (error.get_name() == "ArgumentMismatch") {
         text.resize(std::min(text.find(':'), text.size()));
@@ -287,7 +290,6 @@ void add_check(CLI::App &app, Words &words, int &status) {
         app.add_subcommand("check", "Say what is wrong with sources; write nothing");
     command->add_option("FILE", words.sources, "Sources, or - for standard input")
         ->required()
-        ->option_text(" ")
         ->option_text(" ");
     add_choice(*command, "--format", words.common().format, kFormats,
                "text on standard error, or json or sarif on standard output", "FORMAT");

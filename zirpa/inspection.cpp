@@ -26,7 +26,11 @@ std::string_view id_of(door::Failure::Kind kind) {
     }
 }
 
+// What is short of memory has no name.
 Diagnostic diagnostic_of(const door::Failure &failure) {
+    if (failure.name.empty()) {
+        return error_of_file("cannot-write", "zirpa", "out of memory");
+    }
     return error_of_file(std::string(id_of(failure.kind)), failure.name,
                          "can't be " + std::string(verb_of(failure.kind)) + ": " + failure.reason);
 }

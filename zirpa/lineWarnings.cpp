@@ -226,7 +226,8 @@ void LineWarnings::note_end(const door::Line &line) {
     if (begin < text.size() && !door::begins_name(text[begin])) {
         findings.push_back(warning("end-with-comment", piece(line, begin, text.size()),
                                    "this keeps END from ending the source",
-                                   "move the comment to a line of its own"));
+                                   text[begin] == ';' ? "move the comment to a line of its own"
+                                                      : "the start address is given by a label"));
     }
 }
 

@@ -5,6 +5,7 @@ namespace {
 
 constexpr std::string_view kDigits = "0123456789ABCDEF";
 constexpr std::string_view kReset = "\x1b[0m";
+constexpr std::string_view kBeyond = "\x1b[1;37;45m"; // of bytes that have no place
 
 // How a kind of cell is shown.
 struct Look {
@@ -36,11 +37,15 @@ std::string text_of(const Cell &cell) {
     }
 }
 
-std::string coloured(std::string_view text, CellKind kind, bool is_coloured) {
+std::string shaded(std::string_view text, std::string_view colour, bool is_coloured) {
     if (!is_coloured) {
         return std::string(text);
     }
-    return std::string(look_of(kind).colour) + std::string(text) + std::string(kReset);
+    return std::string(colour) + std::string(text) + std::string(kReset);
+}
+
+std::string coloured(std::string_view text, CellKind kind, bool is_coloured) {
+    return shaded(text, look_of(kind).colour, is_coloured);
 }
 
 std::string names_of_row(const MemoryMap &memory, std::size_t row) {
@@ -95,7 +100,7 @@ std::string picture_of(const MemoryMap &memory, const std::string &title, bool i
     }
     text += "\n" + legend(memory, is_coloured);
     if (memory.beyond > 0) {
-        text += std::to_string(memory.beyond) + " above FF, from " +
+        text += shaded(std::to_string(memory.beyond), kBeyond, is_coloured) + " above FF, from " +
                 hexadecimal(memory.first_beyond) + "\n";
     }
     return text;

@@ -22,7 +22,7 @@ constexpr std::string_view kStyle =
     "text{font-family:ui-monospace,Menlo,Consolas,monospace;fill:#1a1a1a}"
     ".title{font-size:18px;font-weight:bold}.axis{font-size:12px;fill:#555}"
     ".byte{font-size:13px}.name{font-size:9px}.legend{font-size:13px}"
-    "rect{stroke:#fff;stroke-width:1}.free{fill:#f0f0f0}.code{fill:#8ec7e8}.data{fill:#f5c77e}"
+    ".free{fill:#f0f0f0}.code{fill:#8ec7e8}.data{fill:#f5c77e}"
     ".reserved{fill:#cfcfcf}.twice{fill:#e98b8b;stroke:#a00000;stroke-width:2}";
 
 std::string number(int value) { return std::to_string(value); }
@@ -70,7 +70,8 @@ std::string cell_svg(const MemoryMap &memory, std::size_t address) {
     const std::string name = label_of(memory, address);
     std::string text = "<g><title>" + byte_text(static_cast<std::uint8_t>(address)) + " " +
                        std::string(name_of(cell.kind)) + escaped(name.empty() ? "" : " " + name) +
-                       "</title>\n" + rectangle(x, y, kCellWidth, kCellHeight, cell.kind);
+                       "</title>\n" +
+                       rectangle(x + 1, y + 1, kCellWidth - 2, kCellHeight - 2, cell.kind);
     if (cell.kind != CellKind::kFree && cell.kind != CellKind::kReserved) {
         text += text_at(x + kCellWidth / 2, y + 28, "byte", byte_text(cell.byte));
     }

@@ -42,6 +42,7 @@ constexpr std::array kForeignWords = std::to_array<ForeignWord>({
     {"RESB", "bytes are reserved by RMB"},
     {".ORG", "the address is set by ORG"},
     {"INCLUDE", "a source is one file"},
+    {"#INCLUDE", "a source is one file"},
     {"MACRO", "there are no macros"},
     {"CALL", "a subroutine is called by JSR or BSR"},
     {"RET", "a subroutine ends in RTS"},

@@ -13,14 +13,6 @@ namespace {
 
 // ---- Texts ----
 
-std::string in_hexadecimal(std::int64_t value) {
-    std::array<char, 20> digits{};
-    const auto magnitude =
-        value < 0 ? -static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
-    char *end = std::to_chars(digits.data(), digits.data() + digits.size(), magnitude, 16).ptr;
-    return (value < 0 ? "-$" : "$") + door::upper({digits.data(), end});
-}
-
 // What stands between the first two quotes of a report.
 std::string name_in(const std::string &text) {
     const std::size_t begin = text.find('\'') + 1;
@@ -136,7 +128,9 @@ void word_reserved(const Case &each) {
 void word_character(const Case &each) {
     const std::string character = each.report.pointed_at();
     each.diagnostic.message = quoted(character) + " means nothing in an expression";
-    if (character == "\"" || character == "'") {
+    if (character == "\"" && each.words().operand.starts_with('"')) {
+        each.diagnostic.hint = "a text is given by FCS";
+    } else if (character == "\"" || character == "'") {
         each.diagnostic.hint = "a character stands between single quotes, as in 'A'";
     } else if (character == "@") {
         each.diagnostic.hint = "there are decimal, $ hexadecimal and % binary numbers";
@@ -305,6 +299,14 @@ bool is_needless(const HeardReport &report, const Heard &heard, const LastDefini
 } // namespace
 
 std::string quoted(std::string_view text) { return "'" + std::string(text) + "'"; }
+
+std::string in_hexadecimal(std::int64_t value) {
+    std::array<char, 20> digits{};
+    const auto magnitude =
+        value < 0 ? -static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
+    char *end = std::to_chars(digits.data(), digits.data() + digits.size(), magnitude, 16).ptr;
+    return (value < 0 ? "-$" : "$") + door::upper({digits.data(), end});
+}
 
 std::string in_both_bases(std::int64_t value) {
     return std::to_string(value) + " (" + in_hexadecimal(value) + ")";

@@ -1,10 +1,14 @@
 // The door: what a listener is told, in which units, and where the outputs of a run go.
 #include "door/door.h"
 #include "door/messages.h"
+#include "tests/calls/system_calls.h"
 #include "tests/unit/support.h"
 
+#include <cerrno>
 #include <map>
 #include <set>
+
+#include <unistd.h>
 
 namespace {
 
@@ -257,6 +261,53 @@ TEST_F(Door, TheSymbolTableIsWhatWouldHaveBeenPrinted) {
     EXPECT_EQ(assemble("five EQU 5\n", {"-S"}).symbols,
               "\n--\tSYMBOL TABLE:\n--\tVALUE   \tSYMBOL \n\t0005\tfive\n");
     EXPECT_EQ(assemble("five EQU 5\n", {"-S", "-L"}).symbols, "");
+}
+
+TEST_F(Door, AFileThatCannotBeLookedUpIsNotCreated) {
+    calls.readlink = [](const char *, char *, std::size_t) -> ssize_t {
+        errno = EACCES;
+        return -1;
+    };
+    const auto failure = door::write_file("out", "text", {});
+    calls = real_calls;
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->kind, door::Failure::Kind::kCreate);
+    EXPECT_EQ(failure->reason, "Permission denied");
+    EXPECT_FALSE(file_exists("out"));
+}
+
+TEST_F(Door, AFileThatIsCutIsWithdrawn) {
+    write_file("out", "old");
+    ASSERT_EQ(::link("out", "other"), 0); // so that it is written where it is
+    calls.write = [](int, const void *, std::size_t) -> ssize_t {
+        errno = ENOSPC;
+        return -1;
+    };
+    const auto failure = door::write_file("out", "text", {});
+    calls = real_calls;
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->kind, door::Failure::Kind::kWrite);
+    EXPECT_EQ(failure->reason, "No space left on device");
+    EXPECT_FALSE(file_exists("out"));
+}
+
+TEST_F(Door, AFileIsWrittenAsAWhole) {
+    write_file("out", "old");
+    EXPECT_FALSE(door::write_file("out", "text", {"in"}));
+    EXPECT_EQ(read_text("out"), "text");
+    const auto failure = door::write_file("./out", "more", {"in", "out"});
+    ASSERT_TRUE(failure);
+    EXPECT_EQ(failure->kind, door::Failure::Kind::kCreate);
+    EXPECT_EQ(read_text("out"), "text");
+}
+
+TEST_F(Door, RegistersAreWhatTheScannerTakesForThem) {
+    for (const char *name : {"A", "x", "Y", "sp", "CC", "a.b", "X$"}) {
+        EXPECT_TRUE(door::is_register(name)) << name;
+    }
+    for (const char *name : {"", "B", "AB", "C", "S", "1", "_A", "X_", ","}) {
+        EXPECT_FALSE(door::is_register(name)) << name;
+    }
 }
 
 TEST_F(Door, OperandsAreTheFormsThatAnInstructionTakes) {

@@ -21,6 +21,7 @@ TEST(Suggestions, DistanceCountsChangedAddedMissingAndSwappedLetters) {
 
 TEST(Suggestions, WordsThatBeginAlikeComeFirst) {
     EXPECT_EQ(nearest("LDXA", {"LDA", "LDX"}), (std::vector<std::string>{"LDX", "LDA"}));
+    EXPECT_EQ(nearest("dly", {"aly", "day"}), (std::vector<std::string>{"day", "aly"}));
 }
 
 TEST(Suggestions, WordsFarAwayAreNotMeant) {

@@ -32,6 +32,9 @@ MISTAKES = {
     "too high an address": (" ORG $1000\n NOP\n", (2, 2), "the address $1000 of a byte is above", ""),
     "an open parenthesis": (" ORG 0\n LDA (1+2\n", (2, 6), "'(1+2' is no operand", "is not closed"),
     "a pair that is none": (" ORG 0\n TFR A,X\n", (2, 6), "TFR has no form", "X,Y"),
+    "a text among bytes": (' ORG 0\n FCB "abc"\n', (2, 6), "'\"' means nothing", "a text is given by FCS"),
+    "a word of C": (' ORG 0\n#include "x"\n', (2, 1), "unknown word '#include'", "a source is one file"),
+    "a start address": (" ORG 0\n END $10\n", (2, 6), "this keeps END from ending", "by a label"),
     "an address sign": (" ORG 0\n JMP *\n", (2, 6), "'*' is no operand of JMP", "use a label"),
 }
 

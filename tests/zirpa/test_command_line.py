@@ -7,7 +7,8 @@ SOURCE = "\tORG\t0\n#ifdef given\n\tNOP\n#endif\n"
 USAGE = 2
 
 REFUSED = {
-    (): "A subcommand is required",
+    (): "a command is needed: build, check, map or explain",
+    ("p.szirpa",): "unknown command p.szirpa: did you mean build p.szirpa?",
     ("bild", "p.szirpa"): "unknown command bild: did you mean build?",
     ("build",): "FILE is required",
     ("check",): "FILE is required",
