@@ -1,6 +1,6 @@
 #include "zirpa/warnings.h"
 
-#include "zirpa/wording.h"
+#include "zirpa/phrases.h"
 
 #include <algorithm>
 

@@ -3,7 +3,6 @@
 
 #include "zirpa/diagnostic.h"
 #include "zirpa/heard.h"
-#include "zirpa/wording.h"
 
 // What a diagnostic is made of.
 struct Case {

@@ -1,6 +1,6 @@
 #include "zirpa/cExpression.h"
+#include "zirpa/phrases.h"
 #include "zirpa/warnings.h"
-#include "zirpa/wording.h"
 
 void ExpressionWarnings::take(const door::Reference &reference) {
     if (reference.use == door::Use::kValue) {

@@ -1,7 +1,7 @@
 #include "zirpa/warnings.h"
 
+#include "zirpa/phrases.h"
 #include "zirpa/suggest.h"
-#include "zirpa/wording.h"
 
 #include <algorithm>
 

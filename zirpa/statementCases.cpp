@@ -1,5 +1,6 @@
 #include "zirpa/cases.h"
 
+#include "zirpa/phrases.h"
 #include "zirpa/suggest.h"
 
 #include <algorithm>

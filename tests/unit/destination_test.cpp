@@ -1,8 +1,10 @@
 // Where outputs go: what a name leads to, what replaces what, and what stays.
 #include "util/destination.h"
 
+#include "tests/calls/system_calls.h"
 #include "tests/unit/support.h"
 
+#include <cerrno>
 #include <filesystem>
 #include <thread>
 
@@ -372,6 +374,24 @@ TEST_F(Destinations, WithdrawnOutputIsGoneAndSoIsTheOldFile) {
     ASSERT_TRUE(begin("out", OldFile::kRewritten, "text"));
     destination_.withdraw();
     EXPECT_EQ(names(), "");
+}
+
+// Where no temporary file can be created, the new file is there from the beginning.
+TEST_F(Destinations, WithdrawnOutputIsGoneWhereItWasWrittenInItsPlace) {
+    write_file("out", "old");
+    calls.open = [](const char *path, int flags, mode_t mode) {
+        if ((flags & O_EXCL) != 0) {
+            errno = EACCES;
+            return -1;
+        }
+        return real_calls.open(path, flags, mode);
+    };
+    EXPECT_TRUE(begin("out", OldFile::kReplaced, "text"));
+    calls = real_calls;
+    EXPECT_FALSE(destination_.is_beside());
+    EXPECT_EQ(read_text("out"), "text");
+    destination_.withdraw();
+    EXPECT_FALSE(is_there("out"));
 }
 
 TEST_F(Destinations, WithdrawnFileWithFurtherNamesLosesOne) {

@@ -2,8 +2,8 @@
 #include "zirpa/cExpression.h"
 #include "zirpa/diagnostic.h"
 #include "zirpa/formats.h"
+#include "zirpa/phrases.h"
 #include "zirpa/suggest.h"
-#include "zirpa/wording.h"
 
 #include <gtest/gtest.h>
 

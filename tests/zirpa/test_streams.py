@@ -67,7 +67,7 @@ def test_an_output_that_cannot_be_created_takes_the_others_along(zirpa, director
     (directory / "clean.fmem").mkdir()
     process = running.run(directory, zirpa, "build", "clean.szirpa")
     assert process.returncode == 2
-    assert b"clean.fmem: error: can't be created: " in process.stderr
+    assert b"clean.fmem: error: can't be created: Is a directory" in process.stderr
     assert names(directory) == {"clean.fmem"}
 
 
