@@ -7,7 +7,7 @@
 
 // ---- State owned here ----
 
-extern std::int64_t reservation_limit; // largest block in bytes: 2^32; only fuzzing sets less
+extern std::int64_t reservation_limit; // largest block in bytes: 2^32, unless a run is to be short
 
 // ---- Functions ----
 

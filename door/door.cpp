@@ -3,6 +3,7 @@
 #include "door/door.h"
 
 #include "as/asCond.h"
+#include "as/asData.h"
 #include "as/asDiag.h"
 #include "as/asLabel.h"
 #include "as/asMain.h"
@@ -329,14 +330,21 @@ int assemble(const Run &run) {
 
 } // namespace
 
+static_assert(kLongestLine == kLineReadLimit);
+
 Result run(const Run &run, const Listener &listener) {
     Session own;
+    const std::int64_t usual_limit = reservation_limit;
+    if (run.most_reserved > 0) {
+        reservation_limit = std::min(usual_limit, run.most_reserved);
+    }
     own.run = &run;
     own.listener = &listener;
     session = &own;
     kept = {};
     watcher = &kWatcher;
     own.result.status = assemble(run);
+    reservation_limit = usual_limit;
     watcher = nullptr;
     standard_output.divert({});
     divert_outputs({});

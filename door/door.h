@@ -139,6 +139,9 @@ struct Run {
     std::string source;                   // the file, or what stands for the text
     std::optional<std::string_view> text; // instead of the file
     Outputs outputs = Outputs::kFiles;
+    // More bytes than these are not reserved at once; who waits for an answer can't wait for all
+    // that a slip of the finger reserves. 0: as many as the assembler allows.
+    std::int64_t most_reserved = 0;
 };
 
 enum class OutputKind { kRecords, kListing, kArray, kScript };
@@ -186,6 +189,22 @@ std::vector<std::string> conditional_words();
 // What may stand as the operand of an instruction, with n for a value: as "#n" or "A,CC". Nothing
 // for instructions without an operand and for other words.
 std::vector<std::string> operands_of(std::string_view instruction);
+
+// The names of the registers, in upper case.
+std::vector<std::string_view> registers();
+
+// The fields of a line, empty where it lacks them: as those of a Line, for lines that are not told.
+struct LineFields {
+    Place label;
+    Place operation;
+    Place operand;
+    bool is_conditional; // the operation has the hash of conditional assembly
+};
+
+LineFields fields_of(std::string_view line);
+
+// Bytes of a line that are read at once; what is beyond counts as a line of its own.
+inline constexpr std::size_t kLongestLine = 4095;
 
 const char *version();
 

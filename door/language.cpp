@@ -2,12 +2,14 @@
 #include "as/asOptions.h"
 #include "as/asPseudo.h"
 #include "door/door.h"
+#include "door/fields.h"
 #include "door/messages.h"
 #include "target/optab.h"
 #include "target/scan.h"
 #include "util/text.h"
 
 #include <algorithm>
+#include <array>
 
 namespace door {
 
@@ -33,14 +35,26 @@ const Instruction *find_instruction(std::string_view word) {
     return row == optab.end() ? nullptr : row;
 }
 
+struct RegisterName {
+    int token;
+    std::string_view name;
+};
+
+constexpr std::array<RegisterName, 5> kRegisters = {
+    {{TOK_A, "A"}, {TOK_X, "X"}, {TOK_Y, "Y"}, {TOK_SP, "SP"}, {TOK_CC, "CC"}}};
+
 std::string name_of_register(int token) {
-    switch (token) {
-    case TOK_A: return "A";
-    case TOK_CC: return "CC";
-    case TOK_X: return "X";
-    case TOK_Y: return "Y";
-    default: return "SP";
+    const auto *row = std::find_if(kRegisters.begin(), kRegisters.end(),
+                                   [=](const RegisterName &each) { return each.token == token; });
+    return std::string(row->name);
+}
+
+// Without columns for an empty piece.
+Place place_of(const Piece &piece) {
+    if (piece.is_empty()) {
+        return {};
     }
+    return {0, static_cast<int>(piece.begin) + 1, static_cast<int>(piece.end)};
 }
 
 } // namespace
@@ -83,6 +97,19 @@ std::vector<std::string> operands_of(std::string_view instruction) {
         operands.push_back(name_of_register(pair.first) + "," + name_of_register(pair.second));
     }
     return operands;
+}
+
+std::vector<std::string_view> registers() {
+    std::vector<std::string_view> names(kRegisters.size());
+    std::transform(kRegisters.begin(), kRegisters.end(), names.begin(),
+                   [](const RegisterName &row) { return row.name; });
+    return names;
+}
+
+LineFields fields_of(std::string_view line) {
+    const Fields fields = split(line);
+    return {place_of(fields.label), place_of(fields.operation), place_of(fields.operand),
+            fields.is_conditional};
 }
 
 std::vector<std::string_view> identifiers() {
