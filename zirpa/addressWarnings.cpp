@@ -31,6 +31,8 @@ void AddressWarnings::note_first_bytes(const door::Line &line) {
                                    "bytes above the first ORG: the S-records give them the address "
                                    "at which the source ends",
                                    "write ORG above this line"));
+        findings.back().fixes.push_back(
+            {"Write ORG above this line", {line.line, 1, 0, {}}, "\tORG\t0\n"});
     }
     has_bytes_ = true;
 }

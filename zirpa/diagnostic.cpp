@@ -49,6 +49,16 @@ Diagnostic error_of_file(std::string id, std::string file, std::string message) 
     return diagnostic;
 }
 
+void offer_words(Diagnostic &diagnostic, const std::vector<std::string> &words) {
+    for (const std::string &word : words) {
+        offer_text(diagnostic, "Replace by " + word, word);
+    }
+}
+
+void offer_text(Diagnostic &diagnostic, std::string title, std::string text) {
+    diagnostic.fixes.push_back({std::move(title), diagnostic.place, std::move(text)});
+}
+
 std::size_t character_size(std::string_view text) {
     const std::size_t size = announced_size(static_cast<unsigned char>(text[0]));
     if (size > text.size() ||

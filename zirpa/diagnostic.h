@@ -24,6 +24,13 @@ struct Note {
     std::string message;
 };
 
+// A change of the source that would help.
+struct Fix {
+    std::string title;
+    SourcePlace place; // what is replaced; the text goes in ahead of first where last is before it
+    std::string text;
+};
+
 struct Diagnostic {
     Severity severity = Severity::kError;
     std::string id;
@@ -32,7 +39,14 @@ struct Diagnostic {
     std::string message;
     std::string hint = {}; // a word beside the carets
     std::vector<Note> notes = {};
+    std::vector<Fix> fixes = {}; // what the hint speaks of, as changes
 };
+
+// Fixes that put each of the words in the diagnostic's place.
+void offer_words(Diagnostic &diagnostic, const std::vector<std::string> &words);
+
+// A fix that removes what is in the diagnostic's place, or puts a text there.
+void offer_text(Diagnostic &diagnostic, std::string title, std::string text);
 
 // An error of a file as a whole.
 Diagnostic error_of_file(std::string id, std::string file, std::string message);

@@ -24,6 +24,8 @@ void ExpressionWarnings::take(const door::Expression &expression) {
         "'" + text + "' is " + in_both_bases(expression.value) + " here, but " +
             in_both_bases(reading->value) + " in C",
         "as in C: " + reading->parenthesised));
+    offer_text(pending_.back(), "Compute as in C: " + reading->parenthesised,
+               reading->parenthesised);
 }
 
 void ExpressionWarnings::take(const door::Line &line) {

@@ -129,6 +129,13 @@ std::vector<Diagnostic> all_diagnostics(const Gathering &gathering, const Settin
     return all;
 }
 
+template <typename Function, typename Event>
+void tell(const Function &function, const Event &event) {
+    if (function) {
+        function(event);
+    }
+}
+
 door::Listener listener_of(Gathering &gathering, const door::Listener &also) {
     Heard &heard = gathering.heard;
     Warnings &warnings = gathering.warnings;
@@ -137,19 +144,24 @@ door::Listener listener_of(Gathering &gathering, const door::Listener &also) {
     listener.definition = [&](const door::Definition &definition) {
         heard.take(definition);
         warnings.take(definition);
-        if (also.definition) {
-            also.definition(definition);
-        }
+        tell(also.definition, definition);
     };
-    listener.reference = [&](const door::Reference &reference) { warnings.take(reference); };
-    listener.expression = [&](const door::Expression &expression) { warnings.take(expression); };
-    listener.block = [&](const door::Block &block) { warnings.take(block); };
+    listener.reference = [&](const door::Reference &reference) {
+        warnings.take(reference);
+        tell(also.reference, reference);
+    };
+    listener.expression = [&](const door::Expression &expression) {
+        warnings.take(expression);
+        tell(also.expression, expression);
+    };
+    listener.block = [&](const door::Block &block) {
+        warnings.take(block);
+        tell(also.block, block);
+    };
     listener.line = [&](const door::Line &line) {
         heard.take(line);
         warnings.take(line, gathering.is_faulty(line.line));
-        if (also.line) {
-            also.line(line);
-        }
+        tell(also.line, line);
     };
     return listener;
 }
@@ -183,8 +195,9 @@ Inspection inspect(const Settings &settings, const door::Listener &also) {
     };
     door::Listener listener = listener_of(gathering, also);
     listener.end = judge;
-    inspection.result = run_without_handler(
-        {settings.options, settings.source, settings.text, settings.outputs}, listener);
+    inspection.result = run_without_handler({settings.options, settings.source, settings.text,
+                                             settings.outputs, settings.most_reserved},
+                                            listener);
     if (!is_judged) {
         judge();
     }

@@ -4,6 +4,7 @@
 #include "door/door.h"
 #include "zirpa/diagnostic.h"
 
+#include <cstdint>
 #include <optional>
 #include <set>
 #include <string>
@@ -19,6 +20,8 @@ struct WarningChoice {
     std::set<std::string, std::less<>> wanted;  // shown, though they are not by default
     bool all_denied = false;
     bool is_strict = false; // a warning fails the run
+
+    bool operator==(const WarningChoice &) const = default;
 };
 
 struct Settings {
@@ -27,6 +30,7 @@ struct Settings {
     std::optional<std::string> text;  // instead of the file
     door::Outputs outputs = door::Outputs::kNowhere;
     WarningChoice warnings;
+    std::int64_t most_reserved = 0; // bytes, as for door::Run
 };
 
 struct Inspection {
@@ -42,5 +46,5 @@ struct Inspection {
     int status() const { return is_unusable ? 2 : has_failed ? 1 : 0; }
 };
 
-// The listener is told of lines and definitions too.
+// The listener is told of everything but reports, too.
 Inspection inspect(const Settings &settings, const door::Listener &also);

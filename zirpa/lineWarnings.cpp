@@ -177,6 +177,7 @@ void LineWarnings::note_characters(const door::Line &line) {
             warning("byte-order-mark", piece(line, 0, kByteOrderMark.size()),
                     "the source begins with a byte-order mark, which counts as blanks",
                     "save it as UTF-8 without one"));
+        offer_text(findings.back(), "Remove the byte-order mark", "");
         i = kByteOrderMark.size();
     }
     const bool is_text = is_directive(line, "FCS");
@@ -191,6 +192,7 @@ void LineWarnings::note_characters(const door::Line &line) {
             findings.push_back(
                 warning("invisible-character", piece(line, i, i + found->bytes.size()),
                         "this is " + std::string(found->name) + ", which counts as a blank"));
+            offer_text(findings.back(), "Replace it by a blank", " ");
             return;
         }
     }
@@ -242,6 +244,7 @@ void LineWarnings::take(const door::Line &line, bool is_faulty) {
             findings.push_back(warning("single-hash-if", place_in(line.operation, line.source),
                                        "#if with one hash opens no conditional",
                                        "an expression is tested by ##if"));
+            offer_words(findings.back(), {"##if"});
         }
         return;
     }

@@ -88,8 +88,10 @@ void NameWarnings::add_early(const EarlyUse &use, std::vector<Diagnostic> &found
     const Name &name = names_.find(use.name)->second;
     if (use.kind == Early::kUndefinedInEqu) {
         found.push_back(warning("undefined-in-equ", use.place,
-                                quoted(use.name) + " is not defined and counts as 0 here",
-                                did_you_mean(nearest(use.name, known_names()))));
+                                quoted(use.name) + " is not defined and counts as 0 here"));
+        const std::vector<std::string> meant = nearest(use.name, known_names());
+        found.back().hint = did_you_mean(meant);
+        offer_words(found.back(), meant);
     } else if (use.kind == Early::kSize && name.kind == door::NameKind::kLabel) {
         found.push_back(
             warning("late-size", use.place,

@@ -51,21 +51,37 @@ constexpr std::array kForeignWords = std::to_array<ForeignWord>({
     {"JP", "a jump is JMP or BRA"},
 });
 
-std::string hint_for_operation(std::string_view word) {
-    const auto *foreign = std::find_if(
-        kForeignWords.begin(), kForeignWords.end(),
-        [name = door::upper(word)](const ForeignWord &row) { return row.word == name; });
+// What stands where ##if is meant.
+constexpr std::string_view kSingleHash = "#if";
+
+// What is meant by an unknown word, as a hint and as fixes of the diagnostic's place.
+void hint_at_words(const Case &each, const std::vector<std::string> &meant) {
+    each.diagnostic.hint = did_you_mean(meant);
+    offer_words(each.diagnostic, meant);
+}
+
+void hint_at_operation(const Case &each, std::string_view word) {
+    if (word == kSingleHash) {
+        each.diagnostic.hint = "an expression is tested by ##if";
+        offer_words(each.diagnostic, {"##if"});
+        return;
+    }
+    const auto *foreign =
+        std::find_if(kForeignWords.begin(), kForeignWords.end(),
+                     [name = door::upper(word)](const ForeignWord &row) { return row.word == name; });
     if (foreign != kForeignWords.end()) {
-        return std::string(foreign->hint);
+        each.diagnostic.hint = foreign->hint;
+        return;
     }
     if (word.starts_with("#")) {
-        return did_you_mean(nearest(word, door::conditional_words()));
+        hint_at_words(each, nearest(word, door::conditional_words()));
+        return;
     }
     std::vector<std::string> words = door::directives();
     for (const std::string_view instruction : door::instructions()) {
         words.emplace_back(instruction);
     }
-    return did_you_mean(nearest(word, words));
+    hint_at_words(each, nearest(word, words));
 }
 
 std::string joined(const std::vector<std::string> &words) {
@@ -91,16 +107,32 @@ bool is_unbalanced(std::string_view text) {
     return std::count(text.begin(), text.end(), '(') != std::count(text.begin(), text.end(), ')');
 }
 
+// A fix that replaces bytes of the line, from one up to another, both counted from 0.
+void offer_change(const Case &each, std::string title, std::size_t begin, std::size_t end,
+                  std::string text) {
+    each.diagnostic.fixes.push_back({std::move(title),
+                                     {each.report.place.line, static_cast<int>(begin) + 1,
+                                      static_cast<int>(end), each.report.place.text},
+                                     std::move(text)});
+}
+
 // What is wrong with the form of an operand, for faults that nearly everyone makes once.
-std::string hint_for_form(const LineWords &words) {
+std::string hint_for_form(const Case &each) {
+    const LineWords &words = each.words();
     const std::string &operand = words.operand;
     if (operand.empty()) {
         return {};
     }
-    if (operand.find(';') != std::string::npos) {
+    const std::string &line = each.report.place.text;
+    const door::Place place = door::fields_of(line).operand;
+    if (const std::size_t comment = operand.find(';'); comment != std::string::npos) {
+        const std::size_t begin = static_cast<std::size_t>(place.first) - 1 + comment;
+        offer_change(each, "Put a blank before the comment", begin, begin, " ");
         return "a comment needs a blank before it";
     }
     if (kGoingOn.find(operand.back()) != std::string_view::npos && words.goes_on) {
+        const auto end = static_cast<std::size_t>(place.last);
+        offer_change(each, "Remove the blank", end, line.find_first_not_of(" \t", end), "");
         return "a blank ends the operand: write it without";
     }
     if (operand.front() == '*') {
@@ -120,6 +152,8 @@ void word_unknown_instruction(const Case &each) {
         each.diagnostic.message =
             quoted(each.words().label) + " begins the line and so is read as a label";
         each.diagnostic.hint = "an instruction needs a blank before it";
+        each.diagnostic.fixes.push_back(
+            {"Put a blank before it", {each.report.place.line, 1, 0, {}}, "\t"});
         return;
     }
     if (!each.words().label.empty() && each.words().is_label_cut) {
@@ -130,9 +164,7 @@ void word_unknown_instruction(const Case &each) {
         return;
     }
     each.diagnostic.message = "unknown instruction " + quoted(each.words().operation);
-    each.diagnostic.hint = each.words().operation == "#if"
-                               ? "an expression is tested by ##if"
-                               : hint_for_operation(each.words().operation);
+    hint_at_operation(each, each.words().operation);
 }
 
 void word_bad_label(const Case &each) {
@@ -140,8 +172,7 @@ void word_bad_label(const Case &each) {
     each.diagnostic.message = quoted(word) + " can't be a label";
     if (word.starts_with("#")) {
         each.diagnostic.message = "unknown word " + quoted(word) + " of conditional assembly";
-        each.diagnostic.hint =
-            word == "#if" ? "an expression is tested by ##if" : hint_for_operation(word);
+        hint_at_operation(each, word);
     } else if (word.starts_with("*") || word.starts_with("/")) {
         each.diagnostic.hint = "a comment begins with ';'";
     } else {
@@ -156,7 +187,7 @@ void word_operand(const Case &each) {
     } else {
         each.diagnostic.message = quoted(each.words().operand) + " is no operand of " + operation;
     }
-    each.diagnostic.hint = hint_for_form(each.words());
+    each.diagnostic.hint = hint_for_form(each);
     if (each.diagnostic.hint.empty()) {
         hint_at_operands(each);
     }
@@ -191,5 +222,5 @@ void word_register_combination(const Case &each) {
 
 void word_unterminated(const Case &each) {
     each.diagnostic.message = "a value is missing here";
-    each.diagnostic.hint = each.words().goes_on ? hint_for_form(each.words()) : "";
+    each.diagnostic.hint = each.words().goes_on ? hint_for_form(each) : "";
 }

@@ -4,6 +4,21 @@
 
 namespace {
 
+// The operand with what stands behind it, without the blanks.
+void offer_joined_operand(Diagnostic &diagnostic) {
+    const SourcePlace &place = diagnostic.place;
+    const auto first = static_cast<std::size_t>(place.first) - 1;
+    const std::size_t blanks = place.text.find_last_not_of(" \t", first - 1) + 1;
+    std::string joined = place.text.substr(first, static_cast<std::size_t>(place.last) - first);
+    if (joined.find('\'') != std::string::npos) {
+        return; // a quoted blank is one of the operand
+    }
+    std::erase_if(joined, [](char ch) { return ch == ' ' || ch == '\t'; });
+    diagnostic.fixes.push_back({"Join it to the operand",
+                                {place.line, static_cast<int>(blanks) + 1, place.last, place.text},
+                                joined});
+}
+
 void append(std::vector<Diagnostic> &all, std::vector<Diagnostic> more) {
     std::move(more.begin(), more.end(), std::back_inserter(all));
 }
@@ -57,6 +72,7 @@ std::vector<Diagnostic> Warnings::findings(const Heard &heard, bool with_unused)
         if (is_known) {
             all.push_back(warning("text-after-operand", computed.place,
                                   "a blank ends the operand, so this is a comment"));
+            offer_joined_operand(all.back());
         }
     }
     for (Diagnostic &diagnostic : all) {

@@ -68,7 +68,9 @@ void word_undefined(const Case &each) {
     for (const auto &[other, unused] : each.heard.names) {
         names.push_back(other);
     }
-    each.diagnostic.hint = did_you_mean(nearest(name, names));
+    const std::vector<std::string> meant = nearest(name, names);
+    each.diagnostic.hint = did_you_mean(meant);
+    offer_words(each.diagnostic, meant);
 }
 
 void word_second_definition(const Case &each) {
