@@ -326,6 +326,13 @@ void add_explain(CLI::App &app, Words &words, int &status) {
     command->callback([&words, &status] { status = explain(words.explained); });
 }
 
+// Editors start servers with options that say how to reach them.
+void add_lsp(CLI::App &app, int &status) {
+    CLI::App *command = app.add_subcommand("lsp", "Serve editors, by the Language Server Protocol");
+    add_shared_flag(*command, "--stdio", "On standard input and output, as always");
+    command->callback([&status] { status = serve(); });
+}
+
 // Parses a command line and carries it out.
 int carry_out(int argc, const char *const *argv) {
     Words words;
@@ -338,6 +345,7 @@ int carry_out(int argc, const char *const *argv) {
     add_check(app, words, status);
     add_map(app, words, status);
     add_explain(app, words, status);
+    add_lsp(app, status);
     try {
         app.parse(arguments_of(argc, argv));
     } catch (const CLI::ParseError &error) {

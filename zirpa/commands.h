@@ -49,3 +49,6 @@ inline constexpr const char *kExplainAll = "all";
 int explain(const std::string &id);
 
 int check(const Request &request, const std::vector<std::string> &sources);
+
+// The language server; 1 where its client has gone without the end that the protocol has.
+int serve();
