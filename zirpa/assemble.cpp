@@ -1,17 +1,37 @@
 #include "zirpa/assemble.h"
 
 #include "zirpa/console.h"
+#include "zirpa/project.h"
 
 #include <cerrno>
 #include <cstring>
 
 namespace {
 
-Inspection unreadable(const std::string &name) {
+Inspection unreadable(const std::string &name, const std::string &reason) {
     Inspection inspection;
     inspection.file = name;
-    inspection.take({door::Failure::Kind::kRead, name, std::strerror(errno)});
+    inspection.take({door::Failure::Kind::kRead, name, reason});
     return inspection;
+}
+
+// Adds the settings of the source's zirpa.json, if there is one; what has been asked for on the
+// command line comes after them. Or tells what is wrong with the file.
+std::optional<std::string> add_project(const std::string &file, Settings &settings) {
+    const std::optional<std::string> text = read_file(file);
+    if (!text) {
+        return errno == ENOENT || errno == ENOTDIR
+                   ? std::nullopt
+                   : std::optional<std::string>(std::strerror(errno));
+    }
+    Project project;
+    if (auto failure = read_project(*text, project); failure) {
+        return failure;
+    }
+    project.add({std::move(settings.options), std::move(settings.warnings)});
+    settings.options = std::move(project.options);
+    settings.warnings = std::move(project.warnings);
+    return std::nullopt;
 }
 
 // A name that looks like an option would be taken for one.
@@ -32,8 +52,12 @@ Inspection assemble(const Request &request, const std::string &source, door::Out
         settings.source = as_file_name(request.stdin_name);
         settings.text = read_standard_input();
         if (!settings.text) {
-            return unreadable(settings.source);
+            return unreadable(settings.source, std::strerror(errno));
         }
+    }
+    const std::string project = project_file_of(settings.source);
+    if (const auto failure = add_project(project, settings); failure) {
+        return unreadable(project, *failure);
     }
     return inspect(settings, also);
 }

@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <cstring>
 
+#include <fcntl.h>
 #include <unistd.h>
 
 namespace {
@@ -29,6 +30,19 @@ bool complain(std::string_view text) { return door::write_all(STDERR_FILENO, tex
 std::optional<std::string> read_standard_input() {
     std::string text;
     return door::read_all(STDIN_FILENO, text) ? std::optional(std::move(text)) : std::nullopt;
+}
+
+std::optional<std::string> read_file(const std::string &name) {
+    const int descriptor = ::open(name.c_str(), O_RDONLY | O_CLOEXEC);
+    if (descriptor < 0) {
+        return std::nullopt;
+    }
+    std::string text;
+    const bool is_read = door::read_all(descriptor, text);
+    const int reason = errno;
+    (void)::close(descriptor);
+    errno = reason;
+    return is_read ? std::optional(std::move(text)) : std::nullopt;
 }
 
 bool is_coloured(Colour colour, bool is_output) {

@@ -9,8 +9,6 @@
 #include <array>
 #include <cerrno>
 #include <filesystem>
-#include <fstream>
-#include <sstream>
 
 #include <poll.h>
 #include <unistd.h>
@@ -39,17 +37,6 @@ bool read_piece(lsp::Framing &framing) {
     return true;
 }
 
-std::optional<std::string> text_of_file(const std::string &path) {
-    std::error_code error;
-    std::ifstream file(path, std::ios::binary);
-    if (!file || std::filesystem::is_directory(path, error)) {
-        return std::nullopt;
-    }
-    std::ostringstream text;
-    text << file.rdbuf();
-    return text.str();
-}
-
 // The chapters are installed with the program, or lie beside the place where it is built.
 std::string chapters() {
     std::error_code error;
@@ -70,7 +57,7 @@ int serve() {
     bool is_heard = true; // as long as what is sent arrives
     lsp::Server server(
         {[&](const std::string &message) { is_heard = print(lsp::framed(message)) && is_heard; },
-         text_of_file, chapters()});
+         read_file, chapters()});
     lsp::Framing framing;
     bool has_work = false;
     while (is_heard && !server.status()) {

@@ -44,7 +44,11 @@ void Analysis::find_lines(std::string_view text) {
         begin += std::min(piece.find('\n'), piece.size() - 1) + 1;
         begins_.push_back(begin);
     }
-    lines.resize(std::max<std::size_t>(begins_.size(), 2) - 1);
+    // Below the last line end there is a line to write on.
+    if (text.empty() || text.back() == '\n') {
+        begins_.push_back(text.size());
+    }
+    lines.resize(begins_.size() - 1);
 }
 
 door::Listener Analysis::listener() {

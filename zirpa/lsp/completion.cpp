@@ -5,6 +5,7 @@
 #include "zirpa/wording.h"
 
 #include <algorithm>
+#include <set>
 
 namespace lsp {
 
@@ -142,6 +143,27 @@ void add_names(const View &view, Items &items) {
     }
 }
 
+// Names of lines that are skipped have no value. A conditional that is being written has no end
+// yet, and so may skip the whole source.
+void add_skipped_names(const View &view, Items &items) {
+    std::set<std::string> names;
+    for (int line = 1; line <= view.analysis.line_count(); ++line) {
+        if (view.analysis.facts(line).kind == door::LineKind::kSkipped) {
+            const std::string_view text = view.line_text(line);
+            const door::Place label = door::fields_of(text).label;
+            if (label.has_column()) {
+                names.insert(word_at(text, label));
+            }
+        }
+    }
+    for (const std::string &name : names) {
+        if (const NameFacts *known = view.analysis.find(name);
+            known == nullptr || !known->is_defined) {
+            items.add(name, CompletionKind::kVariable, "in a block that is skipped");
+        }
+    }
+}
+
 // What is left of an instruction's forms when values are left out: "#", "A,X", ",X+".
 void add_forms(const Place &place, Items &items) {
     for (const Form &form : forms_of(place.operation)) {
@@ -175,6 +197,7 @@ void add_operands(const View &view, const Place &place, std::string_view before,
         return;
     }
     add_names(view, items);
+    add_skipped_names(view, items);
 }
 
 // ---- Forms ----

@@ -64,6 +64,17 @@ void add_selection(const Range &range, std::vector<Range> &ranges) {
     }
 }
 
+// The word that begins or goes on at a place, else the one that ends there; or nothing of the line.
+Range word_at(const View &view, const View::Spot &spot) {
+    Token word = {TokenKind::kComment, spot.offset, spot.offset};
+    for (const Token &token : view.tokens(spot.line)) {
+        if (token.begin <= spot.offset && spot.offset <= token.end) {
+            word = token;
+        }
+    }
+    return view.range_of(spot.line, word.begin, word.end);
+}
+
 } // namespace
 
 std::vector<Symbol> symbols(const View &view) {
@@ -112,15 +123,7 @@ std::vector<Range> selection_ranges(const View &view, Position position) {
     const View::Spot spot = view.spot_at(position);
     std::vector<Range> ranges;
     const LineFacts &facts = view.analysis.facts(spot.line);
-    for (const Token &token : view.tokens(spot.line)) {
-        if (token.begin <= spot.offset && spot.offset <= token.end && ranges.empty()) {
-            add_selection(view.range_of(spot.line, token.begin, token.end), ranges);
-        }
-    }
-    if (ranges.empty()) {
-        const Position here = view.range_of(spot.line, spot.offset, spot.offset).start;
-        ranges.push_back({here, here});
-    }
+    ranges.push_back(word_at(view, spot));
     if (facts.operand.has_column()) {
         add_selection(view.range_of(facts.operand), ranges);
     }
