@@ -47,7 +47,7 @@ if(TARGET companion_program)
           DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/vendor-completions COMPONENT completions)
   install(FILES completions/zirpa.fish
           DESTINATION ${CMAKE_INSTALL_DATADIR}/fish/vendor_completions.d COMPONENT completions)
-  install(FILES zirpa/diagnostics.schema.json
+  install(FILES zirpa/diagnostics.schema.json zirpa/project.schema.json
           DESTINATION ${CMAKE_INSTALL_DOCDIR}/zirpa COMPONENT doc)
 endif()
 install_compressed(${CMAKE_SOURCE_DIR}/packaging/changelog changelog

@@ -158,3 +158,16 @@ def test_a_selection_grows_by_steps(editor):
 
 def test_the_bytes_that_are_used_are_counted(opened):
     assert opened.of("codeLens")[0]["command"]["title"] == "4 of 256 bytes used"
+
+
+# ---- Lines that have an error ----
+
+
+def test_names_on_faulty_lines_are_found(editor):
+    # The assembler does not look at the operand where a label is defined twice.
+    editor.open("SIZE\tEQU\t3\n\tORG\t0\na\tNOP\na\tLDA\t#SIZE\n")
+    assert ranges(editor.at("definition", 3, 8)) == [span(0, 0, 0, 4)]
+    uses = editor.at("references", 0, 0, context={"includeDeclaration": False})
+    assert ranges(uses) == [span(3, 7, 3, 11)]
+    edits = renamed(editor, 0, 0, "COUNT")["result"]["changes"][URI]
+    assert sorted(each["range"]["start"]["line"] for each in edits) == [0, 3]

@@ -8,7 +8,7 @@ import running
 import shown
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-COMMANDS = ("build", "check", "map", "explain")
+COMMANDS = ("build", "check", "map", "explain", "lsp")
 # fish has a word of its own for long options.
 DOCUMENTS = {
     "man/zirpa.1": r"Fl (?:\w , )?-%s\b",

@@ -7,9 +7,6 @@ namespace lsp {
 
 namespace {
 
-// Whoever types an answer away can't wait for more.
-constexpr std::int64_t kMostReserved = 1 << 20;
-
 bool is_before(const door::Place &place, int line) { return place.line < line; }
 
 template <typename Facts> std::vector<Facts> on_line(const std::vector<Facts> &all, int line) {
@@ -69,11 +66,12 @@ door::Listener Analysis::listener() {
 }
 
 std::size_t Analysis::index_of(std::string_view name) {
-    const auto [known, is_new] = indices_.try_emplace(std::string(name), names.size());
-    if (is_new) {
-        names.push_back({known->first, {}, 0, {}, false});
+    if (const auto known = indices_.find(name); known != indices_.end()) {
+        return known->second;
     }
-    return known->second;
+    names.push_back({std::string(name), {}, 0, {}, false});
+    indices_.emplace(names.back().name, names.size() - 1);
+    return names.size() - 1;
 }
 
 void Analysis::take(const door::Line &line) {
@@ -89,7 +87,6 @@ void Analysis::take(const door::Line &line) {
 }
 
 void Analysis::take(const door::Definition &definition) {
-    memory.take(definition);
     NameFacts &facts = names[index_of(definition.name)];
     if (!facts.is_defined) {
         facts.kind = definition.kind;
@@ -133,7 +130,7 @@ Extent Analysis::where(int line, int first, int last, std::string_view text) con
 }
 
 const NameFacts *Analysis::find(std::string_view name) const {
-    const auto known = indices_.find(std::string(name));
+    const auto known = indices_.find(name);
     return known == indices_.end() ? nullptr : &names[known->second];
 }
 

@@ -11,12 +11,16 @@
 #include "zirpa/memoryMap.h"
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <string_view>
 #include <unordered_map>
 #include <vector>
 
 namespace lsp {
+
+// Bytes that are reserved at once: whoever types can't wait for more.
+inline constexpr std::int64_t kMostReserved = 1 << 20;
 
 struct LineFacts {
     door::LineKind kind = door::LineKind::kEmpty;
@@ -76,7 +80,7 @@ class Analysis {
     std::vector<ExpressionFacts> expressions; // likewise
     std::vector<BlockFacts> blocks;
     std::vector<Diagnostic> diagnostics;
-    MemoryMap memory;
+    MemoryMap memory; // without the labels
     door::Result result;
 
     // Whether names are the same in either case.
@@ -110,7 +114,14 @@ class Analysis {
 
     bool is_caseless_ = false;
     std::vector<std::size_t> begins_; // of the lines, and the end of the text
-    std::unordered_map<std::string, std::size_t> indices_;
+    // Looked up by texts that are no strings of their own.
+    struct Hash {
+        using is_transparent = void;
+        std::size_t operator()(std::string_view text) const {
+            return std::hash<std::string_view>()(text);
+        }
+    };
+    std::unordered_map<std::string, std::size_t, Hash, std::equal_to<>> indices_;
 };
 
 } // namespace lsp

@@ -5,6 +5,8 @@
 #include "zirpa/lsp/wordTexts.h"
 
 #include <algorithm>
+#include <set>
+#include <tuple>
 
 namespace lsp {
 
@@ -24,17 +26,6 @@ bool is_written(const View &view, const NameFacts &name, const Token &token, int
     return word == name.name || (view.analysis.is_caseless() && upper_case(word) == name.name);
 }
 
-Places places_of(const View &view, const NameFacts &name) {
-    Places places;
-    places.definitions = name.definitions;
-    for (const UseFacts &use : view.analysis.uses) {
-        if (&view.analysis.names[use.name] == &name && use.place.has_column()) {
-            places.uses.push_back(use.place);
-        }
-    }
-    return places;
-}
-
 // The words of a line that is not read, told apart as if it were.
 std::vector<Token> tokens_of_skipped(const View &view, int line) {
     const std::string_view text = view.line_text(line);
@@ -47,21 +38,71 @@ std::vector<Token> tokens_of_skipped(const View &view, int line) {
     return tokens_of(text, facts);
 }
 
+bool is_skipped(const View &view, int line) {
+    return view.analysis.facts(line).kind == door::LineKind::kSkipped;
+}
+
+void add_written(const View &view, const NameFacts &name, int line,
+                 std::vector<door::Place> &places) {
+    const std::vector<Token> tokens =
+        is_skipped(view, line) ? tokens_of_skipped(view, line) : view.tokens(line);
+    for (const Token &token : tokens) {
+        const bool is_name = token.kind == TokenKind::kName ||
+                             (token.kind == TokenKind::kLabel && is_skipped(view, line));
+        if (is_name && is_written(view, name, token, line)) {
+            places.push_back(
+                {line, static_cast<int>(token.begin) + 1, static_cast<int>(token.end)});
+        }
+    }
+}
+
 // Where the name stands in blocks that are skipped.
 std::vector<door::Place> skipped_places(const View &view, const NameFacts &name) {
     std::vector<door::Place> places;
     for (int line = 1; line <= view.analysis.line_count(); ++line) {
-        if (view.analysis.facts(line).kind != door::LineKind::kSkipped) {
-            continue;
-        }
-        for (const Token &token : tokens_of_skipped(view, line)) {
-            const bool is_name = token.kind == TokenKind::kLabel || token.kind == TokenKind::kName;
-            if (is_name && is_written(view, name, token, line)) {
-                places.push_back(
-                    {line, static_cast<int>(token.begin) + 1, static_cast<int>(token.end)});
-            }
+        if (is_skipped(view, line)) {
+            add_written(view, name, line, places);
         }
     }
+    return places;
+}
+
+// Where the name stands on lines that have an error: the assembler does not read on there.
+std::vector<door::Place> faulty_places(const View &view, const NameFacts &name) {
+    std::set<int> lines;
+    for (const Diagnostic &diagnostic : view.analysis.diagnostics) {
+        if (diagnostic.severity == Severity::kError) {
+            lines.insert(diagnostic.place.line);
+        }
+    }
+    std::vector<door::Place> places;
+    for (const int line : lines) {
+        if (!is_skipped(view, line)) {
+            add_written(view, name, line, places);
+        }
+    }
+    return places;
+}
+
+bool is_same(const door::Place &one, const door::Place &other) {
+    return one.line == other.line && one.first == other.first;
+}
+
+Places places_of(const View &view, const NameFacts &name) {
+    Places places;
+    places.definitions = name.definitions;
+    places.uses = faulty_places(view, name);
+    for (const UseFacts &use : view.analysis.uses) {
+        if (&view.analysis.names[use.name] == &name && use.place.has_column()) {
+            places.uses.push_back(use.place);
+        }
+    }
+    std::sort(places.uses.begin(), places.uses.end(),
+              [](const door::Place &one, const door::Place &other) {
+                  return std::tie(one.line, one.first) < std::tie(other.line, other.first);
+              });
+    places.uses.erase(std::unique(places.uses.begin(), places.uses.end(), is_same),
+                      places.uses.end());
     return places;
 }
 

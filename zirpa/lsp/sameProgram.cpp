@@ -1,12 +1,12 @@
 #include "zirpa/lsp/sameProgram.h"
 
+#include "zirpa/lsp/analysis.h"
+
 #include <algorithm>
 
 namespace lsp {
 
 namespace {
-
-constexpr std::int64_t kMostReserved = 1 << 20;
 
 // All that a run says but for texts and columns.
 std::string account_of(const std::string &text, const Settings &settings) {

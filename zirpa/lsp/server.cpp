@@ -3,7 +3,6 @@
 #include "zirpa/lsp/server.h"
 
 #include "door/door.h"
-#include "zirpa/lsp/serverRows.h"
 
 #include <algorithm>
 

@@ -44,8 +44,16 @@ class Server {
     bool is_shut_down() const { return is_shut_down_; }
 
   private:
-    struct Row;       // of the requests that are known
-    struct NoticeRow; // of the notifications
+    // The methods that are known, a row each.
+    struct Row {
+        std::string_view method;
+        Json (Server::*answer)(OpenDocument &document, const Json &params); // null: of no document
+        Json (Server::*answer_all)(const Json &params) = nullptr;
+    };
+    struct NoticeRow {
+        std::string_view method;
+        void (Server::*take)(const Json &params);
+    };
     struct Waiting {
         Json id;
         const Row *row;

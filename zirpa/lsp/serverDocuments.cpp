@@ -1,7 +1,6 @@
 // The documents of the server, its settings, and what it says of them unasked.
 #include "zirpa/lsp/diagnostics.h"
 #include "zirpa/lsp/server.h"
-#include "zirpa/lsp/serverRows.h"
 
 namespace lsp {
 

@@ -8,7 +8,6 @@
 #include "zirpa/lsp/outline.h"
 #include "zirpa/lsp/sameProgram.h"
 #include "zirpa/lsp/server.h"
-#include "zirpa/lsp/serverRows.h"
 
 #include <algorithm>
 
@@ -241,8 +240,10 @@ Json Server::answer_range_formatting(OpenDocument &document, const Json &params)
 Json Server::answer_listing(OpenDocument &document, const Json & /*params*/) {
     Settings settings = settings_of(document);
     settings.options.emplace_back("-L");
-    const door::Result result = door::run(
-        {settings.options, settings.source, document.document.text(), door::Outputs::kMemory}, {});
+    const door::Result result =
+        door::run({settings.options, settings.source, document.document.text(),
+                   door::Outputs::kMemory, kMostReserved},
+                  {});
     for (const door::Output &output : result.outputs) {
         if (output.kind == door::OutputKind::kListing) {
             return {{"text", output.bytes}};
@@ -252,8 +253,15 @@ Json Server::answer_listing(OpenDocument &document, const Json & /*params*/) {
 }
 
 Json Server::answer_map(OpenDocument &document, const Json & /*params*/) {
-    const View view = view_of(document);
-    return {{"svg", svg_of(view.analysis.memory, settings_of(document).source)}};
+    MemoryMap memory;
+    door::Listener listener;
+    listener.line = [&](const door::Line &line) { memory.take(line); };
+    listener.definition = [&](const door::Definition &definition) { memory.take(definition); };
+    const Settings settings = settings_of(document);
+    (void)door::run({settings.options, settings.source, document.document.text(),
+                     door::Outputs::kNowhere, kMostReserved},
+                    listener);
+    return {{"svg", svg_of(memory, settings.source)}};
 }
 
 } // namespace lsp

@@ -51,6 +51,20 @@ View::NameAt View::name_at(Position position) const {
             }
         }
     }
+    return written_name_at(spot);
+}
+
+// On a line that has an error, which the assembler does not read to its end.
+View::NameAt View::written_name_at(const Spot &spot) const {
+    for (const Token &token : tokens(spot.line)) {
+        const door::Place place = {spot.line, static_cast<int>(token.begin) + 1,
+                                   static_cast<int>(token.end)};
+        if (token.kind == TokenKind::kName && holds(place, spot.line, spot.offset)) {
+            const std::string_view word = spot.text.substr(token.begin, token.end - token.begin);
+            return {analysis.find(analysis.is_caseless() ? upper_case(word) : std::string(word)),
+                    place};
+        }
+    }
     return {};
 }
 

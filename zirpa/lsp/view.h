@@ -53,6 +53,7 @@ struct View {
         door::Place place;
     };
     NameAt name_at(Position position) const;
+    NameAt written_name_at(const Spot &spot) const; // the same by the words alone
 };
 
 } // namespace lsp

@@ -1,0 +1,64 @@
+// Whether a server that has seen any edits answers as one that has just been given the text.
+//
+//     lsp_edits [EDITS [SEED]]
+//
+// A difference is shown with the text and ends the run with status 1.
+#include "tests/lsp/session.h"
+
+#include <cstdio>
+#include <cstdlib>
+#include <memory>
+#include <random>
+
+namespace {
+
+// Edits of one session, after which another one begins with nothing.
+constexpr long kEditsOfSession = 500;
+
+class RandomChoices : public Choices {
+  public:
+    explicit RandomChoices(unsigned long seed) : engine_(seed) {}
+    std::size_t below(std::size_t limit) override { return engine_() % limit; }
+
+  private:
+    std::mt19937_64 engine_;
+};
+
+long number(const char *word) { return std::strtol(word, nullptr, 10); }
+
+bool is_same(Choices &choices, Session &session, const lsp::Document &document) {
+    const lsp::Position position = random_position(choices);
+    Session fresh;
+    fresh.open(document.text());
+    const std::string expected = fresh.answers(position);
+    const std::string answered = session.answers(position);
+    if (expected == answered) {
+        return true;
+    }
+    std::printf("the text:\n%s\nthe answers:\n%s\nthose of a fresh server:\n%s\n",
+                document.text().c_str(), answered.c_str(), expected.c_str());
+    return false;
+}
+
+} // namespace
+
+int main(int argc, char **argv) {
+    const long edits = argc > 1 ? number(argv[1]) : 1000;
+    RandomChoices choices(argc > 2 ? static_cast<unsigned long>(number(argv[2])) : 1);
+    std::unique_ptr<Session> session;
+    lsp::Document document;
+    for (long i = 0; i < edits; ++i) {
+        if (i % kEditsOfSession == 0) {
+            session = std::make_unique<Session>();
+            document = lsp::Document();
+            session->open("");
+        }
+        edit_randomly(choices, *session, document);
+        if (!is_same(choices, *session, document)) {
+            std::printf("after edit %ld\n", i);
+            return 1;
+        }
+    }
+    std::printf("%ld edits, no difference\n", edits);
+    return 0;
+}
