@@ -24,7 +24,7 @@ import running
 
 SHOWN_DIRECTORY = "/home/me/zirpa"
 ASSEMBLY_LANGUAGES = ("szirpa", "asm")
-SOURCE_LANGUAGES = (*ASSEMBLY_LANGUAGES, "c", "cmake", "make")
+SOURCE_LANGUAGES = (*ASSEMBLY_LANGUAGES, "c", "cmake", "json", "make")
 
 # Commands that cannot be carried out within a test, and why. No output may be shown for them.
 NOT_RUN = {

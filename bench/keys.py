@@ -1,12 +1,13 @@
 #!/usr/bin/env python3
 """Measures `zirpa lsp` under a hand that types.
 
-    bench/typing.py [--keys NUMBER] [--lines NUMBER] [--edits NUMBER] [--zirpa PATH]
+    bench/keys.py [--keys NUMBER] [--lines NUMBER] [--edits NUMBER] [--zirpa PATH]
 
 Keys are typed in a source of many lines, one after another: words are written and removed again,
 comments and operands change, lines are broken and joined. After each key the time is taken until
 the diagnostics of the new text have arrived, and until the hints and the colours of fifty lines
-have arrived after them. Then so many edits are made in a shorter source, and the memory of the
+have arrived after them: by the clock, and how much of that the server has worked, to which other
+work on the machine adds little. Then so many edits are made in a shorter source, and the memory of the
 server is shown after a tenth of them and after all.
 """
 
@@ -46,14 +47,20 @@ def keys(rng, lines):
         yield edit(line, 0, line + 1, 0, ""), line
 
 
-def timed(action):
-    begin = time.perf_counter()
+def worked(server):
+    """The processor time of the server, in nanoseconds."""
+    return int(pathlib.Path(f"/proc/{server.process.pid}/schedstat").read_text().split()[0])
+
+
+def timed(server, action):
+    """Milliseconds by the clock, and of work."""
+    begin = time.perf_counter(), worked(server)
     action()
-    return (time.perf_counter() - begin) * 1000
+    return (time.perf_counter() - begin[0]) * 1000, (worked(server) - begin[1]) / 1e6
 
 
 def type_keys(server, lines, count):
-    """The times until diagnostics, and until hints and colours, of each key, in milliseconds."""
+    """The times until diagnostics, and until hints and colours, of each key."""
     times = {"diagnostics": [], "hints and colours": []}
     typing = keys(random.Random("keys"), lines)
     for _ in range(count):
@@ -68,8 +75,8 @@ def type_keys(server, lines, count):
             server.of("inlayHint", range=shown)
             server.of("semanticTokens/range", range=shown)
 
-        times["diagnostics"].append(timed(type_key))
-        times["hints and colours"].append(timed(show))
+        times["diagnostics"].append(timed(server, type_key))
+        times["hints and colours"].append(timed(server, show))
     return times
 
 
@@ -100,9 +107,11 @@ def main():
     arguments = parser.parse_args()
     server = begin(arguments.zirpa, "\n".join(source(arguments.lines)))
     for what, times in type_keys(server, arguments.lines, arguments.keys).items():
-        shares = ", ".join(f"{name} {percentile(times, share):.1f}" for name, share in
-                           (("median", 0.5), ("p99", 0.99), ("most", 1)))
-        print(f"{arguments.lines} lines, {arguments.keys} keys, {what}, ms: {shares}", flush=True)
+        for kind, each in zip(("clock", "work"), zip(*times)):
+            shares = ", ".join(f"{name} {percentile(each, share):.1f}" for name, share in
+                               (("median", 0.5), ("p99", 0.99), ("most", 1)))
+            print(f"{arguments.lines} lines, {arguments.keys} keys, {what}, {kind}, ms: {shares}",
+                  flush=True)
     server.stop()
     server = begin(arguments.zirpa, "\n".join(source(SHORT_LINES)))
     if arguments.edits:
