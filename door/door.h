@@ -206,6 +206,16 @@ LineFields fields_of(std::string_view line);
 // Bytes of a line that are read at once; what is beyond counts as a line of its own.
 inline constexpr std::size_t kLongestLine = 4095;
 
+// What an opcode stands for; of instructions that share one, the first in the table.
+struct Opcode {
+    std::string_view mnemonic; // empty: no instruction has the opcode
+    std::string operand;       // as in operands_of; empty: none
+    bool has_byte = false;     // a byte follows: the n of the operand
+    bool is_branch = false;    // that byte is the distance from the next instruction to n
+};
+
+const Opcode &opcode(std::uint8_t code);
+
 const char *version();
 
 // Every identifier of a report, in the order of docs/diagnostics.md.

@@ -57,6 +57,34 @@ Place place_of(const Piece &piece) {
     return {0, static_cast<int>(piece.begin) + 1, static_cast<int>(piece.end)};
 }
 
+std::string text_of(const RegisterPair &pair) {
+    return name_of_register(pair.first) + "," + name_of_register(pair.second);
+}
+
+Opcode opcode_of(const OpcodeMeaning &meaning) {
+    Opcode result;
+    if (meaning.row == kNoMeaning) {
+        return result;
+    }
+    const Instruction &row = optab[meaning.row];
+    result.mnemonic = row.mnemonic;
+    if (const auto pairs = register_pairs(row.coder); !pairs.empty()) {
+        result.operand = text_of(pairs[meaning.form]);
+    } else if (meaning.form != kNoMeaning) {
+        const OperandForm &form = operand_forms[meaning.form];
+        result.operand = form.text;
+        result.has_byte = (form.mode & kByteOperandModes) != 0;
+        result.is_branch = row.coder == kCodeBranch;
+    }
+    return result;
+}
+
+std::array<Opcode, 256> all_opcodes() {
+    std::array<Opcode, 256> opcodes;
+    std::transform(opcode_meanings.begin(), opcode_meanings.end(), opcodes.begin(), opcode_of);
+    return opcodes;
+}
+
 } // namespace
 
 std::vector<std::string_view> instructions() {
@@ -94,7 +122,7 @@ std::vector<std::string> operands_of(std::string_view instruction) {
         }
     }
     for (const RegisterPair &pair : register_pairs(row->coder)) {
-        operands.push_back(name_of_register(pair.first) + "," + name_of_register(pair.second));
+        operands.push_back(text_of(pair));
     }
     return operands;
 }
@@ -110,6 +138,11 @@ LineFields fields_of(std::string_view line) {
     const Fields fields = split(line);
     return {place_of(fields.label), place_of(fields.operation), place_of(fields.operand),
             fields.is_conditional};
+}
+
+const Opcode &opcode(std::uint8_t code) {
+    static const std::array<Opcode, 256> opcodes = all_opcodes();
+    return opcodes[code];
 }
 
 std::vector<std::string_view> identifiers() {

@@ -1,6 +1,7 @@
 // The table is written for people: whole mnemonics, forms and encoders by name. What the look-up
 // needs besides, the places of the mnemonics and what a form adds by the number of its bit, the
-// compiler works out from it, so nothing can be added to one and be missing in the other.
+// compiler works out from it, and what each opcode stands for as well, so nothing can be added to
+// one and be missing in the other.
 #include "target/optab.h"
 
 #include "as/asPlace.h"
@@ -199,9 +200,68 @@ consteval std::array<ModeBits, kCoders> bits_by_coder() {
 
 constexpr std::array<ModeBits, kCoders> kBitsByCoder = bits_by_coder();
 
+constexpr std::span<const RegisterPair> pairs_of(Coder coder) {
+    switch (coder) {
+    case kCodeTransfer: return kTransferPairs;
+    case kCodeExchange: return kExchangePairs;
+    default: return {};
+    }
+}
+
+// ---- From opcodes back to instructions ----
+
+constexpr bool has_operand_byte(std::uint8_t form) {
+    return form != kNoMeaning && (operand_forms[form].mode & kByteOperandModes) != 0;
+}
+
+// Instructions that share an opcode must be of one length, or no reader could tell where the next
+// one begins; the division stops the compiler if they are not.
+constexpr void note_meaning(std::array<OpcodeMeaning, 256> &meanings, unsigned opcode,
+                            OpcodeMeaning found, bool has_byte) {
+    OpcodeMeaning &meaning = meanings[opcode];
+    if (meaning.row == kNoMeaning) {
+        meaning = found;
+        return;
+    }
+    const bool is_pair = !pairs_of(optab[meaning.row].coder).empty();
+    const bool had_byte = !is_pair && has_operand_byte(meaning.form);
+    static_cast<void>(1 / static_cast<int>(had_byte == has_byte));
+}
+
+constexpr void note_row(std::array<OpcodeMeaning, 256> &meanings, std::uint8_t row) {
+    const Instruction &instruction = optab[row];
+    const std::span<const RegisterPair> pairs = pairs_of(instruction.coder);
+    for (std::uint8_t i = 0; i < pairs.size(); ++i) {
+        note_meaning(meanings, pairs[i].opcode, {row, i}, false);
+    }
+    if (pairs.empty() && instruction.mode_mask == ADR_INH) {
+        note_meaning(meanings, instruction.opcode, {row, kNoMeaning}, false);
+    }
+    for (std::uint8_t form = 0; form < kOperandForms; ++form) {
+        const std::uint64_t mode = operand_forms[form].mode;
+        if ((instruction.mode_mask & mode) != 0) {
+            const unsigned bits = kBitsByCoder[instruction.coder][bit_number(mode)];
+            note_meaning(meanings, instruction.opcode | bits, {row, form}, has_operand_byte(form));
+        }
+    }
+}
+
+consteval std::array<OpcodeMeaning, 256> meanings_of_opcodes() {
+    std::array<OpcodeMeaning, 256> meanings{};
+    for (OpcodeMeaning &meaning : meanings) {
+        meaning = {kNoMeaning, kNoMeaning};
+    }
+    for (std::uint8_t row = 0; row < kInstructions; ++row) {
+        note_row(meanings, row);
+    }
+    return meanings;
+}
+
 constexpr WordTable<kInstructions, 10> kMnemonics(optab.data(), &Instruction::mnemonic);
 
 } // namespace
+
+constexpr std::array<OpcodeMeaning, 256> opcode_meanings = meanings_of_opcodes();
 
 int ZIRPA_getmnem(MnemonicRecord *record) {
     const Word word = word_at(Col_Ptr);
@@ -219,10 +279,4 @@ unsigned mode_bits(Coder coder, std::uint64_t mode) {
     return kBitsByCoder[coder][bit_number(mode)];
 }
 
-std::span<const RegisterPair> register_pairs(Coder coder) {
-    switch (coder) {
-    case kCodeTransfer: return kTransferPairs;
-    case kCodeExchange: return kExchangePairs;
-    default: return {};
-    }
-}
+std::span<const RegisterPair> register_pairs(Coder coder) { return pairs_of(coder); }

@@ -93,6 +93,19 @@ struct RegisterPair {
     std::uint8_t opcode;
 };
 
+// What an opcode stands for. Where several instructions or pairs share it, this is the first of
+// them in the table: the order of the rows says which of two names is the usual one.
+struct OpcodeMeaning {
+    std::uint8_t row;  // in optab; kNoMeaning: no instruction has this opcode
+    std::uint8_t form; // in operand_forms, or in the pairs of TFR and EXG; kNoMeaning: no operand
+};
+
+inline constexpr std::uint8_t kNoMeaning = 255;
+static_assert(kInstructions < kNoMeaning && kOperandForms < kNoMeaning);
+
+// Read backwards by disassemblers; the assembler has no use for it.
+extern const std::array<OpcodeMeaning, 256> opcode_meanings;
+
 // What a look-up found; TFR and EXG store the opcode they chose here.
 struct MnemonicRecord {
     std::uint16_t opcode = 0;

@@ -44,9 +44,8 @@ void begin(const std::string &text) {
     location_new_pass();
 }
 
-// The registers in the order of their tokens: of all names of one or two letters those that a pair
-// is made of.
-Words registers() {
+// The registers by their tokens: of all names of one or two letters those that a pair is made of.
+std::map<int, std::string> registers_by_token() {
     Words names;
     for (char first = 'A'; first <= 'Z'; ++first) {
         names.push_back({first});
@@ -62,8 +61,12 @@ Words registers() {
             found[token] = name;
         }
     }
+    return found;
+}
+
+Words registers() {
     Words words;
-    for (const auto &[token, name] : found) {
+    for (const auto &[token, name] : registers_by_token()) {
         words.push_back(name);
     }
     return words;
@@ -136,6 +139,27 @@ void print_instructions() {
     std::printf("\n ]");
 }
 
+// What each opcode is read as, in the order of opcodes; empty where no instruction has it.
+Words meanings() {
+    std::map<int, std::string> names = registers_by_token();
+    Words texts;
+    for (const OpcodeMeaning &meaning : opcode_meanings) {
+        std::string text;
+        if (meaning.row != kNoMeaning) {
+            const auto pairs = register_pairs(optab[meaning.row].coder);
+            text = optab[meaning.row].mnemonic;
+            if (!pairs.empty()) {
+                const RegisterPair &pair = pairs[meaning.form];
+                text += " " + names[pair.first] + "," + names[pair.second];
+            } else if (meaning.form != kNoMeaning) {
+                text += std::string(" ") + operand_forms[meaning.form].text;
+            }
+        }
+        texts.push_back(text);
+    }
+    return texts;
+}
+
 // ---- Tables of words ----
 
 Words words_of(const DirectiveEntry *table) {
@@ -177,6 +201,7 @@ void print_words(const char *name, const Words &words) {
 int main() {
     start_up("program_words");
     print_instructions();
+    print_words("opcodes", meanings());
     print_words("forms", forms());
     print_words("registers", registers());
     print_words("directives", words_of(pseudo_zirpa));

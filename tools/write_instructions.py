@@ -50,6 +50,10 @@ BRANCH_NOTE = (
     "that follows the branch, from -128 to 127; `Displacement (0x80) is out of range` is reported\n"
     "when it is further away. A branch does not go on from FF to 00."
 )
+OPCODE_NOTE = (
+    "All 256 of them. Where several instructions share an opcode, `zirpa dis` writes the first; `none`\n"
+    "is an opcode that no instruction has."
+)
 COMMON_FORMS = ["#n", "n", "n,SP", "n,X", "A,X", "n,Y", "A,Y"]
 STEP_FORMS = [",X+", ",X-", ",+X", ",-X", ",Y+", ",Y-", ",+Y", ",-Y"]
 OPCODE_COLUMNS = 4
@@ -128,22 +132,28 @@ def same_encodings(instructions):
     return [", ".join(map(code, sorted(group))) for group in groups.values() if len(group) > 1]
 
 
-def opcode_table(instructions):
-    """All opcodes in order, in several columns that are read downwards."""
+def opcode_table(instructions, meanings):
+    """All 256 opcodes in order, in several columns that are read downwards. Of instructions that
+    share an opcode the first is the one as which it is read."""
     by_opcode = collections.defaultdict(list)
     for name, found in sorted(instructions.items()):
         for form, shown in sorted(found.items()):
             by_opcode[shown].append(f"{name} {form}".strip())
-    cells = [
-        [code(shown), "<br>".join(map(code, texts))] for shown, texts in sorted(by_opcode.items())
-    ]
-    height = -(-len(cells) // OPCODE_COLUMNS)
-    cells += [["", ""]] * (height * OPCODE_COLUMNS - len(cells))
+    cells = []
+    for shown, texts in by_opcode.items():
+        texts.sort(key=lambda text, usual=meanings[int(shown[:2], 16)]: text != usual)
+        assert texts[0] == meanings[int(shown[:2], 16)], texts
+        cells.append([code(shown), "<br>".join(map(code, texts))])
+    cells += [[code(f"{number:02X}"), "none"]
+              for number, meaning in enumerate(meanings) if not meaning]
+    assert len(cells) == 256, len(cells)
+    cells.sort()
+    height = len(cells) // OPCODE_COLUMNS
     rows = [sum(cells[row::height], []) for row in range(height)]
     return table(["bytes", "instruction"] * OPCODE_COLUMNS, rows)
 
 
-def page(instructions):
+def page(instructions, meanings):
     kinds = split_by_kind(instructions)
     same = "".join(f"- {group}\n" for group in sorted(same_encodings(instructions)))
     return "".join(
@@ -156,10 +166,11 @@ def page(instructions):
             section("Of two registers", pair_table(kinds["pair"])),
             section("Without an operand", single_form_table(kinds["inherent"])),
             section("Two names for the same", same),
-            section("By opcode", opcode_table(instructions)),
+            section("By opcode", opcode_table(instructions, meanings), OPCODE_NOTE),
         ]
     )
 
 
 if __name__ == "__main__":
-    sys.stdout.write(page(instructions_of(json.load(sys.stdin))))
+    words = json.load(sys.stdin)
+    sys.stdout.write(page(instructions_of(words), words["opcodes"]))

@@ -332,4 +332,21 @@ TEST_F(Door, NothingIsPrinted) {
     EXPECT_EQ(::testing::internal::GetCapturedStdout(), "");
 }
 
+TEST(Opcodes, AreReadAsTheirInstructions) {
+    const auto shown = [](unsigned code) {
+        const door::Opcode &opcode = door::opcode(static_cast<std::uint8_t>(code));
+        return std::string(opcode.mnemonic) + " " + opcode.operand +
+               (opcode.has_byte ? " +1" : "") + (opcode.is_branch ? " branch" : "");
+    };
+    EXPECT_EQ(shown(0x00), "NOP ");
+    EXPECT_EQ(shown(0x1C), "TFR X,SP");
+    EXPECT_EQ(shown(0x21), "BRA n +1 branch");
+    EXPECT_EQ(shown(0x33), "JMP n +1");
+    EXPECT_EQ(shown(0x60), "STX A,X");
+    EXPECT_EQ(shown(0xDD), "LEAY n,SP +1");
+    EXPECT_EQ(shown(0xF0), "LDA #n +1");
+    EXPECT_EQ(shown(0xFE), "LDA ,-Y");
+    EXPECT_EQ(shown(0xFF), " ");
+}
+
 } // namespace

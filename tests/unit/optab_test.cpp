@@ -323,4 +323,63 @@ TEST(AddressingModes, HaveFixedBits) {
     EXPECT_EQ(kByteOperandModes, 0x836U);
 }
 
+// ---- From opcodes back ----
+
+// The opcode that a meaning is encoded as, by the rows and forms.
+unsigned encoded(const OpcodeMeaning &meaning) {
+    const Instruction &row = optab[meaning.row];
+    if (const auto pairs = register_pairs(row.coder); !pairs.empty()) {
+        return pairs[meaning.form].opcode;
+    }
+    return meaning.form == kNoMeaning
+               ? row.opcode
+               : row.opcode | mode_bits(row.coder, operand_forms[meaning.form].mode);
+}
+
+TEST(Meanings, EveryOpcodeIsReadAsAnInstructionThatIsEncodedSo) {
+    for (unsigned opcode = 0; opcode < 256; ++opcode) {
+        if (opcode_meanings[opcode].row != kNoMeaning) {
+            EXPECT_EQ(encoded(opcode_meanings[opcode]), opcode);
+        }
+    }
+}
+
+TEST(Meanings, FiveOpcodesHaveNoInstruction) {
+    std::vector<unsigned> unused;
+    for (unsigned opcode = 0; opcode < 256; ++opcode) {
+        if (opcode_meanings[opcode].row == kNoMeaning) {
+            unused.push_back(opcode);
+        }
+    }
+    EXPECT_EQ(unused, (std::vector<unsigned>{0x03, 0x04, 0xDF, 0xEF, 0xFF}));
+}
+
+TEST(Meanings, EveryFormOfEveryInstructionIsFoundAgainOrComesAfterOneThatIs) {
+    for (std::uint8_t row = 0; row < kInstructions; ++row) {
+        for (std::uint8_t form = 0; form < kOperandForms; ++form) {
+            if ((optab[row].mode_mask & operand_forms[form].mode) != 0) {
+                const OpcodeMeaning &meaning = opcode_meanings[encoded({row, form})];
+                EXPECT_LE(meaning.row, row) << optab[row].mnemonic;
+                EXPECT_EQ(meaning.form, form) << optab[row].mnemonic;
+            }
+        }
+    }
+}
+
+TEST(Meanings, TheFirstOfTwoNamesIsTheUsualOne) {
+    const auto name = [](unsigned opcode) {
+        return std::string(optab[opcode_meanings[opcode].row].mnemonic);
+    };
+    EXPECT_EQ(name(0x0B), "ASLA");
+    EXPECT_EQ(name(0x3B), "ASL");
+    EXPECT_EQ(name(0x13), "PSHC");
+    EXPECT_EQ(name(0x17), "PULC");
+    EXPECT_EQ(name(0x28), "BCS");
+    EXPECT_EQ(name(0x29), "BCC");
+    EXPECT_EQ(name(0xE0), "DAA"); // and not the form of STA that no source can write
+    EXPECT_EQ(name(0x43), "RTS"); // likewise of JMP and JSR
+    EXPECT_EQ(name(0x44), "RTI");
+    EXPECT_EQ(opcode_meanings[0x9F].form, 0); // EXG A,CC
+}
+
 } // namespace
