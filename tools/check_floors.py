@@ -19,7 +19,7 @@ import sys
 
 TOP = pathlib.Path(__file__).resolve().parent.parent
 FLOORS = TOP / "tools" / "floors.txt"
-FOLDERS = ["as", "target", "expr", "symtab", "util", "door", "zirpa", "zirpa/lsp"]
+FOLDERS = ["as", "target", "expr", "symtab", "util", "door", "dis", "zirpa", "zirpa/lsp"]
 INCLUDE = re.compile(r'^#include "((?:%s)/\w+)\.h"' % "|".join(FOLDERS), re.MULTILINE)
 
 

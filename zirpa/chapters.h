@@ -19,8 +19,9 @@ struct Chapter {
 
 std::span<const Chapter> report_chapters();
 std::span<const Chapter> warning_chapters();
+std::span<const Chapter> program_chapters(); // of files that dis and diff read
 
-// All of them, reports first.
+// All of them, reports first, those of programs last.
 std::vector<Chapter> all_chapters();
 
 // The identifiers that --allow, --deny and --warn take.

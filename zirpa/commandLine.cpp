@@ -5,6 +5,7 @@
 #include "zirpa/chapters.h"
 #include "zirpa/commands.h"
 #include "zirpa/console.h"
+#include "zirpa/disCommands.h"
 #include "zirpa/suggest.h"
 
 #include <CLI/CLI.hpp>
@@ -336,6 +337,8 @@ void add_lsp(CLI::App &app, int &status) {
 // Parses a command line and carries it out.
 int carry_out(int argc, const char *const *argv) {
     Words words;
+    DisRequest dis_request;
+    DiffRequest diff_request;
     int status = 0;
     CLI::App app(kDescription, "zirpa");
     app.footer(kFooter);
@@ -345,6 +348,8 @@ int carry_out(int argc, const char *const *argv) {
     add_check(app, words, status);
     add_map(app, words, status);
     add_explain(app, words, status);
+    add_dis(app, dis_request, status);
+    add_diff(app, diff_request, status);
     add_lsp(app, status);
     try {
         app.parse(arguments_of(argc, argv));

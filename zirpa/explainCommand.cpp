@@ -94,6 +94,8 @@ std::vector<Chapter> all_chapters() {
     const std::span<const Chapter> warnings = warning_chapters();
     std::vector<Chapter> chapters(reports.begin(), reports.end());
     chapters.insert(chapters.end(), warnings.begin(), warnings.end());
+    const std::span<const Chapter> programs = program_chapters();
+    chapters.insert(chapters.end(), programs.begin(), programs.end());
     return chapters;
 }
 

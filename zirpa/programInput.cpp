@@ -1,0 +1,139 @@
+#include "zirpa/programInput.h"
+
+#include "zirpa/assemble.h"
+#include "zirpa/console.h"
+
+#include <array>
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
+
+namespace {
+
+constexpr std::size_t kPiece = 65536;
+
+// What standard input is called.
+constexpr const char *kInputName = "stdin";
+
+std::optional<std::string> content_of(const std::string &name) {
+    if (name == kStandardInput) {
+        return read_standard_input();
+    }
+    std::FILE *file = std::fopen(name.c_str(), "rb");
+    if (file == nullptr) {
+        return std::nullopt;
+    }
+    std::string content;
+    std::array<char, kPiece> piece;
+    while (const std::size_t count = std::fread(piece.data(), 1, piece.size(), file)) {
+        content.append(piece.data(), count);
+    }
+    const bool has_failed = std::ferror(file) != 0;
+    const int reason = errno;
+    (void)std::fclose(file);
+    errno = reason;
+    return has_failed ? std::nullopt : std::optional(std::move(content));
+}
+
+Diagnostic diagnostic_of(const dis::Fault &fault, const std::string &file) {
+    Diagnostic diagnostic = error_of_file(std::string(fault.id), file, fault.message);
+    diagnostic.place = {fault.line, fault.first, fault.last, fault.text};
+    return diagnostic;
+}
+
+class ProgramInput {
+  public:
+    explicit ProgramInput(const ProgramRequest &request) : request_(request) {}
+
+    std::optional<dis::Listing> read(const std::string &file);
+
+  private:
+    template <typename Reader> void read_file(const std::string &file, const Reader &reader);
+    void read_program(std::string_view content, dis::Program &program,
+                      std::vector<dis::Fault> &faults) const;
+    void read_others(dis::Program &program, dis::Hints &hints);
+
+    const ProgramRequest &request_;
+    std::vector<Diagnostic> diagnostics_;
+};
+
+// The reader returns faults.
+template <typename Reader>
+void ProgramInput::read_file(const std::string &file, const Reader &reader) {
+    const std::string name = file == kStandardInput ? kInputName : file;
+    const std::optional<std::string> content = content_of(file);
+    if (!content) {
+        diagnostics_.push_back(error_of_file(
+            "cannot-read", name, std::string("can't be read: ") + std::strerror(errno)));
+        return;
+    }
+    for (const dis::Fault &fault : reader(*content)) {
+        diagnostics_.push_back(diagnostic_of(fault, name));
+    }
+}
+
+// A base says that there are bytes without addresses: those of an array if it looks like one.
+void ProgramInput::read_program(std::string_view content, dis::Program &program,
+                                std::vector<dis::Fault> &faults) const {
+    const dis::InputFormat looks = dis::format_of(content);
+    const bool is_image = request_.base && looks != dis::InputFormat::kArray;
+    const dis::InputFormat format =
+        request_.format.value_or(is_image ? dis::InputFormat::kImage : looks);
+    dis::Reading reading = dis::read(content, format, request_.base.value_or(0));
+    program = std::move(reading.program);
+    faults = std::move(reading.faults);
+}
+
+void ProgramInput::read_others(dis::Program &program, dis::Hints &hints) {
+    for (const std::string &file : request_.hint_files) {
+        read_file(file, [&](std::string_view content) { return dis::read_hints(content, hints); });
+    }
+    for (const std::string &file : request_.symbol_files) {
+        read_file(file, [&](std::string_view content) {
+            return dis::read_symbols(content, program.names);
+        });
+    }
+    for (const std::string &file : request_.debug_files) {
+        read_file(file, [&](std::string_view content) {
+            dis::Reading reading = dis::read(content, dis::InputFormat::kRecords, 0);
+            program.lines.insert(program.lines.end(), reading.program.lines.begin(),
+                                 reading.program.lines.end());
+            program.names.insert(program.names.end(), reading.program.names.begin(),
+                                 reading.program.names.end());
+            return reading.faults;
+        });
+    }
+}
+
+std::optional<dis::Listing> ProgramInput::read(const std::string &file) {
+    dis::Program program;
+    read_file(file, [&](std::string_view content) {
+        std::vector<dis::Fault> faults;
+        read_program(content, program, faults);
+        return faults;
+    });
+    dis::Hints hints;
+    read_others(program, hints);
+    const dis::Hints &told = request_.hints;
+    hints.code.insert(hints.code.end(), told.code.begin(), told.code.end());
+    hints.ranges.insert(hints.ranges.end(), told.ranges.begin(), told.ranges.end());
+    hints.names.insert(hints.names.begin(), told.names.begin(), told.names.end());
+    if (!diagnostics_.empty()) {
+        (void)show(request_.common, {{file, kUnusable, std::move(diagnostics_)}});
+        return std::nullopt;
+    }
+    return dis::list(std::move(program), hints);
+}
+
+} // namespace
+
+std::optional<dis::Listing> read_program(const ProgramRequest &request, const std::string &file) {
+    return ProgramInput(request).read(file);
+}
+
+std::vector<std::string> other_inputs(const ProgramRequest &request) {
+    std::vector<std::string> names = request.hint_files;
+    names.insert(names.end(), request.symbol_files.begin(), request.symbol_files.end());
+    names.insert(names.end(), request.debug_files.begin(), request.debug_files.end());
+    return names;
+}
