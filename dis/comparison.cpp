@@ -109,7 +109,8 @@ class Comparer {
   public:
     Comparer(const Listing &first, const Listing &second)
         : first_(first), second_(second), first_units_(units_of(first)),
-          second_units_(units_of(second)), moved_to_(kAddresses, kAddresses) {}
+          second_units_(units_of(second)), moved_to_(kAddresses, kAddresses),
+          is_matched_(kAddresses) {}
 
     std::vector<Difference> compare();
 
@@ -117,12 +118,14 @@ class Comparer {
     void gap(Pair begin, Pair end);
     Mark mark_of(const Unit &one, const Unit &other) const;
     bool leads_to_the_same(const Item &one, const Item &other) const;
+    bool is_same_place(std::uint32_t one, std::uint32_t other) const;
 
     const Listing &first_;
     const Listing &second_;
     std::vector<Unit> first_units_;
     std::vector<Unit> second_units_;
-    std::vector<std::uint32_t> moved_to_; // by address of the first; kAddresses: to nowhere
+    std::vector<std::uint32_t> moved_to_;  // by address of the first; kAddresses: to nowhere
+    std::vector<std::uint8_t> is_matched_; // by address of the second
     std::vector<Difference> pieces_;
 };
 
@@ -130,6 +133,7 @@ std::vector<Difference> Comparer::compare() {
     std::vector<Pair> pairs = match(first_units_, second_units_);
     for (const auto &[i, j] : pairs) {
         moved_to_[first_units_[i].item.address] = second_units_[j].item.address;
+        is_matched_[second_units_[j].item.address] = 1;
     }
     pairs.emplace_back(first_units_.size(), second_units_.size());
     Pair begin = {0, 0};
@@ -176,10 +180,18 @@ bool Comparer::leads_to_the_same(const Item &one, const Item &other) const {
     }
     const std::uint32_t anchor = anchor_of(first_, *target);
     const std::uint32_t other_anchor = anchor_of(second_, *other_target);
-    if (moved_to_[anchor] == kAddresses) {
-        return value == other_value;
+    return is_same_place(anchor, other_anchor) && *target - anchor == *other_target - other_anchor;
+}
+
+// What is new or gone at a place leaves it the place: a label stays before what is put in after it.
+bool Comparer::is_same_place(std::uint32_t one, std::uint32_t other) const {
+    const auto is_kept = [](std::uint32_t address) { return address < kAddresses; };
+    const auto kept = std::find_if(moved_to_.begin() + one, moved_to_.end(), is_kept);
+    const auto matched = std::find(is_matched_.begin() + other, is_matched_.end(), 1);
+    if (kept == moved_to_.end() || matched == is_matched_.end()) {
+        return kept == moved_to_.end() && matched == is_matched_.end();
     }
-    return moved_to_[anchor] == other_anchor && *target - anchor == *other_target - other_anchor;
+    return *kept == static_cast<std::uint32_t>(matched - is_matched_.begin());
 }
 
 } // namespace
