@@ -17,21 +17,24 @@ inline constexpr std::uint32_t kAddresses = 0x10000;
 // Bytes by their addresses. Addresses from kAddresses on are never held.
 class Image {
   public:
-    bool holds(std::uint32_t address) const { return address < kAddresses && held_[address] != 0; }
+    bool holds(std::uint32_t address) const {
+        return address < cells_.size() && cells_[address] != kNone;
+    }
     // 0 for an address that is not held.
-    std::uint8_t at(std::uint32_t address) const { return holds(address) ? bytes_[address] : 0; }
+    std::uint8_t at(std::uint32_t address) const {
+        return holds(address) ? static_cast<std::uint8_t>(cells_[address]) : std::uint8_t{0};
+    }
     // False, and nothing done, if the address is held already or can't be.
     bool set(std::uint32_t address, std::uint8_t byte);
     // The first held address from there on; kAddresses if there is none.
     std::uint32_t next_held(std::uint32_t address) const;
-    // The first address from there on that is not held.
-    std::uint32_t end_of_run(std::uint32_t address) const;
 
     bool operator==(const Image &) const = default;
 
   private:
-    std::vector<std::uint8_t> bytes_ = std::vector<std::uint8_t>(kAddresses);
-    std::vector<std::uint8_t> held_ = std::vector<std::uint8_t>(kAddresses);
+    static constexpr std::uint16_t kNone = 0x100;
+
+    std::vector<std::uint16_t> cells_; // up to the last one that is held: most programs are short
 };
 
 // A name for an address, which may be outside of the image.

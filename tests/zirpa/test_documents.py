@@ -8,7 +8,7 @@ import running
 import shown
 
 ROOT = pathlib.Path(__file__).resolve().parents[2]
-COMMANDS = ("build", "check", "map", "explain", "lsp")
+COMMANDS = ("build", "check", "map", "explain", "dis", "diff", "lsp")
 # fish has a word of its own for long options.
 DOCUMENTS = {
     "man/zirpa.1": r"Fl (?:\w , )?-%s\b",
@@ -18,9 +18,10 @@ DOCUMENTS = {
 }
 
 
-def test_what_is_shown_is_what_happens(program, tmp_path):
+@pytest.mark.parametrize("page", ["zirpa.md", "dis.md"])
+def test_what_is_shown_is_what_happens(page, program, tmp_path):
     reader = shown.Reader(program, tmp_path / "zirpa")
-    reader.play(ROOT / "docs" / "zirpa.md")
+    reader.play(ROOT / "docs" / page)
 
 
 def options(zirpa):

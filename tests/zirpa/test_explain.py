@@ -28,10 +28,11 @@ def of_assembler():
 
 
 def chapters():
-    files = ("reportChapters.cpp", "warningChapters.cpp")
-    return [
-        name for file in files for name in CHAPTER.findall((ROOT / "zirpa" / file).read_text())
-    ]
+    return [name for kind in ("report", "warning", "program") for name in chapters_of(kind)]
+
+
+def chapters_of(kind):
+    return CHAPTER.findall((ROOT / "zirpa" / f"{kind}Chapters.cpp").read_text())
 
 
 def raised():
@@ -45,18 +46,26 @@ def raised():
     return set(named) | set(re.findall(r'"(cannot-[a-z]+|output-refused|early-[a-z]+)"', text))
 
 
+def raised_for_programs():
+    """The identifiers of faults in what dis and diff read; test_dis.py has a case of each."""
+    text = "".join(path.read_text() for path in sorted((ROOT / "dis").glob("*.cpp")))
+    command = (ROOT / "zirpa" / "disCommand.cpp").read_text()
+    return set(re.findall(r'"([a-z]+(?:-[a-z]+)+)"', text)) | set(re.findall(r'"(not-[a-z]+)"', command))
+
+
 def test_every_identifier_has_one_chapter():
     assert len(set(chapters())) == len(chapters())
-    assert set(chapters()) == of_assembler() | raised()
+    assert set(chapters()) == of_assembler() | raised() | raised_for_programs()
+    assert set(chapters_of("program")) == raised_for_programs()
 
 
 def test_every_chapter_has_a_case():
     cases = {path.name.split(".")[0] for path in CASES.glob("*.szirpa")}
-    assert cases == set(chapters()) - WITHOUT_CASE
+    assert cases == set(chapters()) - WITHOUT_CASE - set(chapters_of("program"))
 
 
 def test_every_warning_has_a_case_that_just_does_not_draw_it():
-    warned = set(CHAPTER.findall((ROOT / "zirpa" / "warningChapters.cpp").read_text()))
+    warned = set(chapters_of("warning"))
     clean = {path.name.split(".")[0] for path in CASES.glob("*.clean.szirpa")}
     assert clean == warned - WITHOUT_CASE
 
@@ -67,7 +76,8 @@ def test_the_page_is_what_zirpa_explains(zirpa):
 
 
 def test_an_example_is_the_case_of_its_identifier(zirpa):
-    for name in set(chapters()) - WITHOUT_CASE - WITHOUT_EXAMPLE:
+    of_programs = set(chapters_of("program"))
+    for name in set(chapters()) - WITHOUT_CASE - WITHOUT_EXAMPLE - of_programs:
         shown = running.run(ROOT, zirpa, "explain", name).stdout
         source = (CASES / (name + ".szirpa")).read_bytes()
         indented = b"".join(b"    " + line for line in source.splitlines(keepends=True))
