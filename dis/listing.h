@@ -3,7 +3,9 @@
 
 #include "dis/flow.h"
 #include "dis/hints.h"
+#include "dis/pieces.h"
 #include "dis/program.h"
+#include "dis/references.h"
 
 #include <cstdint>
 #include <map>
@@ -12,24 +14,6 @@
 #include <vector>
 
 namespace dis {
-
-enum class ReferenceKind { kBranch, kCall, kJump, kData, kPointer, kTable };
-
-// An instruction or a table at one address refers to another one of the image.
-struct Reference {
-    std::uint32_t from;
-    std::uint32_t to;
-    ReferenceKind kind;
-};
-
-// A piece of the program that a line, or for texts and bytes some lines, can stand for.
-enum class ItemKind { kInstruction, kText, kBytes, kZeros, kTable };
-
-struct Item {
-    ItemKind kind;
-    std::uint32_t address;
-    std::uint32_t size;
-};
 
 struct Listing {
     Program program;

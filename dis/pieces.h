@@ -5,12 +5,24 @@
 // can't hold.
 #pragma once
 
-#include "dis/listing.h"
+#include "dis/flow.h"
+#include "dis/program.h"
 
+#include <cstdint>
 #include <optional>
 #include <string>
+#include <vector>
 
 namespace dis {
+
+// A piece of the program that a line, or for texts and bytes some lines, can stand for.
+enum class ItemKind { kInstruction, kText, kBytes, kZeros, kTable };
+
+struct Item {
+    ItemKind kind;
+    std::uint32_t address;
+    std::uint32_t size;
+};
 
 // How FCS writes a byte; nothing if it can't.
 std::optional<std::string> in_text(std::uint8_t byte);

@@ -3,11 +3,23 @@
 // address.
 #pragma once
 
-#include "dis/listing.h"
+#include "dis/flow.h"
+#include "dis/program.h"
 
+#include <cstdint>
 #include <optional>
+#include <vector>
 
 namespace dis {
+
+enum class ReferenceKind { kBranch, kCall, kJump, kData, kPointer, kTable };
+
+// An instruction or a table at one address refers to another one of the image.
+struct Reference {
+    std::uint32_t from;
+    std::uint32_t to;
+    ReferenceKind kind;
+};
 
 // The kind of a reference by an instruction's operand byte, if it is one.
 std::optional<ReferenceKind> reference_kind(const Step &step);
