@@ -57,7 +57,7 @@ std::string shown(const Listing &listing, const Item &item) {
     if (item.size == 0) {
         return {};
     }
-    const bool is_named = listing.given.count(item.address) != 0;
+    const bool is_named = listing.given.contains(item.address);
     return hex_address(item.address) + "  " +
            (is_named ? label_of(listing, item.address) + " " : "") + statement_of(listing, item);
 }

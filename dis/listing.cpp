@@ -110,7 +110,7 @@ void Namer::avoid_clashes() {
     for (const auto &text : std::set(texts_)) {
         const auto address = number_of(std::string_view(text).substr(1), 16);
         if (!address || *address >= kAddresses || made_up_label(*address) != text ||
-            listing_.is_labelled[*address] == 0 || listing_.given.count(*address) != 0) {
+            listing_.is_labelled[*address] == 0 || listing_.given.contains(*address)) {
             continue;
         }
         listing_.given[*address].push_back(new_name(text));

@@ -22,7 +22,7 @@ template <typename Value> CLI::Validator one_of(const std::map<std::string, Valu
         for (const auto &row : words) {
             known += (known.empty() ? "" : ", ") + row.first;
         }
-        return words.count(given) != 0 ? std::string() : given + " is none of " + known;
+        return words.contains(given) ? std::string() : given + " is none of " + known;
     };
     return {check, ""};
 }

@@ -1,6 +1,7 @@
 // Proves that a source which is made of a program assembles to that program again.
 //
-//     dis_proof --sequences            every sequence of one and of two bytes
+//     dis_proof --sequences            every sequence of one and of two bytes, alone
+//     dis_proof --together             the same, many of them in one program
 //     dis_proof COUNT SEED             so many random programs, with random hints
 //     dis_proof --time                 how long programs of 256 bytes and of 64 KiB take
 //
@@ -75,6 +76,27 @@ int prove_sequences() {
         }
     }
     std::printf("%d sequences\n", 256 + 256 * 256);
+    return 0;
+}
+
+// Each stands alone, with a gap after it, and has a path of its own. Far quicker.
+int prove_together() {
+    constexpr std::uint32_t kStep = 4;
+    for (std::uint32_t first = 0; first < 256 * 256; first += dis::kAddresses / kStep) {
+        Program program;
+        Hints hints;
+        for (std::uint32_t at = 0; at < dis::kAddresses; at += kStep) {
+            const std::uint32_t sequence = first + at / kStep;
+            program.image.set(at, static_cast<std::uint8_t>(sequence >> 8U));
+            program.image.set(at + 1, static_cast<std::uint8_t>(sequence));
+            hints.code.push_back(at);
+        }
+        prove(program, hints);
+    }
+    for (unsigned byte = 0; byte < 256; ++byte) {
+        prove(program_of({static_cast<std::uint8_t>(byte)}, 0x10), {});
+    }
+    std::printf("all sequences\n");
     return 0;
 }
 
@@ -208,11 +230,14 @@ int main(int argc, char **argv) {
     if (word == "--sequences") {
         return prove_sequences();
     }
+    if (word == "--together") {
+        return prove_together();
+    }
     if (word == "--time") {
         return show_times();
     }
     if (argc != 3) {
-        std::fputs("usage: dis_proof --sequences | --time | COUNT SEED\n", stderr);
+        std::fputs("usage: dis_proof --sequences | --together | --time | COUNT SEED\n", stderr);
         return 2;
     }
     return prove_random(std::strtoul(argv[1], nullptr, 10), std::strtoul(argv[2], nullptr, 10));
