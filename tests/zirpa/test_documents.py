@@ -1,5 +1,6 @@
 """What the page on zirpa shows is what happens, and every option is in all documents."""
 
+import html
 import pathlib
 import re
 
@@ -22,6 +23,21 @@ DOCUMENTS = {
 def test_what_is_shown_is_what_happens(page, program, tmp_path):
     reader = shown.Reader(program, tmp_path / "zirpa")
     reader.play(ROOT / "docs" / page)
+
+
+def test_the_picture_is_that_of_the_example(zirpa, program, tmp_path):
+    """Graphviz draws it; what stands in the boxes is compared, and how many arrows there are."""
+    example = ROOT / "examples" / "sort.szirpa"
+    (tmp_path / "sort.sym").write_text(running.printed_by(program, "-S", example, cwd=tmp_path))
+    words = ["--symbols", "sort.sym", "--graph", "sort.dot", "sort.s19"]
+    running.printed_by(zirpa, "dis", *words, cwd=tmp_path)
+    graph = (tmp_path / "sort.dot").read_text()
+    labels = re.findall(r'label="(.*)\\l"', graph)
+    picture = (ROOT / "docs" / "flow.svg").read_text().replace("&#160;", " ")
+    texts = [html.unescape(text) for text in re.findall(r"<text [^>]*>([^<]*)</text>", picture)]
+    lines = [line for label in labels for line in label.split("\\l")]
+    assert sorted(texts) == sorted(lines), "run ./dev pages"
+    assert picture.count('class="edge"') == graph.count(" -> ")
 
 
 def options(zirpa):
