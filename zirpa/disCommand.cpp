@@ -7,8 +7,6 @@
 #include "zirpa/programInput.h"
 
 #include <algorithm>
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
 
 namespace {
@@ -64,9 +62,9 @@ int write(const DisRequest &request, const std::vector<Text> &texts, const std::
                       "is not written: another file of this run has that name");
     }
     for (const Text &text : texts) {
-        if (!write_file(text.file, text.text)) {
+        if (const auto failure = door::write_file(text.file, text.text, {})) {
             return refuse(request, "cannot-write", text.file,
-                          std::string("can't be written: ") + std::strerror(errno));
+                          "can't be written: " + failure->reason);
         }
     }
     return !request.output.empty() || print(source) ? 0 : kUnusable;

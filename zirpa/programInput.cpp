@@ -3,36 +3,16 @@
 #include "zirpa/assemble.h"
 #include "zirpa/console.h"
 
-#include <array>
 #include <cerrno>
-#include <cstdio>
 #include <cstring>
 
 namespace {
-
-constexpr std::size_t kPiece = 65536;
 
 // What standard input is called.
 constexpr const char *kInputName = "stdin";
 
 std::optional<std::string> content_of(const std::string &name) {
-    if (name == kStandardInput) {
-        return read_standard_input();
-    }
-    std::FILE *file = std::fopen(name.c_str(), "rb");
-    if (file == nullptr) {
-        return std::nullopt;
-    }
-    std::string content;
-    std::array<char, kPiece> piece;
-    while (const std::size_t count = std::fread(piece.data(), 1, piece.size(), file)) {
-        content.append(piece.data(), count);
-    }
-    const bool has_failed = std::ferror(file) != 0;
-    const int reason = errno;
-    (void)std::fclose(file);
-    errno = reason;
-    return has_failed ? std::nullopt : std::optional(std::move(content));
+    return name == kStandardInput ? read_standard_input() : ::read_file(name);
 }
 
 Diagnostic diagnostic_of(const dis::Fault &fault, const std::string &file) {

@@ -2,7 +2,7 @@
 
 #include "zirpa/lsp/forms.h"
 #include "zirpa/lsp/wordTexts.h"
-#include "zirpa/wording.h"
+#include "zirpa/phrases.h"
 
 #include <algorithm>
 #include <set>

@@ -1,7 +1,7 @@
 #include "zirpa/lsp/inlayHints.h"
 
 #include "zirpa/lsp/hover.h"
-#include "zirpa/wording.h"
+#include "zirpa/phrases.h"
 
 #include <algorithm>
 #include <array>

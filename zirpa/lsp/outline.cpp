@@ -1,6 +1,6 @@
 #include "zirpa/lsp/outline.h"
 
-#include "zirpa/wording.h"
+#include "zirpa/phrases.h"
 
 #include <algorithm>
 

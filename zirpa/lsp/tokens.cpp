@@ -106,11 +106,12 @@ bool is_name_character(char ch) {
     return begins_name(ch) || is_digit(ch) || ch == '$' || ch == '.';
 }
 
-std::string upper_case(std::string_view text) { return upper(text); }
+std::string upper_case(std::string_view text) { return door::upper(text); }
 
 bool is_register(std::string_view word) {
     static const std::vector<std::string_view> kNames = door::registers();
-    return word.size() <= 2 && std::find(kNames.begin(), kNames.end(), upper(word)) != kNames.end();
+    return word.size() <= 2 &&
+           std::find(kNames.begin(), kNames.end(), door::upper(word)) != kNames.end();
 }
 
 void add_operand_tokens(std::string_view line, std::size_t begin, std::size_t end,
