@@ -41,7 +41,7 @@ bool read_piece(lsp::Framing &framing) {
 std::string chapters() {
     std::error_code error;
     const std::filesystem::path program = std::filesystem::canonical("/proc/self/exe", error);
-    for (const char *place : {"../share/doc/hxzirpa/docs", "../docs"}) {
+    for (const char *place : {"../share/doc/hxzirpa/docs", "../docs", "../../docs"}) {
         const std::filesystem::path page =
             (program.parent_path() / place / "diagnostics.md").lexically_normal();
         if (std::filesystem::exists(page, error)) {

@@ -13,6 +13,7 @@ LINES = [
     "zirpa build --",
     "zirpa check --",
     "zirpa map --",
+    "zirpa lsp --",
     "zirpa build ",
     "zirpa explain bad-l",
     "zirpa check --format ",
@@ -44,13 +45,17 @@ def long_options(zirpa, command):
 
 
 def test_commands_are_offered(offered):
-    assert {"build", "check", "map", "explain"} <= offered["zirpa "]
+    assert {"build", "check", "map", "explain", "lsp"} <= offered["zirpa "]
 
 
 @pytest.mark.parametrize("command", ["build", "check", "map"])
 def test_all_options_of_a_command_are_offered(command, offered, zirpa):
     assert len(long_options(zirpa, command)) > 10
     assert offered[f"zirpa {command} --"] == long_options(zirpa, command)
+
+
+def test_a_server_has_few_options(offered):
+    assert offered["zirpa lsp --"] == {"--stdio", "--help"}
 
 
 def test_sources_are_offered(offered):

@@ -40,7 +40,7 @@ void take_stream(std::string_view bytes) {
     framing.feed(bytes.substr(0, bytes.size() / 2));
     framing.feed(bytes.substr(bytes.size() / 2));
     while (const auto message = framing.next()) {
-        session.take(*message);
+        session.take(std::string_view(*message));
         session.work();
     }
     // Messages that are nothing but the rest of the bytes.

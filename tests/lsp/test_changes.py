@@ -70,6 +70,15 @@ def test_fixes_are_those_of_the_range(editor):
     assert editor.of("codeAction", range=span(1, 3, 1, 3), context=context)
 
 
+@pytest.mark.parametrize(
+    "only, count", [(["quickfix"], 2), ([""], 2), (["refactor"], 0), ([], 0), (["source"], 0)]
+)
+def test_other_kinds_of_actions_are_none(only, count, editor):
+    editor.open(ORG + "\tLDXA\t#5\n")
+    context = {"diagnostics": [], "only": only}
+    assert len(editor.of("codeAction", range=span(0, 0, 9, 0), context=context)) == count
+
+
 # ---- Formatting ----
 
 

@@ -53,7 +53,7 @@ int units_in(std::string_view text) {
 
 } // namespace
 
-Document::Document(std::string text, Encoding encoding) : starts_{0}, encoding_(encoding) {
+Document::Document(std::string_view text, Encoding encoding) : starts_{0}, encoding_(encoding) {
     replace(0, 0, text);
 }
 

@@ -13,7 +13,7 @@ namespace lsp {
 
 class Document {
   public:
-    explicit Document(std::string text = {}, Encoding encoding = Encoding::kUtf16);
+    explicit Document(std::string_view text = {}, Encoding encoding = Encoding::kUtf16);
 
     void apply(const ContentChange &change);
 

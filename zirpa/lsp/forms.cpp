@@ -17,7 +17,7 @@ std::string source_of(const std::string &name, const std::vector<std::string> &o
         if (const std::size_t value = operand.find('n'); value != std::string::npos) {
             operand[value] = '0';
         }
-        source += "\t" + name + "\t" + operand + "\n";
+        source.append("\t").append(name).append("\t").append(operand).append("\n");
     }
     return source;
 }

@@ -45,7 +45,11 @@ Json notification(const char *method, Json params) {
 }
 
 Json request(int id, const char *method, Json params) {
-    return {{"jsonrpc", kVersion}, {"id", id}, {"method", method}, {"params", std::move(params)}};
+    Json json = {{"jsonrpc", kVersion}, {"id", id}, {"method", method}};
+    if (!params.is_null()) {
+        json["params"] = std::move(params);
+    }
+    return json;
 }
 
 // ---- From JSON ----

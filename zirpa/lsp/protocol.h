@@ -38,6 +38,7 @@ struct ResponseError {
 Json response(const Json &id, Json result);
 Json error_response(const Json &id, const ResponseError &error);
 Json notification(const char *method, Json params);
+// Null parameters are none.
 Json request(int id, const char *method, Json params);
 
 // ---- Texts ----

@@ -103,6 +103,8 @@ void Server::take_request(Message message) {
         take_document_request(*row, std::move(message));
     } catch (const ResponseError &error) {
         send(error_response(id, error));
+    } catch (const Json::exception &error) {
+        send(error_response(id, {ErrorCode::kInvalidParams, error.what()}));
     }
 }
 
@@ -135,6 +137,8 @@ void Server::take_notification(Message message) {
         (this->*row->take)(message.params);
     } catch (const ResponseError &error) {
         warn(message.method + ": " + error.message);
+    } catch (const Json::exception &error) {
+        warn(message.method + ": " + error.what());
     }
 }
 

@@ -35,6 +35,14 @@ Blanks blanks_in(const Json &params) {
     return blanks;
 }
 
+// Whether the kinds that are asked for, if any are, hold quick fixes.
+bool wants_fixes(const Json &params) {
+    const Json *kinds = find_member(params, "/context/only");
+    return kinds == nullptr || !kinds->is_array() ||
+           std::any_of(kinds->begin(), kinds->end(),
+                       [](const Json &kind) { return kind == "" || kind == "quickfix"; });
+}
+
 // An outline for clients that know of no ranges within symbols.
 Json flat(const std::string &uri, const Symbol &symbol) {
     return {{"name", symbol.name},
@@ -110,6 +118,9 @@ Json Server::answer_diagnostics(OpenDocument &document, const Json &params) {
 }
 
 Json Server::answer_code_actions(OpenDocument &document, const Json &params) {
+    if (!wants_fixes(params)) {
+        return Json::array();
+    }
     return quick_fixes(view_of(document), range_in(params));
 }
 
