@@ -41,3 +41,26 @@ def test_the_schema_refuses_what_is_not_of_it(tools):
 def test_sarif_keeps_to_its_schema(reports, tools):
     schema = tools / "node_modules" / "@microsoft" / "sarif-multitool-linux" / "sarif-2.1.0.json"
     assert faults(tools, schema, reports[2]) == ""
+
+
+PROJECT = ROOT / "zirpa" / "project.schema.json"
+
+
+def test_settings_keep_to_their_schema(tools):
+    settings = (
+        b'{"$schema": "x", "define": ["A"], "compatibility": ["nocase"], "include": ["d"],'
+        b' "allow": ["unlike-c"], "deny": ["all"], "warn": ["unused-label"], "strict": true}'
+    )
+    assert faults(tools, PROJECT, settings) == ""
+
+
+@pytest.mark.parametrize(
+    "settings",
+    [b"[]", b'{"define": "A"}', b'{"define": [""]}', b'{"compatibility": ["case"]}',
+     b'{"strict": 1}', b'{"defines": []}'],
+)  # fmt: skip
+def test_what_zirpa_refuses_the_schema_refuses_too(settings, tools, zirpa, tmp_path):
+    assert faults(tools, PROJECT, settings) != ""
+    (tmp_path / "zirpa.json").write_bytes(settings)
+    (tmp_path / "prog.szirpa").write_bytes(b"\tORG\t0\n")
+    assert running.run(tmp_path, zirpa, "check", "prog.szirpa").returncode == 2
