@@ -36,19 +36,20 @@ bool NameWarnings::is_of_labels(const Name &name, int depth) const {
 
 void NameWarnings::note_reference(const PendingReference &reference, const door::Line &line) {
     Name &name = names_[reference.name];
-    const SourcePlace place = place_in(reference.place, line.source);
+    // Hardly any reference needs a copy of its line.
+    const auto place = [&] { return place_in(reference.place, line.source); };
     if (reference.use == door::Use::kTest) {
         if (name.test.line == 0) {
-            name.test = place;
+            name.test = place();
         }
         return;
     }
     name.is_used = true;
     if (!reference.is_defined && is_directive(line, "EQU")) {
-        early_.push_back({Early::kUndefinedInEqu, reference.name, place, 0});
+        early_.push_back({Early::kUndefinedInEqu, reference.name, place(), 0});
     } else if (reference.is_defined && reference.definition > line.line) {
         const Early kind = is_directive(line, "RMB") ? Early::kSize : Early::kValue;
-        early_.push_back({kind, reference.name, place, reference.value});
+        early_.push_back({kind, reference.name, place(), reference.value});
     }
 }
 
