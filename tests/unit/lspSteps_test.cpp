@@ -61,7 +61,7 @@ TEST(Steps, ArePartsOfAnyText) {
     const std::string characters = "12n+-*/%()&|<>=!~$' ";
     for (int i = 0; i < 300; ++i) {
         std::string text;
-        for (unsigned size = random() % 12; size > 0; --size) {
+        for (std::size_t size = random() % 12; size > 0; --size) {
             text += characters[random() % characters.size()];
         }
         for (const lsp::Step &step :

@@ -34,7 +34,7 @@ class Server {
     explicit Server(Surroundings surroundings) : surroundings_(std::move(surroundings)) {}
 
     // A message without its header; whatever it is, the server goes on.
-    void take(std::string_view message);
+    void take(std::string_view text);
 
     // Does a piece of work; false where there is none.
     bool work();
