@@ -39,8 +39,10 @@ Blanks blanks_in(const Json &params) {
 bool wants_fixes(const Json &params) {
     const Json *kinds = find_member(params, "/context/only");
     return kinds == nullptr || !kinds->is_array() ||
-           std::any_of(kinds->begin(), kinds->end(),
-                       [](const Json &kind) { return kind == "" || kind == "quickfix"; });
+           std::any_of(kinds->begin(), kinds->end(), [](const Json &kind) {
+               return kind.is_string() &&
+                      (kind.get_ref<const std::string &>().empty() || kind == "quickfix");
+           });
 }
 
 // An outline for clients that know of no ranges within symbols.
@@ -52,13 +54,13 @@ Json flat(const std::string &uri, const Symbol &symbol) {
 
 Json nested(const std::vector<Range> &ranges) {
     Json result;
-    for (auto range = ranges.rbegin(); range != ranges.rend(); ++range) {
-        Json inner = {{"range", *range}};
+    std::for_each(ranges.rbegin(), ranges.rend(), [&](const Range &range) {
+        Json inner = {{"range", range}};
         if (!result.is_null()) {
             inner["parent"] = std::move(result);
         }
         result = std::move(inner);
-    }
+    });
     return result;
 }
 
@@ -67,7 +69,8 @@ std::string_view bytes_of(const TokenData &data) {
 }
 
 // Edits that leave the program as it is, or none.
-Json checked(const OpenDocument &document, std::vector<TextEdit> edits, const Settings &settings) {
+Json checked(const OpenDocument &document, const std::vector<TextEdit> &edits,
+             const Settings &settings) {
     if (!is_same_program(document.document, edits, settings)) {
         throw ResponseError{ErrorCode::kRequestFailed, "formatting would change what is assembled"};
     }
