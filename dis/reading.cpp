@@ -76,7 +76,9 @@ Reading read(std::string_view content, InputFormat format, std::uint32_t base) {
     case InputFormat::kScript: read_script(content, reading.program, faults); break;
     case InputFormat::kArray: read_array(content, base, reading.program, faults); break;
     case InputFormat::kUnknown:
-        faults.add({"unknown-format", "neither S-records nor a script nor a C array"});
+        faults.add(
+            {"unknown-format",
+             "neither S-records nor a script nor a C array; --base tells where plain bytes begin"});
         break;
     }
     reading.faults = faults.take();

@@ -210,38 +210,25 @@ constexpr std::span<const RegisterPair> pairs_of(Coder coder) {
 
 // ---- From opcodes back to instructions ----
 
-constexpr bool has_operand_byte(std::uint8_t form) {
-    return form != kNoMeaning && (operand_forms[form].mode & kByteOperandModes) != 0;
-}
-
-// Instructions that share an opcode must be of one length, or no reader could tell where the next
-// one begins; the division stops the compiler if they are not.
-constexpr void note_meaning(std::array<OpcodeMeaning, 256> &meanings, unsigned opcode,
-                            OpcodeMeaning found, bool has_byte) {
-    OpcodeMeaning &meaning = meanings[opcode];
-    if (meaning.row == kNoMeaning) {
-        meaning = found;
-        return;
-    }
-    const bool is_pair = !pairs_of(optab[meaning.row].coder).empty();
-    const bool had_byte = !is_pair && has_operand_byte(meaning.form);
-    static_cast<void>(1 / static_cast<int>(had_byte == has_byte));
-}
-
-constexpr void note_row(std::array<OpcodeMeaning, 256> &meanings, std::uint8_t row) {
-    const Instruction &instruction = optab[row];
-    const std::span<const RegisterPair> pairs = pairs_of(instruction.coder);
-    for (std::uint8_t i = 0; i < pairs.size(); ++i) {
-        note_meaning(meanings, pairs[i].opcode, {row, i}, false);
-    }
-    if (pairs.empty() && instruction.mode_mask == ADR_INH) {
-        note_meaning(meanings, instruction.opcode, {row, kNoMeaning}, false);
-    }
-    for (std::uint8_t form = 0; form < kOperandForms; ++form) {
-        const std::uint64_t mode = operand_forms[form].mode;
-        if ((instruction.mode_mask & mode) != 0) {
-            const unsigned bits = kBitsByCoder[instruction.coder][bit_number(mode)];
-            note_meaning(meanings, instruction.opcode | bits, {row, form}, has_operand_byte(form));
+// Calls visit with the opcode and the meaning of each form of each instruction, in the order of the
+// rows.
+template <typename Visit> constexpr void visit_encodings(const Visit &visit) {
+    for (std::size_t i = 0; i < kInstructions; ++i) {
+        const Instruction &row = optab[i];
+        const auto number = static_cast<std::uint8_t>(i);
+        const std::span<const RegisterPair> pairs = pairs_of(row.coder);
+        for (std::size_t pair = 0; pair < pairs.size(); ++pair) {
+            visit(pairs[pair].opcode, OpcodeMeaning{number, static_cast<std::uint8_t>(pair)});
+        }
+        if (pairs.empty() && row.mode_mask == ADR_INH) {
+            visit(row.opcode, OpcodeMeaning{number, kNoMeaning});
+        }
+        for (std::size_t form = 0; form < kOperandForms; ++form) {
+            const std::uint64_t mode = operand_forms[form].mode;
+            if ((row.mode_mask & mode) != 0) {
+                visit(row.opcode | kBitsByCoder[row.coder][bit_number(mode)],
+                      OpcodeMeaning{number, static_cast<std::uint8_t>(form)});
+            }
         }
     }
 }
@@ -251,11 +238,30 @@ consteval std::array<OpcodeMeaning, 256> meanings_of_opcodes() {
     for (OpcodeMeaning &meaning : meanings) {
         meaning = {kNoMeaning, kNoMeaning};
     }
-    for (std::uint8_t row = 0; row < kInstructions; ++row) {
-        note_row(meanings, row);
-    }
+    visit_encodings([&](unsigned opcode, const OpcodeMeaning &found) {
+        if (meanings[opcode].row == kNoMeaning) {
+            meanings[opcode] = found;
+        }
+    });
     return meanings;
 }
+
+constexpr bool has_operand_byte(const OpcodeMeaning &meaning) {
+    return pairs_of(optab[meaning.row].coder).empty() && meaning.form != kNoMeaning &&
+           (operand_forms[meaning.form].mode & kByteOperandModes) != 0;
+}
+
+// Instructions that share an opcode must be of one length, or no reader could tell where the next
+// one begins.
+consteval bool lengths_agree() {
+    bool agree = true;
+    visit_encodings([&](unsigned opcode, const OpcodeMeaning &found) {
+        agree = agree && has_operand_byte(meanings_of_opcodes()[opcode]) == has_operand_byte(found);
+    });
+    return agree;
+}
+
+static_assert(lengths_agree());
 
 constexpr WordTable<kInstructions, 10> kMnemonics(optab.data(), &Instruction::mnemonic);
 

@@ -218,8 +218,10 @@ TEST(InputFormats, AreToldApart) {
     EXPECT_EQ(dis::format_of("{ = "), InputFormat::kUnknown);
     EXPECT_EQ(dis::format_of(std::string_view("\0 = {", 5)), InputFormat::kUnknown);
     EXPECT_EQ(dis::format_of(""), InputFormat::kUnknown);
-    EXPECT_EQ(fault(dis::read("x", InputFormat::kUnknown, 0)),
-              "unknown-format 0:0-0 neither S-records nor a script nor a C array");
+    EXPECT_EQ(
+        fault(dis::read("x", InputFormat::kUnknown, 0)),
+        "unknown-format 0:0-0 neither S-records nor a script nor a C array; --base tells where "
+        "plain bytes begin");
 }
 
 TEST(SymbolTables, AreReadFromTheirTitleOn) {
