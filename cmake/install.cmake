@@ -60,6 +60,7 @@ install(FILES README.md CONTRIBUTING.md packaging/copyright
 install(DIRECTORY docs editors DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc
         FILES_MATCHING PATTERN "*.md" PATTERN vim EXCLUDE PATTERN snippets EXCLUDE
         PATTERN syntaxes EXCLUDE)
+install(FILES docs/flow.svg DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT doc)
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT doc
         FILES_MATCHING PATTERN "*.szirpa" PATTERN "*.c" PATTERN CMakeLists.txt)
 

@@ -46,6 +46,7 @@ def expected_files():
         "share/fish/vendor_completions.d/zirpa.fish",
         "share/doc/hxzirpa/zirpa/diagnostics.schema.json",
         "share/doc/hxzirpa/zirpa/project.schema.json",
+        "share/doc/hxzirpa/docs/flow.svg",
         "share/man/man1/HXzirpa.1.gz",
         "share/man/man5/HXzirpa.5.gz",
         "share/bash-completion/completions/HXzirpa",
