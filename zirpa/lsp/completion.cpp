@@ -24,7 +24,7 @@ bool is_blank(char ch) { return ch == ' ' || ch == '\t'; }
 
 // The begin of the name or number that ends at an offset.
 std::size_t begin_of_word(std::string_view line, std::size_t end) {
-    while (end > 0 && is_name_character(line[end - 1])) {
+    while (end > 0 && door::is_name_character(line[end - 1])) {
         --end;
     }
     return end;
@@ -180,7 +180,7 @@ void add_registers(Items &items) {
 }
 
 bool takes_names(const Place &place) {
-    const std::string word = upper_case(place.operation);
+    const std::string word = door::upper(place.operation);
     return is_instruction(word) ? !door::operands_of(word).empty()
                                 : !text_of_word(word).empty() && word != "FCS";
 }
@@ -211,14 +211,14 @@ bool may_become(std::string_view operand, std::string_view form) {
     }
     if (comma == std::string_view::npos) {
         return operand.empty() || form.starts_with('n') || form.starts_with('#') ||
-               upper_case(operand) == form.substr(0, comma_of_form);
+               door::upper(operand) == form.substr(0, comma_of_form);
     }
-    const bool is_value = comma > 0 && !is_register(operand.substr(0, comma));
-    const std::string tail = upper_case(operand.substr(comma));
+    const bool is_value = comma > 0 && !door::is_register(operand.substr(0, comma));
+    const std::string tail = door::upper(operand.substr(comma));
     return comma_of_form != std::string_view::npos &&
            form.substr(comma_of_form).starts_with(tail) &&
            (is_value ? form.starts_with('n')
-                     : upper_case(operand.substr(0, comma)) == form.substr(0, comma_of_form));
+                     : door::upper(operand.substr(0, comma)) == form.substr(0, comma_of_form));
 }
 
 std::string form_documentation(const Form &form) {
@@ -268,7 +268,7 @@ std::optional<SignatureHelp> signature_help(const View &view, Position position)
             is_found = true;
         }
         help.signatures.push_back(
-            {in_full(upper_case(place.operation), form), form_documentation(form)});
+            {in_full(door::upper(place.operation), form), form_documentation(form)});
     }
     return help;
 }

@@ -43,7 +43,7 @@ std::vector<Form> assembled_forms(const std::string &name) {
 
 bool is_instruction(std::string_view word) {
     static const std::vector<std::string_view> kNames = door::instructions();
-    return std::find(kNames.begin(), kNames.end(), upper_case(word)) != kNames.end();
+    return std::find(kNames.begin(), kNames.end(), door::upper(word)) != kNames.end();
 }
 
 const std::vector<Form> &forms_of(std::string_view instruction) {
@@ -52,7 +52,7 @@ const std::vector<Form> &forms_of(std::string_view instruction) {
     if (!is_instruction(instruction)) {
         return kNothing;
     }
-    const std::string name = upper_case(instruction);
+    const std::string name = door::upper(instruction);
     const auto [forms, is_new] = known.try_emplace(name);
     if (is_new) {
         forms->second = assembled_forms(name);

@@ -19,7 +19,7 @@ std::string digits(std::uint64_t value, int base, std::size_t least) {
     std::array<char, 64> room{};
     char *end = std::to_chars(room.data(), room.data() + room.size(), value, base).ptr;
     const std::string text(room.data(), end);
-    return std::string(text.size() < least ? least - text.size() : 0, '0') + upper_case(text);
+    return std::string(text.size() < least ? least - text.size() : 0, '0') + door::upper(text);
 }
 
 std::string code(std::string_view text) { return "`" + std::string(text) + "`"; }
@@ -31,9 +31,10 @@ std::string plural(std::size_t count, const char *word) {
 // ---- Operations ----
 
 std::string instruction_text(std::string_view word) {
-    std::string text = "**" + upper_case(word) + "**\n\n| form | opcode | bytes |\n|---|---|---|\n";
+    std::string text =
+        "**" + door::upper(word) + "**\n\n| form | opcode | bytes |\n|---|---|---|\n";
     for (const Form &form : forms_of(word)) {
-        text += "| " + code(in_full(upper_case(word), form)) + " | `$" +
+        text += "| " + code(in_full(door::upper(word), form)) + " | `$" +
                 digits(form.opcode, 16, 2) + "` | " + std::to_string(form.length) + " |\n";
     }
     return text;
@@ -131,7 +132,7 @@ std::string token_text(const View &view, const Spot &spot, const Token &token, P
         const std::optional<std::int64_t> number = number_of(word);
         return number ? in_all_bases(*number) : std::string();
     }
-    case TokenKind::kRegister: return "register **" + upper_case(word) + "**";
+    case TokenKind::kRegister: return "register **" + door::upper(word) + "**";
     default: return {};
     }
 }

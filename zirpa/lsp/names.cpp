@@ -23,7 +23,7 @@ struct Places {
 
 bool is_written(const View &view, const NameFacts &name, const Token &token, int line) {
     const std::string_view word = view.line_text(line).substr(token.begin, token.end - token.begin);
-    return word == name.name || (view.analysis.is_caseless() && upper_case(word) == name.name);
+    return word == name.name || (view.analysis.is_caseless() && door::upper(word) == name.name);
 }
 
 // The words of a line that is not read, told apart as if it were.
@@ -118,13 +118,13 @@ void add_locations(const View &view, const std::vector<door::Place> &places,
 }
 
 bool is_name(const std::string &word) {
-    return !word.empty() && word.size() <= kLongestName && begins_name(word[0]) &&
-           std::all_of(word.begin(), word.end(), is_name_character);
+    return !word.empty() && word.size() <= kLongestName && door::begins_name(word[0]) &&
+           std::all_of(word.begin(), word.end(), door::is_name_character);
 }
 
 // A register's name ends at "$" and "." too.
 bool is_read_as_register(const std::string &word) {
-    return is_register(std::string_view(word).substr(0, word.find_first_of("$.")));
+    return door::is_register(std::string_view(word).substr(0, word.find_first_of("$.")));
 }
 
 bool is_operation(const std::string &word) {
@@ -143,7 +143,7 @@ void check_new_name(const View &view, const NameFacts &old, const std::string &n
     if (is_operation(name)) {
         refuse("'" + name + "' is the word of an operation");
     }
-    const std::string stored = view.analysis.is_caseless() ? upper_case(name) : name;
+    const std::string stored = view.analysis.is_caseless() ? door::upper(name) : name;
     const NameFacts *other = view.analysis.find(stored);
     if (other != nullptr && other != &old) {
         refuse("there is a name '" + name + "' already");

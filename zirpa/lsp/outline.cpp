@@ -22,7 +22,7 @@ bool is_before(const door::Place &one, const door::Place &other) {
 
 bool holds_letters(std::string_view name, std::string_view letters) {
     for (const char ch : name) {
-        if (!letters.empty() && upper_case({&ch, 1}) == upper_case(letters.substr(0, 1))) {
+        if (!letters.empty() && door::upper({&ch, 1}) == door::upper(letters.substr(0, 1))) {
             letters.remove_prefix(1);
         }
     }

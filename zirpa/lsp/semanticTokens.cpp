@@ -44,7 +44,7 @@ Meaning meaning_of(const View &view, int line, const Token &token) {
     if (is_label || token.kind == TokenKind::kName) {
         std::string word(view.line_text(line).substr(token.begin, token.end - token.begin));
         const NameFacts *name =
-            view.analysis.find(view.analysis.is_caseless() ? upper_case(word) : word);
+            view.analysis.find(view.analysis.is_caseless() ? door::upper(word) : word);
         return meaning_of_name(name, is_label ? kIsDefinition : 0);
     }
     const bool is_skipped = view.analysis.facts(line).kind == door::LineKind::kSkipped;

@@ -8,10 +8,6 @@ namespace lsp {
 
 namespace {
 
-bool is_letter(char ch) { return (ch >= 'a' && ch <= 'z') || (ch >= 'A' && ch <= 'Z'); }
-
-bool is_digit(char ch) { return ch >= '0' && ch <= '9'; }
-
 bool is_blank(char ch) { return ch == ' ' || ch == '\t'; }
 
 std::size_t skip_blanks(std::string_view line, std::size_t i) {
@@ -22,7 +18,7 @@ std::size_t skip_blanks(std::string_view line, std::size_t i) {
 }
 
 std::size_t end_of_word(std::string_view line, std::size_t i) {
-    while (i < line.size() && is_name_character(line[i])) {
+    while (i < line.size() && door::is_name_character(line[i])) {
         ++i;
     }
     return i;
@@ -31,7 +27,7 @@ std::size_t end_of_word(std::string_view line, std::size_t i) {
 // "%" begins a number where a value is to come, and else is an operator.
 Token number_or_operator(std::string_view line, std::size_t begin, bool is_value_next) {
     const char ch = line[begin];
-    const bool is_number = ch == '$' || is_digit(ch) || (ch == '%' && is_value_next);
+    const bool is_number = ch == '$' || door::is_digit(ch) || (ch == '%' && is_value_next);
     const std::size_t end = is_number ? end_of_word(line, begin + 1) : begin + 1;
     return {is_number ? TokenKind::kNumber : TokenKind::kOperator, begin, end};
 }
@@ -45,9 +41,9 @@ Token token_at(std::string_view line, std::size_t begin, std::size_t end, bool i
         const bool is_closed = begin + 2 < end && line[begin + 2] == '\'';
         return {TokenKind::kText, begin, std::min(end, begin + (is_closed ? 3 : 1))};
     }
-    if (begins_name(ch)) {
+    if (door::begins_name(ch)) {
         const std::size_t word = std::min(end_of_word(line, begin), end);
-        const bool is_one = is_register(line.substr(begin, word - begin));
+        const bool is_one = door::is_register(line.substr(begin, word - begin));
         return {is_one ? TokenKind::kRegister : TokenKind::kName, begin, word};
     }
     Token token = number_or_operator(line, begin, is_value_next);
@@ -99,20 +95,6 @@ std::size_t add_second_word(std::string_view line, std::size_t from, std::vector
 }
 
 } // namespace
-
-bool begins_name(char ch) { return is_letter(ch) || ch == '_'; }
-
-bool is_name_character(char ch) {
-    return begins_name(ch) || is_digit(ch) || ch == '$' || ch == '.';
-}
-
-std::string upper_case(std::string_view text) { return door::upper(text); }
-
-bool is_register(std::string_view word) {
-    static const std::vector<std::string_view> kNames = door::registers();
-    return word.size() <= 2 &&
-           std::find(kNames.begin(), kNames.end(), door::upper(word)) != kNames.end();
-}
 
 void add_operand_tokens(std::string_view line, std::size_t begin, std::size_t end,
                         std::vector<Token> &tokens) {

@@ -37,9 +37,4 @@ std::vector<Token> tokens_of(std::string_view line, const LineFacts &facts);
 void add_operand_tokens(std::string_view line, std::size_t begin, std::size_t end,
                         std::vector<Token> &tokens);
 
-bool is_register(std::string_view word);
-bool begins_name(char ch);
-bool is_name_character(char ch);
-std::string upper_case(std::string_view text);
-
 } // namespace lsp

@@ -61,7 +61,7 @@ View::NameAt View::written_name_at(const Spot &spot) const {
                                    static_cast<int>(token.end)};
         if (token.kind == TokenKind::kName && holds(place, spot.line, spot.offset)) {
             const std::string_view word = spot.text.substr(token.begin, token.end - token.begin);
-            return {analysis.find(analysis.is_caseless() ? upper_case(word) : std::string(word)),
+            return {analysis.find(analysis.is_caseless() ? door::upper(word) : std::string(word)),
                     place};
         }
     }

@@ -63,7 +63,7 @@ constexpr std::array kTexts = std::to_array<WordText>({
 
 // A hash may stand apart from its word.
 const WordText *find(std::string_view word) {
-    std::string name = upper_case(word);
+    std::string name = door::upper(word);
     std::erase_if(name, [](char ch) { return ch == ' ' || ch == '\t'; });
     const auto *row = std::find_if(kTexts.begin(), kTexts.end(),
                                    [&](const WordText &each) { return each.word == name; });
