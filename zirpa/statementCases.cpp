@@ -66,9 +66,9 @@ void hint_at_operation(const Case &each, std::string_view word) {
         offer_words(each.diagnostic, {"##if"});
         return;
     }
-    const auto *foreign =
-        std::find_if(kForeignWords.begin(), kForeignWords.end(),
-                     [name = door::upper(word)](const ForeignWord &row) { return row.word == name; });
+    const auto *foreign = std::find_if(
+        kForeignWords.begin(), kForeignWords.end(),
+        [name = door::upper(word)](const ForeignWord &row) { return row.word == name; });
     if (foreign != kForeignWords.end()) {
         each.diagnostic.hint = foreign->hint;
         return;
