@@ -45,7 +45,8 @@ def linked(library):
     """The modules from which each module's object file takes a symbol."""
     listed = subprocess.run(["nm", "-A", library],
                             capture_output=True, text=True, check=True).stdout
-    modules = {pathlib.PurePath(module).name: module for module in included()}
+    # The library holds the lowest of those that have the same name.
+    modules = {pathlib.PurePath(module).name: module for module in reversed(list(included()))}
     owners, wanted = {}, collections.defaultdict(set)
     for line in listed.splitlines():
         place, symbol = line.rsplit(" ", 1)
