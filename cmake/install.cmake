@@ -58,8 +58,8 @@ add_custom_target(compressed_files ALL DEPENDS ${compressed_files})
 install(FILES README.md CONTRIBUTING.md packaging/copyright
         DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
 install(DIRECTORY docs editors DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc
-        FILES_MATCHING PATTERN "*.md" PATTERN vim EXCLUDE PATTERN snippets EXCLUDE
-        PATTERN syntaxes EXCLUDE)
+        FILES_MATCHING PATTERN "*.md"
+        REGEX "/(ale_linters|compiler|ftdetect|ftplugin|lua|snippets|src|syntax|syntaxes)$" EXCLUDE)
 install(FILES docs/flow.svg DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT doc)
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT doc
         FILES_MATCHING PATTERN "*.szirpa" PATTERN "*.c" PATTERN CMakeLists.txt)
@@ -75,6 +75,12 @@ install(FILES completions/HXzirpa.fish
 
 install(DIRECTORY editors/vim/ DESTINATION ${CMAKE_INSTALL_DATADIR}/vim/vimfiles
         COMPONENT editors FILES_MATCHING PATTERN "*.vim")
+# Debian's Neovim does not look where Vim does. The linter is of use to a plugin for Vim only.
+install(DIRECTORY editors/vim/ editors/neovim/ DESTINATION ${CMAKE_INSTALL_DATADIR}/nvim/site
+        COMPONENT editors FILES_MATCHING PATTERN "*.vim" PATTERN "*.lua"
+        PATTERN ale_linters EXCLUDE)
+install(FILES editors/emacs/szirpa-mode.el
+        DESTINATION ${CMAKE_INSTALL_DATADIR}/emacs/site-lisp COMPONENT editors)
 
 set(cmake_module_directory ${CMAKE_INSTALL_DATADIR}/cmake/HXzirpa)
 configure_package_config_file(
@@ -110,7 +116,7 @@ request a listing, the bytes as a C array, the symbol table and records for a
 debugger. zirpa does the same with diagnostics that point at what is wrong.
 .
 The package holds the manual, example programs, completions for bash, zsh and
-fish, support for vim and a CMake module as well.")
+fish, support for vim, neovim and emacs, and a CMake module as well.")
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_STRIP_FILES ON)
 set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)

@@ -4,13 +4,14 @@
     program_words | tools/write_grammar.py editors
 
 The words are what tools/program_words.cpp prints. Written are the TextMate grammar, as a whole, and
-the words of the Vim syntax.
+the words of the Vim syntax and of the Emacs mode.
 """
 
 import collections
 import json
 import pathlib
 import sys
+import textwrap
 
 from textmate_grammar import grammar
 from write_instructions import instructions_of, split_by_kind
@@ -34,10 +35,11 @@ CONDITIONAL_KINDS = {
     "error": "message",
 }
 
-VIM_BEGIN = '" Written by tools/write_grammar.py: begin\n'
-VIM_END = '" Written by tools/write_grammar.py: end\n'
+BEGIN = "Written by tools/write_grammar.py: begin\n"
+END = "Written by tools/write_grammar.py: end\n"
 VIM_CONTINUED = "      \\"
 VIM_WIDTH = 92
+EMACS_WIDTH = 90
 # A hash counts only in front of a conditional word.
 VIM_HASH = r"/^\s*#\s*\ze"
 
@@ -111,11 +113,34 @@ def vim_words(instructions, directives, conditionals):
     )
 
 
-def with_new_words(text, words):
-    """The text of the Vim syntax, with other words between its two marks."""
-    before, _, rest = text.partition(VIM_BEGIN)
-    after = rest.partition(VIM_END)[2]
-    return before + VIM_BEGIN + words + VIM_END + after
+def emacs_list(name, words, text):
+    """A constant with a list of words, over as many lines as it needs."""
+    listed = textwrap.fill(
+        " ".join(f'"{word.lower()}"' for word in sorted(words)),
+        EMACS_WIDTH, initial_indent="  '(", subsequent_indent="    ", break_on_hyphens=False,
+    )  # fmt: skip
+    return f'(defconst {name}\n{listed})\n  "{text}")\n'
+
+
+def emacs_words(instructions, directives, conditionals, registers):
+    def all_of(kinds):
+        return [word for words in kinds.values() for word in words]
+
+    return "".join(
+        [
+            emacs_list("szirpa-instructions", all_of(instructions), "Words of instructions."),
+            emacs_list("szirpa-directives", all_of(directives), "Words of directives."),
+            emacs_list("szirpa-conditionals", all_of(conditionals), "Words behind a hash."),
+            emacs_list("szirpa-registers", registers, "Names of registers."),
+        ]
+    )
+
+
+def replace_words(path, comment, words):
+    """Puts other words between the two marks of a file."""
+    before, begin, rest = path.read_text().partition(f"{comment} {BEGIN}")
+    end, after = rest.partition(f"{comment} {END}")[1:]
+    path.write_text(before + begin + words + end + after)
 
 
 def write_all(words, editors):
@@ -127,9 +152,10 @@ def write_all(words, editors):
     content = grammar(instructions, directives, conditionals, words["registers"])
     textmate.write_text(json.dumps(content, indent=2) + "\n")
 
-    vim = editors / "vim" / "syntax" / "szirpa.vim"
     matches = vim_words(instructions, directives, conditionals) + vim_register(words["registers"])
-    vim.write_text(with_new_words(vim.read_text(), matches))
+    replace_words(editors / "vim" / "syntax" / "szirpa.vim", '"', matches)
+    lists = emacs_words(instructions, directives, conditionals, words["registers"])
+    replace_words(editors / "emacs" / "szirpa-mode.el", ";;", lists)
 
 
 if __name__ == "__main__":

@@ -12,7 +12,9 @@ from reading import CONDITIONAL, is_plain
 from sources import EDITORS, ROOT, all_sources, lines_of
 
 EXTENSION = EDITORS / "vscode"
-WRITTEN = ["vscode/syntaxes/szirpa.tmLanguage.json", "vim/syntax/szirpa.vim"]
+WRITTEN = [
+    "vscode/syntaxes/szirpa.tmLanguage.json", "vim/syntax/szirpa.vim", "emacs/szirpa-mode.el"
+]
 
 PLACEHOLDER = re.compile(r"\$\{\w+:((?:\\.|[^\\}])*)\}|\$0|\\(.)")
 

@@ -35,7 +35,10 @@ def expected_files():
     assert len(examples) >= 8
     vim = below(ROOT / "editors" / "vim", "*.vim")
     parts = {path.partition("/")[0] for path in vim}
-    assert parts == {"compiler", "ftdetect", "ftplugin", "syntax"}
+    assert parts == {"ale_linters", "compiler", "ftdetect", "ftplugin", "syntax"}
+    neovim = below(ROOT / "editors" / "neovim", "*.lua") | {
+        path for path in vim if not path.startswith("ale_linters/")
+    }
     module = ("HXzirpaProgram.cmake", "HXzirpaConfig.cmake", "HXzirpaConfigVersion.cmake")
     return {
         "bin/HXzirpa",
@@ -58,4 +61,6 @@ def expected_files():
         "share/doc/hxzirpa/copyright",
         *(f"share/doc/hxzirpa/examples/{name}" for name in examples),
         *(f"share/vim/vimfiles/{name}" for name in vim),
+        *(f"share/nvim/site/{name}" for name in neovim),
+        "share/emacs/site-lisp/szirpa-mode.el",
     }
