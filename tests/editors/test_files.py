@@ -62,6 +62,26 @@ def test_conditionals_are_folded():
                 assert bool(re.match(pattern, text)) == is_marker, f"{path.name}: {text}"
 
 
+def test_settings_are_those_of_project_files_and_of_the_server():
+    schema = json.loads((ROOT / "zirpa" / "project.schema.json").read_text())["properties"]
+    settings = read_json("package.json")["contributes"]["configuration"]["properties"]
+    names = {name.removeprefix("zirpa.") for name in settings}
+    own = {"path"} | {f"inlayHints.{name}" for name in ("bytes", "values")}
+    own |= {f"format.{name}" for name in ("operation", "operand", "comment")}
+    assert names == {name for name in schema if name != "$schema"} | own
+    words = settings["zirpa.compatibility"]["items"]
+    assert words == schema["compatibility"]["items"]
+
+
+def test_readme_names_all_commands_and_settings():
+    readme = (EXTENSION / "README.md").read_text()
+    package = read_json("package.json")["contributes"]
+    for command in package["commands"]:
+        assert f"`{command['category']}: {command['title']}`" in readme
+    for name in package["configuration"]["properties"]:
+        assert f"`{name}`" in readme
+
+
 def expanded(body):
     """A snippet as it stands when it has been inserted, with its defaults."""
     text = body if isinstance(body, str) else "\n".join(body)

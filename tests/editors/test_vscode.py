@@ -9,7 +9,8 @@ import zipfile
 import pytest
 
 from reading import assembled_part, is_plain, read_source
-from running import need_npm_registry, printed_by
+from running import need_npm_registry, printed_by, run
+from sessions import LISTED, SCRIPTS, SOURCE, check_session
 from sources import EDITORS, GOLDEN, ROOT, all_sources, lines_of
 
 EXTENSION = EDITORS / "vscode"
@@ -180,6 +181,80 @@ def test_everything_valid_has_a_scope(tokens):
     assert not wrong, "\n".join(wrong)
 
 
+# ---- Its code ----
+
+
+@pytest.fixture(scope="module")
+def bundle(extension):
+    """The code as it is packed; its types are checked on the way."""
+    printed_by("npm", "run", "--silent", "build", cwd=extension, env={**os.environ, **OFFLINE})
+    return extension / "dist" / "extension.js"
+
+
+def test_types_are_checked(extension, bundle):
+    source = extension / "src" / "extension.ts"
+    text = source.read_text()
+    assert "ask<{ svg: string }>" in text
+    source.write_text(text.replace("ask<{ svg: string }>", "ask<{ png: string }>"))
+    process = run(extension, "npm", "run", "--silent", "check")
+    source.write_text(text)
+    assert b"error TS2339: Property 'svg' does not exist" in process.stdout
+
+
+@pytest.fixture(scope="module")
+def seen(bundle, zirpa, tmp_path_factory):
+    """What a user sees of the extension, in a stand-in for the editor, with the real server."""
+    directory = tmp_path_factory.mktemp("session")
+    (directory / "prog.szirpa").write_text(SOURCE)
+    printed_by("node", SCRIPTS / "extension.js", bundle, zirpa, cwd=directory)
+    found = json.loads((directory / "seen.json").read_text())
+    assert "failure" not in found, found["failure"]
+    return found
+
+
+def test_a_session(seen):
+    check_session(seen)
+    assert seen["hints"] == ["= 5 ($5)", "10: F0 05"]
+
+
+def test_without_the_server_there_is_one_message(seen):
+    (message,) = seen["told"]
+    assert message.startswith("no-such-program can't be started")
+    assert seen["shown"] == 0
+    # With the server there are no more.
+    assert seen["messages"] == seen["told"]
+
+
+def test_the_listing_stands_beside_its_source(seen):
+    assert any(LISTED.search(line) for line in seen["listing"])
+    assert seen["listingName"].endswith("/prog.lst")
+    beside = -2
+    assert seen["column"] == beside
+
+
+def test_the_map_is_a_picture_without_scripts(seen):
+    assert "<title>Memory map of prog.szirpa</title>" in seen["map"]
+    assert "default-src 'none'" in seen["map"]
+    assert "<script" not in seen["map"]
+
+
+def test_assembling_has_the_settings_and_writes_beside_the_source(seen):
+    assert seen["arguments"] == [
+        "build", "--listing", "--define", "FAST", "--allow", "unused-label", "prog.szirpa"
+    ]
+    assert seen["written"] == ["prog.fmem", "prog.lst", "prog.s19", "prog.szirpa"]
+
+
+def test_licences_are_listed(bundle):
+    notices = (bundle.parent / "NOTICES.txt").read_text()
+    found = dict(re.findall(r"^(\S+) [\d.]+ \((MIT|ISC)\)$", notices, re.MULTILINE))
+    assert found["vscode-languageclient"] == "MIT"
+    assert {"vscode-jsonrpc", "vscode-languageserver-protocol", "minimatch", "semver"} <= set(found)
+    # Only the packages that the bundle holds, each with its text.
+    assert not {"esbuild", "typescript"} & set(found)
+    assert notices.count("ermission") >= len(found)
+
+
 def test_extension_packs_without_the_network(extension):
     printed_by("npm", "run", "--silent", "pack", cwd=extension, env={**os.environ, **OFFLINE})
     (archive,) = extension.glob("*.vsix")
@@ -192,6 +267,8 @@ def test_extension_packs_without_the_network(extension):
             "extension/language-configuration.json",
             "extension/package.json",
             "extension/README.md",
+            "extension/dist/NOTICES.txt",
+            "extension/dist/extension.js",
             "extension/snippets/szirpa.json",
             "extension/snippets/tasks.json",
             "extension/syntaxes/szirpa.tmLanguage.json",
