@@ -58,7 +58,7 @@ add_custom_target(compressed_files ALL DEPENDS ${compressed_files})
 install(FILES README.md CONTRIBUTING.md packaging/copyright
         DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc)
 install(DIRECTORY docs editors DESTINATION ${CMAKE_INSTALL_DOCDIR} COMPONENT doc
-        FILES_MATCHING PATTERN "*.md" PATTERN "docs/pictures/*.svg"
+        FILES_MATCHING PATTERN "*.md" PATTERN "docs/pictures/*"
         REGEX "/(ale_linters|compiler|ftdetect|ftplugin|lua|snippets|src|syntax|syntaxes)$" EXCLUDE)
 install(FILES docs/flow.svg DESTINATION ${CMAKE_INSTALL_DOCDIR}/docs COMPONENT doc)
 install(DIRECTORY examples/ DESTINATION ${CMAKE_INSTALL_DOCDIR}/examples COMPONENT doc

@@ -30,7 +30,7 @@ def expected_files():
     documents = {"README.md", "CONTRIBUTING.md"} | {
         f"{name}/{path}" for name in ("docs", "editors") for path in below(ROOT / name, "*.md")
     }
-    documents |= {f"docs/{path}" for path in below(ROOT / "docs", "*.svg")}
+    documents |= {f"docs/{path}" for path in below(ROOT / "docs", "*.svg", "*.png")}
     assert len(documents) >= 10
     examples = below(ROOT / "examples", "*.szirpa", "*.c", "CMakeLists.txt")
     assert len(examples) >= 8
