@@ -2,17 +2,15 @@
 nor an output that is missing or cut without a word."""
 
 import collections
-import concurrent.futures
 import posixpath
 import re
-import subprocess
 
 import golden_case
 import pytest
 from injection import TEMPORARY, Reference, performed
 from judgement import DELETING, looks_whole
 from scenarios import Scenario
-from test_fault import MOST_SHOWN, sample
+from test_fault import MOST_SHOWN, assert_no_complaints, sample
 
 # With --all, one failure of memory of so many; there are thousands in a run.
 MEMORY_STEP = 40
@@ -146,15 +144,4 @@ def test_fault(scenario, program, request, tmp_path):
     reference = Reference(program, scenario, tmp_path.resolve())
     injections = injections_of(reference, request.config.getoption("--all"), len(performed))
     performed[scenario.identifier] = len(injections)
-
-    def judge(injection):
-        try:
-            run = reference.inject(injection)
-        except subprocess.TimeoutExpired as error:
-            return [f"{injection}: {error}"]
-        return [f"{injection}: {each}" for each in Judgement(reference, injection, run).complaints]
-
-    with concurrent.futures.ThreadPoolExecutor(2) as pool:
-        complaints = sum(pool.map(judge, injections), [])
-    shown = "\n".join(complaints[:MOST_SHOWN])
-    assert not complaints, f"\n{len(complaints)} complaints\n{shown}"
+    assert_no_complaints(reference, injections, Judgement)

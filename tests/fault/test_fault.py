@@ -33,6 +33,21 @@ def sample(injections, number):
     return injections[number % step :: step]
 
 
+def assert_no_complaints(reference, injections, judgement):
+    def judge(injection):
+        try:
+            run = reference.inject(injection)
+        except subprocess.TimeoutExpired as error:
+            return [f"{injection}: {error}"]
+        complaints = judgement(reference, injection, run).complaints
+        return [f"{injection}: {complaint}" for complaint in complaints]
+
+    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
+        complaints = sum(pool.map(judge, injections), [])
+    shown = "\n".join(complaints[:MOST_SHOWN])
+    assert not complaints, f"\n{len(complaints)} complaints\n{shown}"
+
+
 @pytest.mark.parametrize("scenario", SCENARIOS, ids=lambda scenario: scenario.identifier)
 def test_fault(scenario, program, request, tmp_path):
     reference = Reference(program, scenario, tmp_path.resolve())
@@ -41,16 +56,4 @@ def test_fault(scenario, program, request, tmp_path):
     if not request.config.getoption("--all"):
         injections = sample(injections, len(performed))
     performed[scenario.identifier] = len(injections)
-
-    def judge(injection):
-        try:
-            run = reference.inject(injection)
-        except subprocess.TimeoutExpired as error:
-            return [f"{injection}: {error}"]
-        complaints = Judgement(reference, injection, run).complaints
-        return [f"{injection}: {complaint}" for complaint in complaints]
-
-    with concurrent.futures.ThreadPoolExecutor(os.cpu_count()) as pool:
-        complaints = sum(pool.map(judge, injections), [])
-    shown = "\n".join(complaints[:MOST_SHOWN])
-    assert not complaints, f"\n{len(complaints)} complaints\n{shown}"
+    assert_no_complaints(reference, injections, Judgement)
