@@ -5,8 +5,7 @@
 #include <algorithm>
 
 LineBuffer Line;
-const char *Line_Ptr = Line.begin();
-const char *Col_Ptr = Line.begin();
+const char *Col_Ptr = Line_Ptr;
 int Line_no = 0;
 int realline = 0;
 int listline = 0;
@@ -44,7 +43,7 @@ const FileEntry *getCurrentFileInfo(int n) {
 void place_new_run() {
     place_new_pass();
     Line.assign("", 0);
-    scan_from_start();
+    Col_Ptr = Line_Ptr;
 }
 
 void place_new_pass() {

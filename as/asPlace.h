@@ -33,7 +33,7 @@ class LineBuffer {
     // Cuts the last two characters and ends the line in a line feed instead.
     void end_in_line_feed();
 
-    const char *begin() const { return text_.data(); }
+    constexpr const char *begin() const { return text_.data(); }
     std::size_t length() const { return length_; }
     std::string_view view() const { return {text_.data(), length_}; }
 
@@ -62,12 +62,14 @@ struct FileEntry {
 
 // ---- State owned here ----
 
-extern LineBuffer Line;      // the current line
-extern const char *Line_Ptr; // its start
-extern const char *Col_Ptr;  // scan position in it, advanced by every reader
-extern int Line_no;          // 1-based line number within the current file
-extern int realline;         // lines read in this pass, over all files
-extern int listline;         // line number in the listing
+extern LineBuffer Line;     // the current line
+extern const char *Col_Ptr; // scan position in it, advanced by every reader
+extern int Line_no;         // 1-based line number within the current file
+extern int realline;        // lines read in this pass, over all files
+extern int listline;        // line number in the listing
+
+// The start of the line, which never moves: lines are copied to it.
+inline constexpr const char *Line_Ptr = Line.begin();
 
 extern std::deque<FileEntry> file_entry; // files in opening order; rebuilt in passes 0 and 1
 extern int file_entry_ptr;               // index of the last file, -1: no file
@@ -87,12 +89,6 @@ inline void count_line() {
     ++Line_no;
     ++realline;
     ++listline;
-}
-
-// Puts the scan position at the start of the line.
-inline void scan_from_start() {
-    Line_Ptr = Line.begin();
-    Col_Ptr = Line.begin();
 }
 
 void place_new_run();

@@ -303,7 +303,7 @@ bool read_source_line() {
         }
     }
     count_line();
-    scan_from_start();
+    Col_Ptr = Line_Ptr;
     const std::size_t length = Line.length();
     if (length > kLineWarningLimit) {
         // Quirk (long-line): the spelling, and a limit three below the room for a line.

@@ -37,7 +37,6 @@ constexpr char kValue = '5';
 // Puts the scan position on the second character of a line.
 void begin(const std::string &text) {
     Line.assign(text.data(), text.size());
-    Line_Ptr = Line.begin();
     Col_Ptr = Line_Ptr + 1;
     scan_new_line();
     emit_new_line();

@@ -14,8 +14,7 @@ namespace {
 
 void set_line(const std::uint8_t *data, std::size_t size) {
     Line.assign(reinterpret_cast<const char *>(data), size);
-    Line_Ptr = Line.begin();
-    Col_Ptr = Line.begin();
+    Col_Ptr = Line_Ptr;
     scan_new_line();
 }
 

@@ -62,8 +62,7 @@ void RunTest::begin_pass() {
 
 void RunTest::set_line(const std::string &text) {
     Line.assign(text.data(), text.size());
-    Line_Ptr = Line.begin();
-    Col_Ptr = Line.begin();
+    Col_Ptr = Line_Ptr;
 }
 
 void RunTest::begin_line(const std::string &text) {
