@@ -21,8 +21,6 @@ class Lines {
     // To the next line; false at the end of the text.
     bool next();
     std::string_view text() const { return line_; } // without line end and blanks before it
-    int number() const { return number_; }
-    bool is_last() const { return rest_.empty(); }
 
     // A fault of the characters from begin up to end, offsets in the line; of at least one.
     Fault fault(std::string_view id, std::string message, std::size_t begin, std::size_t end) const;

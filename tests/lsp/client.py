@@ -2,6 +2,7 @@
 
 import json
 import subprocess
+import threading
 
 URI = "file:///project/prog.szirpa"
 TIME_LIMIT_SECONDS = 60
@@ -92,9 +93,13 @@ class Client:
         return self.process.wait(TIME_LIMIT_SECONDS)
 
     def stop(self):
+        """Ends the input, upon which the server ends by itself and its sanitizers have their say."""
+        alarm = threading.Timer(TIME_LIMIT_SECONDS, self.process.kill)
+        alarm.start()
         self.process.stdin.close()
-        self.process.kill()
+        self.process.stdout.read()
         self.process.wait()
+        alarm.cancel()
         self.process.stdout.close()
 
     # ---- Documents ----

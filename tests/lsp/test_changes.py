@@ -30,6 +30,11 @@ def fixes(editor, text):
 ORG = "\tORG\t0\n"
 
 
+def test_a_blank_in_quotes_is_not_taken_out(editor):
+    found = fixes(editor, ORG + "\tLDA\t#1 + ' '\n")
+    assert not [each for each in found if each["title"] == "Join it to the operand"]
+
+
 @pytest.mark.parametrize(
     "text, title, fixed",
     [

@@ -49,6 +49,32 @@ TEST(Comparisons, FindABranchThatLeadsElsewhere) {
               "1 changed, 2 the same\n");
 }
 
+TEST(Comparisons, FindABranchToTheEndThatIsTheSame) {
+    // BRA 12; what stands there differs, and nothing that is the same comes after it.
+    EXPECT_EQ(compared({0x21, 0x00, 0x07}, {0x21, 0x00, 0x05}),
+              "~ 12  INCA                              12  CLRA\n"
+              "1 changed, 1 the same\n");
+}
+
+TEST(Comparisons, FindWhatIsTheSameBetweenChanges) {
+    // CLRA, INCA; NOP, CLRA, RTS: the CLRA has moved.
+    const std::string text = compared({0x05, 0x07}, {0x00, 0x05, 0x43});
+    EXPECT_NE(text.find("10  NOP\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("@ 10 to 11\n"), std::string::npos) << text;
+    EXPECT_NE(text.find("~ 11  INCA"), std::string::npos) << text;
+}
+
+// To find what is alike in the middle takes steps for each pair; of so many nothing is looked for.
+TEST(Comparisons, OfLongMiddlesCallEverythingChanged) {
+    std::vector<unsigned> first(5000, 0x00);
+    std::vector<unsigned> second(5000, 0x07);
+    first[2500] = 0x05;
+    second[2501] = 0x05;
+    const std::string text = compared(first, second);
+    EXPECT_EQ(text.find('@'), std::string::npos);
+    EXPECT_NE(text.find("5000 changed"), std::string::npos) << text.substr(text.size() - 100);
+}
+
 TEST(Comparisons, ShowDataInLines) {
     EXPECT_EQ(compared({0x43, 1, 2, 3}, {0x43, 4, 5, 3}),
               "~ 11  FCB   $01,$02                     11  FCB   $04,$05\n"

@@ -42,6 +42,7 @@ TEST(Project, WhatIsWrongIsTold) {
     EXPECT_EQ(failure_of(R"({"xyzzy": []})"), "there is no setting xyzzy");
     EXPECT_EQ(failure_of(R"({"define": [""]})"), "define: a name has no letters");
     EXPECT_EQ(failure_of(R"({"deny": 7})"), "deny is no list");
+    EXPECT_EQ(failure_of(R"({"include": ["lib", 1]})"), "include has something that is no text");
     EXPECT_EQ(failure_of(R"({"allow": ["all"]})"), "allow: no diagnostic is called all");
 }
 

@@ -196,6 +196,29 @@ def test_a_fault_is_shown_with_its_line(zirpa, tmp_path):
     )
 
 
+def test_a_fault_far_along_a_line_is_told_by_its_column(zirpa, tmp_path):
+    line = "char a[] = { " + "1, " * 200 + "300 };"
+    process = dis(zirpa, tmp_path, "-", input=line.encode())
+    assert process.returncode == 2
+    assert f"stdin:1: error: column {line.index('300') + 1}: " in process.stderr.decode()
+
+
+@pytest.mark.parametrize("record", ["SY:C:X:", "SY:C:X:1", "SY:C:f:", "SY:C:S:v:x", "SY:C:X:a:b:c:d:zz"])
+def test_debug_records_without_their_fields_say_nothing(record, zirpa, tmp_path):
+    program = f"S1050010F005F5\nS9030010EC\n{record}\n"
+    process = dis(zirpa, tmp_path, "-", input=program.encode())
+    assert process.stdout == b"          ORG   $10\n          LDA   #5\n          END\n"
+
+
+def test_a_picture_quotes_texts_and_leads_out_of_the_program(zirpa, program, tmp_path):
+    (tmp_path / "p.szirpa").write_text(" ORG $10\n LDA #'\"'\n BRA $40\n")
+    assert running.run(tmp_path, program, "p.szirpa").returncode == 0
+    assert dis(zirpa, tmp_path, "p.s19", "--graph", "p.dot").returncode == 0
+    picture = (tmp_path / "p.dot").read_text()
+    assert "LDA   #'\\\"'" in picture
+    assert re.search(r'-> "[^"]*40" \[style=dotted\];', picture)
+
+
 def test_faulty_hints_and_symbols_are_refused(zirpa, tmp_path):
     (tmp_path / "p.s19").write_text("S104001043A8\nS9030010EC\n")
     (tmp_path / "hints").write_text("code $10\ncoda $10\n")
@@ -279,3 +302,9 @@ def test_a_rebuilt_source_can_be_changed(zirpa, program, tmp_path):
 def test_what_cannot_be_read_is_not_compared(zirpa, tmp_path):
     (tmp_path / "p.s19").write_text("S104001043A8\nS9030010EC\n")
     assert diff(zirpa, tmp_path, "p.s19", "none.s19") == (2, "")
+
+
+def test_a_comparison_that_cannot_be_printed_is_a_failure(zirpa, tmp_path):
+    (tmp_path / "p.s19").write_text("S104001043A8\nS9030010EC\n")
+    with open("/dev/full", "wb") as full:
+        assert running.run(tmp_path, zirpa, "diff", "p.s19", "p.s19", stdout=full).returncode == 2
