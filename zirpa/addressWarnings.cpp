@@ -8,8 +8,6 @@ namespace {
 
 constexpr std::uint32_t kMemory = 256; // addresses that the processor has
 
-SourcePlace operation_of(const door::Line &line) { return place_in(line.operation, line.source); }
-
 } // namespace
 
 void AddressWarnings::take(const door::Line &line) {
@@ -27,12 +25,12 @@ void AddressWarnings::take(const door::Line &line) {
 
 void AddressWarnings::note_first_bytes(const door::Line &line) {
     if (!has_bytes_ && !has_origin_) {
-        findings.push_back(warning("bytes-before-org", operation_of(line),
+        findings.push_back(warning("bytes-before-org", line.operation,
                                    "bytes above the first ORG: the S-records give them the address "
                                    "at which the source ends",
                                    "write ORG above this line"));
         findings.back().fixes.push_back(
-            {"Write ORG above this line", {line.line, 1, 0, {}}, "\tORG\t0\n"});
+            {"Write ORG above this line", {line.line, 1, 0}, "\tORG\t0\n"});
     }
     has_bytes_ = true;
 }
@@ -41,7 +39,7 @@ void AddressWarnings::note_first_bytes(const door::Line &line) {
 void AddressWarnings::note_address(const door::Line &line) {
     const std::uint64_t end = std::uint64_t{line.address} + line.size;
     if (end > kMemory && !was_beyond_) {
-        findings.push_back(warning("address-above-ff", operation_of(line),
+        findings.push_back(warning("address-above-ff", line.operation,
                                    "the address " +
                                        in_hexadecimal(std::max(line.address, kMemory)) +
                                        " of a byte is above $FF"));
@@ -51,21 +49,20 @@ void AddressWarnings::note_address(const door::Line &line) {
 
 // One line for a run of lines that write again, as when an ORG is wrong.
 void AddressWarnings::note_second_writing(const door::Line &line) {
-    const auto writer = std::make_shared<SourcePlace>(operation_of(line));
     bool is_twice = false;
     const std::uint64_t end =
         std::min<std::uint64_t>(std::uint64_t{line.address} + line.size, kMemory);
     for (std::uint64_t address = line.address; address < end; ++address) {
-        std::shared_ptr<SourcePlace> &before = writers_[address];
-        if (before != nullptr && !is_twice && !was_twice_) {
-            findings.push_back(warning("written-twice", *writer,
+        door::Place &before = writers_[address];
+        if (before.line != 0 && !is_twice && !was_twice_) {
+            findings.push_back(warning("written-twice", line.operation,
                                        "the byte at " +
                                            in_hexadecimal(static_cast<std::int64_t>(address)) +
                                            " has been given a value already"));
-            findings.back().notes.push_back({*before, "here"});
+            findings.back().notes.push_back({without_text(before), "here"});
         }
-        is_twice = is_twice || before != nullptr;
-        before = writer;
+        is_twice = is_twice || before.line != 0;
+        before = line.operation;
     }
     was_twice_ = is_twice;
 }

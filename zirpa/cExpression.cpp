@@ -34,14 +34,13 @@ constexpr std::array kOperators = std::to_array<Operator>({{"<<", 6},
                                                            {"|", 1}});
 constexpr int kLowest = -1;
 
-// A part of the expression: its value, its text, and whether an operator joins two values in it.
+// A part of the expression: its value, where it begins in what is written, and whether an operator
+// joins two values in it. The part that was read last ends where that ends.
 struct Part {
     std::int64_t value;
-    std::string text;
+    std::size_t begin;
     bool is_joined;
 };
-
-std::string closed(const Part &part) { return part.is_joined ? "(" + part.text + ")" : part.text; }
 
 std::uint64_t bits(std::int64_t value) { return static_cast<std::uint64_t>(value); }
 
@@ -95,7 +94,7 @@ class Reader {
         if (!part || at_ != text_.size()) {
             return std::nullopt;
         }
-        return CReading{part->value, part->text};
+        return CReading{part->value, std::move(written_)};
     }
 
   private:
@@ -110,6 +109,14 @@ class Reader {
         return nullptr;
     }
 
+    // Puts the part that was read last in parentheses where an operator joins it to another.
+    void close(const Part &part) {
+        if (part.is_joined) {
+            written_.insert(part.begin, 1, '(');
+            written_ += ')';
+        }
+    }
+
     // Values joined by operators of at least that precedence.
     std::optional<Part> joined(int precedence) {
         std::optional<Part> left = single();
@@ -119,13 +126,16 @@ class Reader {
                 break;
             }
             at_ += sign->text.size();
+            close(*left);
+            written_ += sign->text;
             const std::optional<Part> right = joined(sign->precedence + 1);
             const auto value =
                 right ? compute(sign->text, left->value, right->value) : std::nullopt;
             if (!value) {
                 return std::nullopt;
             }
-            left = Part{*value, closed(*left) + std::string(sign->text) + closed(*right), true};
+            close(*right);
+            left = Part{*value, left->begin, true};
         }
         return left;
     }
@@ -145,6 +155,8 @@ class Reader {
 
     std::optional<Part> signed_value() {
         const char sign = text_[at_++];
+        const std::size_t begin = written_.size();
+        written_ += sign;
         const std::optional<Part> part = single();
         if (!part) {
             return std::nullopt;
@@ -152,7 +164,8 @@ class Reader {
         const std::int64_t value = sign == '-'   ? number(-bits(part->value))
                                    : sign == '~' ? ~part->value
                                                  : static_cast<std::int64_t>(part->value == 0);
-        return Part{value, sign + closed(*part), true};
+        close(*part);
+        return Part{value, begin, true};
     }
 
     std::optional<Part> group() {
@@ -183,7 +196,9 @@ class Reader {
         if (!result) {
             return std::nullopt;
         }
-        return Part{*result, std::string(text_.substr(begin, at_ - begin)), false};
+        const std::size_t place = written_.size();
+        written_ += text_.substr(begin, at_ - begin);
+        return Part{*result, place, false};
     }
 
     std::optional<std::int64_t> character() {
@@ -209,6 +224,7 @@ class Reader {
     std::string_view text_;
     const NameValue &name_value_;
     std::size_t at_ = 0;
+    std::string written_; // with all parentheses that the assembler needs
     int depth_ = 0;
 };
 

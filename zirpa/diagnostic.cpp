@@ -56,7 +56,8 @@ void offer_words(Diagnostic &diagnostic, const std::vector<std::string> &words) 
 }
 
 void offer_text(Diagnostic &diagnostic, std::string title, std::string text) {
-    diagnostic.fixes.push_back({std::move(title), diagnostic.place, std::move(text)});
+    diagnostic.fixes.push_back(
+        {std::move(title), diagnostic.place.without_text(), std::move(text)});
 }
 
 std::size_t character_size(std::string_view text) {

@@ -1,6 +1,8 @@
 // A diagnostic: what zirpa says of a place in a source, before it has a format.
 #pragma once
 
+#include "door/door.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -15,7 +17,9 @@ struct SourcePlace {
     int line = 0;
     int first = 0;
     int last = 0;
-    std::string text; // of the line
+    std::string text = {}; // of the line
+
+    door::Place without_text() const { return {line, first, last}; }
 };
 
 // What belongs to a diagnostic but stands elsewhere.
@@ -27,7 +31,7 @@ struct Note {
 // A change of the source that would help.
 struct Fix {
     std::string title;
-    SourcePlace place; // what is replaced; the text goes in ahead of first where last is before it
+    door::Place place; // what is replaced; the text goes in ahead of first where last is before it
     std::string text;
 };
 

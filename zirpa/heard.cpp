@@ -40,6 +40,20 @@ SourcePlace place_in(const door::Place &place, std::string_view line) {
     return {place.line, place.first, place.last, std::string(line)};
 }
 
+SourcePlace without_text(const door::Place &place) { return {place.line, place.first, place.last}; }
+
+void LineTexts::take(const door::Line &line) {
+    pieces_.resize(static_cast<std::size_t>(line.line), {text_.size(), line.source.size()});
+    text_ += line.source;
+}
+
+std::string_view LineTexts::of(int line) const {
+    const auto index = static_cast<std::size_t>(line) - 1;
+    return index < pieces_.size()
+               ? std::string_view(text_).substr(pieces_[index].begin, pieces_[index].size)
+               : std::string_view();
+}
+
 std::string HeardReport::pointed_at() const {
     const auto begin =
         std::min(static_cast<std::size_t>(std::max(place.first, 1)) - 1, place.text.size());
@@ -61,13 +75,9 @@ void Heard::take(const door::Report &report) {
 }
 
 void Heard::take(const door::Definition &definition) {
-    const auto [known, is_new] = names.try_emplace(
-        std::string(definition.name),
-        HeardName{definition.kind,
-                  {definition.place.line, definition.place.first, definition.place.last, {}},
-                  definition.value});
-    if (is_new && definition.place.line != 0) {
-        unfinished_.push_back(&known->second);
+    if (!names.contains(definition.name)) {
+        names.emplace(definition.name,
+                      HeardName{definition.kind, definition.place, definition.value});
     }
 }
 
@@ -82,11 +92,22 @@ void Heard::take(const door::Line &line) {
         words.is_label_cut = line.label.has_column() && line.operation.first == line.label.last + 1;
         words.goes_on = goes_on(line);
     }
-    for (HeardName *name : unfinished_) {
-        name->place.text = line.source;
-    }
-    unfinished_.clear();
     if (line.displaces) {
-        phase_place = {line.line, 0, 0, std::string(line.source)};
+        phase_place = {line.line, 0, 0};
+    }
+    lines.take(line);
+}
+
+void add_texts(std::vector<Diagnostic> &diagnostics, const LineTexts &lines) {
+    const auto add = [&](SourcePlace &place) {
+        if (place.text.empty()) {
+            place.text = lines.of(place.line);
+        }
+    };
+    for (Diagnostic &diagnostic : diagnostics) {
+        add(diagnostic.place);
+        for (Note &note : diagnostic.notes) {
+            add(note.place);
+        }
     }
 }

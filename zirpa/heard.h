@@ -4,8 +4,8 @@
 
 #include "door/door.h"
 #include "zirpa/diagnostic.h"
+#include "zirpa/nameTable.h"
 
-#include <map>
 #include <string>
 #include <vector>
 
@@ -33,8 +33,26 @@ struct HeardReport {
 
 struct HeardName {
     door::NameKind kind = door::NameKind::kLabel;
-    SourcePlace place; // of its first definition
+    door::Place place; // of its first definition
     std::int32_t value = 0;
+};
+
+// The texts of the lines that have been told, one after another: most places need none, and who
+// needs one comes when the run has ended.
+class LineTexts {
+  public:
+    void take(const door::Line &line);
+
+    // What belongs to a line that is not told itself is found in the next one that is.
+    std::string_view of(int line) const;
+
+  private:
+    struct Piece {
+        std::size_t begin;
+        std::size_t size;
+    };
+    std::string text_;
+    std::vector<Piece> pieces_; // by line, less 1
 };
 
 class Heard {
@@ -45,12 +63,17 @@ class Heard {
 
     std::string file;
     std::vector<HeardReport> reports;
-    std::map<std::string, HeardName, std::less<>> names;
-    SourcePlace phase_place; // the line whose length differs between the passes
+    NameTable<HeardName> names;
+    LineTexts lines;
+    door::Place phase_place; // the line whose length differs between the passes
 
   private:
     std::size_t reports_with_words_ = 0;
-    std::vector<HeardName *> unfinished_; // names of the line that is not told yet
 };
 
+// A place with its text, and one whose text comes later.
 SourcePlace place_in(const door::Place &place, std::string_view line);
+SourcePlace without_text(const door::Place &place);
+
+// Gives texts to the places of diagnostics that have none.
+void add_texts(std::vector<Diagnostic> &diagnostics, const LineTexts &lines);

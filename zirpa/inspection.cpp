@@ -115,7 +115,7 @@ struct Gathering {
     }
 };
 
-std::vector<Diagnostic> all_diagnostics(const Gathering &gathering, const Settings &settings) {
+std::vector<Diagnostic> all_diagnostics(Gathering &gathering, const Settings &settings) {
     const WarningChoice &choice = settings.warnings;
     const bool with_unused =
         choice.wanted.contains(kUnusedLabel) || choice.denied.contains(kUnusedLabel);
@@ -123,6 +123,7 @@ std::vector<Diagnostic> all_diagnostics(const Gathering &gathering, const Settin
     std::vector<Diagnostic> silent = gathering.warnings.findings(gathering.heard, with_unused);
     blame_hidden_characters(all, silent);
     std::move(silent.begin(), silent.end(), std::back_inserter(all));
+    add_texts(all, gathering.heard.lines);
     add_option_warnings(settings, all);
     choose(all, choice);
     sort_by_place(all);

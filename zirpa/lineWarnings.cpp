@@ -9,9 +9,8 @@ namespace {
 
 using Text = std::string_view;
 
-SourcePlace piece(const door::Line &line, std::size_t begin, std::size_t end) {
-    return {line.line, static_cast<int>(begin) + 1, static_cast<int>(end),
-            std::string(line.source)};
+door::Place piece(const door::Line &line, std::size_t begin, std::size_t end) {
+    return {line.line, static_cast<int>(begin) + 1, static_cast<int>(end)};
 }
 
 constexpr Text kBlanks = " \t";
@@ -215,8 +214,11 @@ void LineWarnings::note_tail(const door::Line &line) {
     const Text text = line.source;
     const std::size_t begin = skip_blanks(text, static_cast<std::size_t>(line.operand.last));
     const Text tail = without_blanks(text.substr(begin, text.find(';', begin) - begin));
+    if (tail.empty()) {
+        return;
+    }
     auto names = names_of_continuation(tail);
-    if (!tail.empty() && names && takes_operand(line)) {
+    if (names && takes_operand(line)) {
         computed.push_back({piece(line, begin, begin + tail.size()), std::move(*names)});
     }
 }
@@ -236,12 +238,12 @@ void LineWarnings::note_end(const door::Line &line) {
 void LineWarnings::take(const door::Line &line, bool is_faulty) {
     note_characters(line);
     if (line.kind == door::LineKind::kConditional) {
-        conditionals_[line.line] = place_in(line.operation, line.source);
+        conditionals_[line.line] = line.operation;
     }
     if (line.kind == door::LineKind::kSkipped) {
         const Text word = text_at(line, line.operation);
         if (word == "#if") {
-            findings.push_back(warning("single-hash-if", place_in(line.operation, line.source),
+            findings.push_back(warning("single-hash-if", line.operation,
                                        "#if with one hash opens no conditional",
                                        "an expression is tested by ##if"));
             offer_words(findings.back(), {"##if"});

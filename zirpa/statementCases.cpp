@@ -110,10 +110,10 @@ bool is_unbalanced(std::string_view text) {
 // A fix that replaces bytes of the line, from one up to another, both counted from 0.
 void offer_change(const Case &each, std::string title, std::size_t begin, std::size_t end,
                   std::string text) {
-    each.diagnostic.fixes.push_back({std::move(title),
-                                     {each.report.place.line, static_cast<int>(begin) + 1,
-                                      static_cast<int>(end), each.report.place.text},
-                                     std::move(text)});
+    each.diagnostic.fixes.push_back(
+        {std::move(title),
+         {each.report.place.line, static_cast<int>(begin) + 1, static_cast<int>(end)},
+         std::move(text)});
 }
 
 // What is wrong with the form of an operand, for faults that nearly everyone makes once.
@@ -153,7 +153,7 @@ void word_unknown_instruction(const Case &each) {
             quoted(each.words().label) + " begins the line and so is read as a label";
         each.diagnostic.hint = "an instruction needs a blank before it";
         each.diagnostic.fixes.push_back(
-            {"Put a blank before it", {each.report.place.line, 1, 0, {}}, "\t"});
+            {"Put a blank before it", {each.report.place.line, 1, 0}, "\t"});
         return;
     }
     if (!each.words().label.empty() && each.words().is_label_cut) {

@@ -61,13 +61,16 @@ std::size_t distance(std::string_view one, std::string_view other) {
     return last[other.size()];
 }
 
+// Of two letters one may differ, of five two, of eight three.
+bool is_near(std::string_view word, std::string_view other) {
+    return other != word && distance(word, other) * 3 <= std::max(other.size(), word.size()) + 1;
+}
+
 std::vector<std::string> nearest(std::string_view word, const std::vector<std::string> &words) {
     std::vector<Candidate> candidates;
     for (const std::string &each : words) {
-        const std::size_t away = distance(word, each);
-        // Of two letters one may differ, of five two, of eight three.
-        if (each != word && away * 3 <= std::max(each.size(), word.size()) + 1) {
-            candidates.push_back({away, common_beginning(word, each), &each});
+        if (is_near(word, each)) {
+            candidates.push_back({distance(word, each), common_beginning(word, each), &each});
         }
     }
     std::stable_sort(candidates.begin(), candidates.end(), is_nearer);

@@ -5,18 +5,17 @@
 namespace {
 
 // The operand with what stands behind it, without the blanks.
-void offer_joined_operand(Diagnostic &diagnostic) {
+void offer_joined_operand(Diagnostic &diagnostic, std::string_view line) {
     const SourcePlace &place = diagnostic.place;
     const auto first = static_cast<std::size_t>(place.first) - 1;
-    const std::size_t blanks = place.text.find_last_not_of(" \t", first - 1) + 1;
-    std::string joined = place.text.substr(first, static_cast<std::size_t>(place.last) - first);
+    const std::size_t blanks = line.find_last_not_of(" \t", first - 1) + 1;
+    std::string joined(line.substr(first, static_cast<std::size_t>(place.last) - first));
     if (joined.find('\'') != std::string::npos) {
         return; // a quoted blank is one of the operand
     }
     std::erase_if(joined, [](char ch) { return ch == ' ' || ch == '\t'; });
-    diagnostic.fixes.push_back({"Join it to the operand",
-                                {place.line, static_cast<int>(blanks) + 1, place.last, place.text},
-                                joined});
+    diagnostic.fixes.push_back(
+        {"Join it to the operand", {place.line, static_cast<int>(blanks) + 1, place.last}, joined});
 }
 
 void append(std::vector<Diagnostic> &all, std::vector<Diagnostic> more) {
@@ -25,11 +24,12 @@ void append(std::vector<Diagnostic> &all, std::vector<Diagnostic> more) {
 
 } // namespace
 
-Diagnostic warning(std::string id, SourcePlace place, std::string message, std::string hint) {
+Diagnostic warning(std::string id, const door::Place &place, std::string message,
+                   std::string hint) {
     Diagnostic diagnostic;
     diagnostic.severity = Severity::kWarning;
     diagnostic.id = std::move(id);
-    diagnostic.place = std::move(place);
+    diagnostic.place = without_text(place);
     diagnostic.message = std::move(message);
     diagnostic.hint = std::move(hint);
     return diagnostic;
@@ -43,9 +43,12 @@ std::string_view text_at(const door::Line &line, const door::Place &place) {
     return line.source.substr(begin, static_cast<std::size_t>(place.last) - begin);
 }
 
+// Directives are letters alone, and case does not count.
 bool is_directive(const door::Line &line, std::string_view name) {
+    const std::string_view word = text_at(line, line.operation);
     return line.kind == door::LineKind::kDirective &&
-           door::upper(text_at(line, line.operation)) == name;
+           std::equal(word.begin(), word.end(), name.begin(), name.end(),
+                      [](char ch, char letter) { return ch == letter || ch == (letter | 0x20); });
 }
 
 void Warnings::take(const door::Reference &reference) {
@@ -60,11 +63,11 @@ void Warnings::take(const door::Line &line, bool is_faulty) {
     expressions_.take(line);
 }
 
-std::vector<Diagnostic> Warnings::findings(const Heard &heard, bool with_unused) const {
-    std::vector<Diagnostic> all = addresses_.findings;
+std::vector<Diagnostic> Warnings::findings(const Heard &heard, bool with_unused) {
+    std::vector<Diagnostic> all = std::move(addresses_.findings);
     append(all, names_.findings(with_unused));
-    append(all, lines_.findings);
-    append(all, expressions_.findings);
+    append(all, std::move(lines_.findings));
+    append(all, std::move(expressions_.findings));
     for (const LineWarnings::Computed &computed : lines_.computed) {
         const bool is_known =
             std::all_of(computed.names.begin(), computed.names.end(),
@@ -72,7 +75,7 @@ std::vector<Diagnostic> Warnings::findings(const Heard &heard, bool with_unused)
         if (is_known) {
             all.push_back(warning("text-after-operand", computed.place,
                                   "a blank ends the operand, so this is a comment"));
-            offer_joined_operand(all.back());
+            offer_joined_operand(all.back(), heard.lines.of(computed.place.line));
         }
     }
     for (Diagnostic &diagnostic : all) {

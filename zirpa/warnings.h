@@ -10,12 +10,13 @@
 
 #include <array>
 #include <map>
-#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
-// A warning; the file is filled in where all are gathered.
-Diagnostic warning(std::string id, SourcePlace place, std::string message, std::string hint = {});
+// A warning; the file and the text of the line are filled in where all are gathered.
+Diagnostic warning(std::string id, const door::Place &place, std::string message,
+                   std::string hint = {});
 
 // The text of a place in a line; nothing for an empty one.
 std::string_view text_at(const door::Line &line, const door::Place &place);
@@ -38,7 +39,7 @@ class AddressWarnings {
     bool has_bytes_ = false;
     bool was_beyond_ = false;
     bool was_twice_ = false;
-    std::array<std::shared_ptr<SourcePlace>, 256> writers_; // by address
+    std::array<door::Place, 256> writers_; // by address; no line: none
 };
 
 // Names: hidden by registers, read too early, asked for by conditionals, unknown or unused.
@@ -52,41 +53,34 @@ class NameWarnings {
     std::vector<Diagnostic> findings(bool with_unused) const;
 
   private:
+    struct Name {
+        door::NameKind kind = door::NameKind::kLabel;
+        door::Place place; // of the definition; no line: not defined
+        std::int32_t value = 0;
+        std::vector<const Name *> operands; // names from which a constant is computed
+        bool is_tested = false;
+        bool is_used = false;
+        door::Place test; // where a conditional asks for it first
+    };
+    using Entry = NameTable<Name>::value_type;
     // How a name is used where it has not got its value yet.
     enum class Early { kValue, kSize, kUndefinedInEqu };
     struct EarlyUse {
         Early kind;
-        std::string name;
-        SourcePlace place;
-        std::int32_t value;
-    };
-    struct Name {
-        door::NameKind kind = door::NameKind::kLabel;
-        SourcePlace place; // of the definition; no line: not defined
-        std::int32_t value = 0;
-        std::vector<std::string> operands; // names from which a constant is computed
-        bool is_tested = false;
-        bool is_used = false;
-        SourcePlace test; // where a conditional asks for it first
-    };
-    struct PendingReference {
-        door::Use use;
-        std::string name;
+        const Entry *entry;
         door::Place place;
         std::int32_t value;
-        bool is_defined;
-        int definition;
     };
 
-    void note_reference(const PendingReference &reference, const door::Line &line);
-    bool is_of_labels(const Name &name, int depth) const;
+    void note_reference(Entry &entry, const door::Reference &reference, const door::Line &line);
+    static bool is_of_labels(const Name &name, int depth);
     void add_early(const EarlyUse &use, std::vector<Diagnostic> &found) const;
-    std::vector<std::string> known_names() const;
 
-    std::map<std::string, Name> names_;
+    NameTable<Name> names_;
     std::vector<EarlyUse> early_;
-    std::vector<PendingReference> pending_references_;
-    std::vector<std::pair<std::string, door::Definition>> pending_definitions_;
+    // Of the line that is not told yet. Their texts are not valid any more.
+    std::vector<std::pair<Entry *, door::Reference>> pending_references_;
+    std::vector<std::pair<Name *, door::Definition>> pending_definitions_;
 };
 
 // The text of lines: what is dropped, taken for a comment or can't be seen.
@@ -98,7 +92,7 @@ class LineWarnings {
 
     // Texts behind operands that are to be computed, if their names are defined.
     struct Computed {
-        SourcePlace place;
+        door::Place place;
         std::vector<std::string> names;
     };
     std::vector<Computed> computed;
@@ -109,7 +103,7 @@ class LineWarnings {
     void note_tail(const door::Line &line);
     void note_end(const door::Line &line);
 
-    std::map<int, SourcePlace> conditionals_; // words that open a conditional, by line
+    std::map<int, door::Place> conditionals_; // words that open a conditional, by line
 };
 
 // Expressions whose value is another one in C.
@@ -121,8 +115,7 @@ class ExpressionWarnings {
     std::vector<Diagnostic> findings;
 
   private:
-    std::map<int, std::int32_t> values_; // of names of the line, by column
-    std::vector<Diagnostic> pending_;    // of the line, whose text is not told yet
+    std::vector<std::pair<int, std::int32_t>> values_; // of names of the line, with columns
 };
 
 // All groups, and the names that they need of each other.
@@ -134,7 +127,8 @@ class Warnings {
     void take(const door::Block &block) { lines_.take(block); }
     void take(const door::Line &line, bool is_faulty);
 
-    std::vector<Diagnostic> findings(const Heard &heard, bool with_unused) const;
+    // Takes the findings out of the groups.
+    std::vector<Diagnostic> findings(const Heard &heard, bool with_unused);
 
   private:
     AddressWarnings addresses_;

@@ -56,7 +56,7 @@ void word_undefined(const Case &each) {
     const auto known = each.heard.names.find(name);
     if (known != each.heard.names.end() && known->second.kind != door::NameKind::kDefine) {
         each.diagnostic.notes.push_back(
-            {known->second.place,
+            {without_text(known->second.place),
              "a conditional asks for this name, which makes its label unknown"});
         return;
     }
@@ -64,11 +64,8 @@ void word_undefined(const Case &each) {
     if (each.heard.names.size() * each.heard.reports.size() > kMostComparisons) {
         return;
     }
-    std::vector<std::string> names;
-    for (const auto &[other, unused] : each.heard.names) {
-        names.push_back(other);
-    }
-    const std::vector<std::string> meant = nearest(name, names);
+    const std::vector<std::string> meant =
+        nearest_names(name, each.heard.names, [](const HeardName & /*other*/) { return true; });
     each.diagnostic.hint = did_you_mean(meant);
     offer_words(each.diagnostic, meant);
 }
@@ -78,7 +75,7 @@ void word_second_definition(const Case &each) {
     each.diagnostic.message = quoted(name) + " is defined more than once";
     const auto known = each.heard.names.find(name);
     if (known != each.heard.names.end() && known->second.place.line != each.report.place.line) {
-        each.diagnostic.notes.push_back({known->second.place, "first defined here"});
+        each.diagnostic.notes.push_back({without_text(known->second.place), "first defined here"});
     }
 }
 
@@ -91,7 +88,7 @@ void word_given_value(const Case &each) {
     if (known != each.heard.names.end() && known->second.kind == door::NameKind::kOption) {
         each.diagnostic.hint = "it is defined by an option";
     } else if (known != each.heard.names.end()) {
-        each.diagnostic.notes.push_back({known->second.place, "first defined here"});
+        each.diagnostic.notes.push_back({without_text(known->second.place), "first defined here"});
     }
 }
 
@@ -99,8 +96,8 @@ void word_phase(const Case &each) {
     each.diagnostic.message =
         quoted(each.words().label) + " has moved since addresses were laid out";
     if (each.heard.phase_place.line != 0) {
-        each.diagnostic.notes.push_back(
-            {each.heard.phase_place, "this line has another length now than it had then"});
+        each.diagnostic.notes.push_back({without_text(each.heard.phase_place),
+                                         "this line has another length now than it had then"});
     }
 }
 
@@ -275,7 +272,7 @@ bool is_surpassed(const HeardReport &report, const HeardReport &next) {
 }
 
 // The lines on which names are defined for the last time, of those that are defined more than once.
-using LastDefinitions = std::map<std::string, int, std::less<>>;
+using LastDefinitions = NameTable<int>;
 
 LastDefinitions last_definitions(const Heard &heard) {
     LastDefinitions lines;

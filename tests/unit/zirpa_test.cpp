@@ -2,6 +2,8 @@
 #include "zirpa/cExpression.h"
 #include "zirpa/diagnostic.h"
 #include "zirpa/formats.h"
+#include "zirpa/heard.h"
+#include "zirpa/nameTable.h"
 #include "zirpa/phrases.h"
 #include "zirpa/suggest.h"
 
@@ -31,6 +33,25 @@ TEST(Suggestions, WordsFarAwayAreNotMeant) {
 
 TEST(Suggestions, ANameInTheOtherCaseIsMeant) {
     EXPECT_EQ(nearest("Start", {"start", "stop"}), std::vector<std::string>{"start"});
+}
+
+TEST(Suggestions, OfEquallyNearNamesTheFirstInOrderAreMeant) {
+    NameTable<int> names;
+    for (const char *name : {"row7", "row3", "row9", "row1", "row8", "row2", "row6"}) {
+        entry_of(names, name).second = name[3] - '0';
+    }
+    EXPECT_EQ(nearest_names("rowx", names, [](int) { return true; }),
+              (std::vector<std::string>{"row1", "row2"}));
+    EXPECT_EQ(nearest_names("rowx", names, [](int value) { return value > 6; }),
+              (std::vector<std::string>{"row7", "row8"}));
+}
+
+TEST(NameTables, ANameHasOneEntry) {
+    NameTable<int> names;
+    entry_of(names, "one").second = 1;
+    EXPECT_EQ(entry_of(names, "one").second, 1);
+    EXPECT_EQ(entry_of(names, "two").second, 0);
+    EXPECT_EQ(names.size(), 2U);
 }
 
 TEST(Suggestions, AreAskedAsAQuestion) {
@@ -88,6 +109,36 @@ TEST(TextFormat, TheSummaryCounts) {
     EXPECT_EQ(summary_of(2, 1), "2 errors, 1 warning\n");
 }
 
+// ---- Texts of lines ----
+
+door::Line line_of(int number, std::string_view text) {
+    return {number, door::LineKind::kComment, text, 0, 0, {}, false, false, {}, {}, {}};
+}
+
+TEST(LineTexts, ALineThatIsNotToldHasTheTextOfTheNextOne) {
+    LineTexts lines;
+    lines.take(line_of(1, "; one"));
+    lines.take(line_of(3, "; three"));
+    EXPECT_EQ(lines.of(1), "; one");
+    EXPECT_EQ(lines.of(2), "; three");
+    EXPECT_EQ(lines.of(3), "; three");
+    EXPECT_EQ(lines.of(4), "");
+    EXPECT_EQ(lines.of(0), "");
+}
+
+TEST(LineTexts, PlacesWithoutATextGetOne) {
+    LineTexts lines;
+    lines.take(line_of(1, "; one"));
+    lines.take(line_of(2, "; two"));
+    std::vector<Diagnostic> diagnostics(1);
+    diagnostics[0].place = without_text({2, 1, 1});
+    diagnostics[0].notes = {{without_text({1, 1, 1}), ""}, {{1, 1, 1, "own"}, ""}};
+    add_texts(diagnostics, lines);
+    EXPECT_EQ(diagnostics[0].place.text, "; two");
+    EXPECT_EQ(diagnostics[0].notes[0].place.text, "; one");
+    EXPECT_EQ(diagnostics[0].notes[1].place.text, "own");
+}
+
 std::optional<CReading> read_without_names(std::string_view text) {
     return read_as_c(text, [](std::size_t) { return std::nullopt; });
 }
@@ -98,6 +149,16 @@ TEST(CReading, ACharacterStandsBetweenQuotes) {
     EXPECT_EQ(reading->value, 66);
     EXPECT_FALSE(read_without_names("'A"));
     EXPECT_FALSE(read_without_names("'AB'"));
+}
+
+TEST(CReading, ParenthesesStandWhereOperatorsAreJoined) {
+    const auto written = [](std::string_view text) {
+        return read_without_names(text).value_or(CReading{}).parenthesised;
+    };
+    EXPECT_EQ(written("1+2*3-4"), "(1+(2*3))-4");
+    EXPECT_EQ(written("((1+2))*(3)"), "(1+2)*(3)");
+    EXPECT_EQ(written("(1+2)"), "1+2");
+    EXPECT_EQ(written("-(1|2)&~-3"), "(-(1|2))&(~(-3))");
 }
 
 TEST(CReading, WhatCCannotReadHasNoValue) {

@@ -9,12 +9,11 @@
 #include "door/door.h"
 #include "zirpa/inspection.h"
 #include "zirpa/memoryMap.h"
+#include "zirpa/nameTable.h"
 
 #include <cstdint>
-#include <functional>
 #include <string>
 #include <string_view>
-#include <unordered_map>
 #include <vector>
 
 namespace lsp {
@@ -114,14 +113,7 @@ class Analysis {
 
     bool is_caseless_ = false;
     std::vector<std::size_t> begins_; // of the lines, and the end of the text
-    // Looked up by texts that are no strings of their own.
-    struct Hash {
-        using is_transparent = void;
-        std::size_t operator()(std::string_view text) const {
-            return std::hash<std::string_view>()(text);
-        }
-    };
-    std::unordered_map<std::string, std::size_t, Hash, std::equal_to<>> indices_;
+    NameTable<std::size_t> indices_;
 };
 
 } // namespace lsp

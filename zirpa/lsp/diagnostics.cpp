@@ -10,7 +10,7 @@ constexpr int kError = 1;
 constexpr int kWarning = 2;
 constexpr int kHint = 4;
 
-Range range_of(const View &view, const SourcePlace &place) {
+Range range_of(const View &view, const door::Place &place) {
     return view.range_of({std::max(place.line, 1), place.line == 0 ? 0 : place.first, place.last});
 }
 
@@ -20,7 +20,7 @@ bool is_unnecessary(const Diagnostic &diagnostic) {
 
 PublishedDiagnostic published(const View &view, const Diagnostic &diagnostic) {
     PublishedDiagnostic result;
-    result.range = range_of(view, diagnostic.place);
+    result.range = range_of(view, diagnostic.place.without_text());
     result.severity = diagnostic.severity == Severity::kError ? kError : kWarning;
     result.code = diagnostic.id;
     result.href = view.chapters.empty() ? "" : view.chapters + "#" + diagnostic.id;
@@ -30,7 +30,8 @@ PublishedDiagnostic published(const View &view, const Diagnostic &diagnostic) {
         result.tags.push_back(DiagnosticTag::kUnnecessary);
     }
     for (const Note &note : diagnostic.notes) {
-        result.related.push_back({{view.uri, range_of(view, note.place)}, note.message});
+        result.related.push_back(
+            {{view.uri, range_of(view, note.place.without_text())}, note.message});
     }
     return result;
 }
@@ -77,7 +78,8 @@ std::vector<PublishedDiagnostic> diagnostics(const View &view) {
 std::vector<CodeAction> quick_fixes(const View &view, const Range &range) {
     std::vector<CodeAction> actions;
     for (const Diagnostic &diagnostic : view.analysis.diagnostics) {
-        if (diagnostic.fixes.empty() || !touches(range_of(view, diagnostic.place), range)) {
+        if (diagnostic.fixes.empty() ||
+            !touches(range_of(view, diagnostic.place.without_text()), range)) {
             continue;
         }
         const PublishedDiagnostic mended = published(view, diagnostic);
