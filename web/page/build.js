@@ -1,0 +1,80 @@
+// Builds the site. Arguments: the top of the project, and the directory for the site.
+"use strict";
+
+const { createHash } = require("crypto");
+const esbuild = require("esbuild-wasm");
+const fs = require("fs");
+const path = require("path");
+
+const [top, site] = process.argv.slice(2).map((argument) => path.resolve(argument));
+const inSite = (name) => path.join(site, name);
+
+// The examples are those of the project.
+const examples = {
+  name: "examples",
+  setup(build) {
+    build.onResolve({ filter: /^examples$/ }, () => ({ path: "examples", namespace: "examples" }));
+    build.onLoad({ filter: /.*/, namespace: "examples" }, () => {
+      const folder = path.join(top, "examples");
+      const names = fs.readdirSync(folder).filter((name) => name.endsWith(".szirpa")).sort();
+      const texts = names.map((name) => [
+        path.parse(name).name, fs.readFileSync(path.join(folder, name), "utf8"),
+      ]);
+      return { contents: JSON.stringify({ examples: Object.fromEntries(texts) }), loader: "json" };
+    });
+  },
+};
+
+const common = {
+  bundle: true, minify: true, format: "esm", target: "es2022", logLevel: "error", charset: "utf8",
+  alias: { hxzirpa: path.join(__dirname, "..", "package", "index.mjs") },
+};
+
+async function bundle() {
+  const { metafile } = await esbuild.build({
+    ...common,
+    entryPoints: {
+      main: path.join(__dirname, "src", "main.ts"),
+      engine: path.join(__dirname, "workers", "engine.ts"),
+      style: path.join(__dirname, "style.css"),
+    },
+    outdir: site,
+    metafile: true,
+    plugins: [examples],
+  });
+  return metafile;
+}
+
+// The worker that keeps the site for days without a network: under another name when any file is another.
+async function keepOffline(files) {
+  const hash = createHash("sha256");
+  files.forEach((name) => hash.update(fs.readFileSync(inSite(name))));
+  await esbuild.build({
+    ...common,
+    entryPoints: [path.join(__dirname, "workers", "offline.ts")],
+    outfile: inSite("offline.js"),
+    define: { FILES: JSON.stringify(files), VERSION: JSON.stringify(hash.digest("hex").slice(0, 16)) },
+  });
+}
+
+async function main() {
+  fs.rmSync(site, { recursive: true, force: true });
+  fs.mkdirSync(site, { recursive: true });
+  const metafile = await bundle();
+  fs.writeFileSync(path.join(__dirname, "bundled.json"), JSON.stringify(metafile));
+  for (const [from, to] of [
+    [path.join(__dirname, "index.html"), "index.html"],
+    [path.join(__dirname, "icon.svg"), "icon.svg"],
+    [path.join(top, "build", "wasm", "hxzirpa.wasm"), "hxzirpa.wasm"],
+    [path.join(top, "LICENSE"), "LICENSE.txt"],
+  ]) {
+    fs.copyFileSync(from, inSite(to));
+    fs.chmodSync(inSite(to), 0o644);
+  }
+  await keepOffline(fs.readdirSync(site).sort());
+}
+
+main().catch((error) => {
+  console.error(error.message);
+  process.exit(1);
+});
