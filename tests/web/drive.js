@@ -1,5 +1,6 @@
 // Carries out the scenarios in a browser, each in a page of its own, and writes what became of them:
-// null, or why it failed. Arguments: the site, and the directory for results and pictures.
+// null, or why it failed. Arguments: the site, the directory for results and pictures, and the name of a
+// scenario where only one is wanted.
 "use strict";
 
 const fs = require("fs");
@@ -8,13 +9,14 @@ const { chromium } = require("playwright-core");
 const { Session } = require("./session");
 const { serve } = require("./serve");
 
-const [site, results] = process.argv.slice(2);
+const [site, results, only] = process.argv.slice(2);
 const BROWSER = { executablePath: "/usr/bin/chromium", args: ["--no-sandbox"] };
 
 const scenarios = fs
   .readdirSync(path.join(__dirname, "scenarios"))
   .sort()
-  .flatMap((name) => Object.entries(require(path.join(__dirname, "scenarios", name))));
+  .flatMap((name) => Object.entries(require(path.join(__dirname, "scenarios", name))))
+  .filter(([name]) => only === undefined || name.includes(only));
 
 async function carryOut(browser, base, scenario) {
   const session = await Session.begin(browser, base, results);

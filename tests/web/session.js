@@ -9,6 +9,7 @@ class Session {
 
   static async begin(browser, base, results, options = {}) {
     const session = new Session();
+    session.browser = browser;
     session.context = await browser.newContext({ viewport: { width: 1200, height: 760 }, ...options });
     session.base = base;
     session.results = results;
@@ -28,8 +29,16 @@ class Session {
     this.said = page.locator("#said");
   }
 
-  end() {
-    return this.context.close();
+  async end() {
+    await this.other?.end();
+    await this.context.close();
+  }
+
+  // Another user, who has another window.
+  async another(options) {
+    this.other = await Session.begin(this.browser, this.base, this.results, options);
+    this.other.complaints = this.complaints;
+    return this.other;
   }
 
   async visit(fragment = "") {
@@ -51,11 +60,31 @@ class Session {
     await this.page.keyboard.insertText(source);
   }
 
-  async text() {
+  // The source as it is kept when the page is left.
+  text() {
     return this.page.evaluate(() => {
-      const kept = JSON.parse(localStorage.getItem("hxzirpa.source"));
-      return kept.source;
+      dispatchEvent(new Event("pagehide"));
+      return JSON.parse(localStorage.getItem("hxzirpa.source")).source;
     });
+  }
+
+  // The number of the line with the cursor.
+  line() {
+    return this.page.locator("#editor .cm-activeLineGutter").textContent();
+  }
+
+  press(...keys) {
+    return keys.reduce((done, key) => done.then(() => this.page.keyboard.press(key)), Promise.resolve());
+  }
+
+  // A file that is dropped onto the page.
+  async drop(name, content) {
+    const transfer = await this.page.evaluateHandle(([fileName, text]) => {
+      const made = new DataTransfer();
+      made.items.add(new File([text], fileName));
+      return made;
+    }, [name, content]);
+    await this.page.dispatchEvent("body", "drop", { dataTransfer: transfer });
   }
 
   async becomes(locator, pattern) {

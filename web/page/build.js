@@ -1,9 +1,11 @@
 // Builds the site. Arguments: the top of the project, and the directory for the site.
 "use strict";
 
+const { execFileSync } = require("child_process");
 const { createHash } = require("crypto");
 const esbuild = require("esbuild-wasm");
 const fs = require("fs");
+const { Marked } = require("marked");
 const path = require("path");
 
 const [top, site] = process.argv.slice(2).map((argument) => path.resolve(argument));
@@ -45,6 +47,28 @@ async function bundle() {
   return metafile;
 }
 
+// The licences of the packages in the bundle.
+function writeNotices(metafile) {
+  const listed = path.join(__dirname, "bundled.json");
+  fs.writeFileSync(listed, JSON.stringify(metafile));
+  const notices = path.join(top, "editors", "vscode", "notices.js");
+  execFileSync(process.execPath, [notices, listed, inSite("NOTICES.txt")], { stdio: "inherit" });
+}
+
+// The chapters of the diagnostics; a link to one ends in its identifier, which is its heading.
+function writeChapters() {
+  const marked = new Marked({
+    renderer: {
+      heading({ tokens, depth, text }) {
+        return `<h${depth} id="${text}">${this.parser.parseInline(tokens)}</h${depth}>\n`;
+      },
+    },
+  });
+  const text = fs.readFileSync(path.join(top, "docs", "diagnostics.md"), "utf8");
+  const frame = fs.readFileSync(path.join(__dirname, "diagnostics.html"), "utf8");
+  fs.writeFileSync(inSite("diagnostics.html"), frame.replace("<main>", () => `<main>\n${marked.parse(text)}`));
+}
+
 // The worker that keeps the site for days without a network: under another name when any file is another.
 async function keepOffline(files) {
   const hash = createHash("sha256");
@@ -60,8 +84,8 @@ async function keepOffline(files) {
 async function main() {
   fs.rmSync(site, { recursive: true, force: true });
   fs.mkdirSync(site, { recursive: true });
-  const metafile = await bundle();
-  fs.writeFileSync(path.join(__dirname, "bundled.json"), JSON.stringify(metafile));
+  writeNotices(await bundle());
+  writeChapters();
   for (const [from, to] of [
     [path.join(__dirname, "index.html"), "index.html"],
     [path.join(__dirname, "icon.svg"), "icon.svg"],

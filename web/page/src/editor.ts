@@ -32,7 +32,7 @@ export function editorOf(text: string, client: Client, say: (text: string) => vo
         lineNumbers(), history(), highlightActiveLine(), highlightActiveLineGutter(),
         highlightSelectionMatches(),
         // Enter ends a line; it takes a completion only when one has been chosen.
-        autocompletion({ override: [completions(client)], selectOnOpen: false, icons: false }),
+        autocompletion({ override: [completions(client)], selectOnOpen: false, interactionDelay: 0, icons: false }),
         hoverTooltip(hover(client), { hoverTime: 250 }),
         language,
         appearance,

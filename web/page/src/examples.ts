@@ -2,7 +2,8 @@
 
 import { examples } from "examples";
 
-export const FIRST = examples.checksum;
+// What a first visit shows: short, and with code at its top.
+export const FIRST = { name: "report", source: examples.report };
 
 export function onExample(use: (name: string, source: string) => void): void {
   const choice = document.getElementById("examples") as HTMLSelectElement;

@@ -9,7 +9,7 @@ let look = "auto";
 function take(found: string | null): void {
   look = found !== null && LOOKS.includes(found) ? found : "auto";
   document.documentElement.dataset.look = look;
-  button.textContent = look[0].toUpperCase() + look.slice(1);
+  button.textContent = `◐ ${look[0].toUpperCase()}${look.slice(1)}`;
   button.setAttribute("aria-label", `Colours: ${look}`);
 }
 

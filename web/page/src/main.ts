@@ -8,6 +8,7 @@ import { Client, type State } from "./client";
 import { editorOf, goToLine, lineOfCursor } from "./editor";
 import { FIRST, onExample } from "./examples";
 import { onFile, type Taken } from "./files";
+import { hintField, showHints } from "./hints";
 import { Listing } from "./listing";
 import { startLook } from "./look";
 import { MemoryMap } from "./map";
@@ -54,7 +55,7 @@ function kept(): Shared {
   try {
     return sharedOf(read("source") ?? "");
   } catch {
-    return { source: FIRST, options: { name: "checksum" } };
+    return { source: FIRST.source, options: { name: FIRST.name } };
   }
 }
 
@@ -150,12 +151,17 @@ async function assemble(): Promise<void> {
   }
 }
 
+function updateHints(): void {
+  showHints(view, client, options().hints).catch(() => undefined); // likewise
+}
+
 // ---- The parts ----
 
 const client: Client = new Client({
   diagnose(diagnostics, version) {
     if (client.isCurrent(version)) {
       problems.take(diagnostics).catch(() => undefined); // an older text's fixes are refused
+      updateHints();
     }
   },
   show: showState,
@@ -184,7 +190,11 @@ const more = [
     if (update.docChanged || update.selectionSet) {
       markLine();
     }
+    if (update.viewportChanged && !update.docChanged && options().hints) {
+      updateHints();
+    }
   }),
+  hintField,
 ];
 
 const first = kept();

@@ -96,9 +96,9 @@ export class MemoryMap {
     const { cells, beyond } = cellsOf(assembly);
     this.cells = cells;
     cells.forEach((_cell, address) => this.draw(address));
-    const counts = (Object.keys(WORDS) as Kind[]).map((kind) => {
+    const counts = (Object.keys(WORDS) as Kind[]).flatMap((kind) => {
       const count = cells.filter((cell) => cell.kind === kind).length;
-      return element("span", { class: kind }, element("b"), `${count} ${WORDS[kind]}`);
+      return count > 0 ? [element("span", { class: kind }, element("b"), `${count} ${WORDS[kind]}`)] : [];
     });
     const more = beyond > 0 ? [element("span", { class: "beyond" }, `${beyond} above FF`)] : [];
     this.legend.replaceChildren(...counts, ...more);
