@@ -77,6 +77,13 @@ class Session {
     return keys.reduce((done, key) => done.then(() => this.page.keyboard.press(key)), Promise.resolve());
   }
 
+  // As on a keyboard, where a tab is a key.
+  async type(text) {
+    for (const piece of text.split(/(?<=\t)|(?=\t)/)) {
+      await (piece === "\t" ? this.press("Tab") : this.page.keyboard.type(piece));
+    }
+  }
+
   // A file that is dropped onto the page.
   async drop(name, content) {
     const transfer = await this.page.evaluateHandle(([fileName, text]) => {
@@ -89,6 +96,17 @@ class Session {
 
   async becomes(locator, pattern) {
     await locator.filter({ hasText: pattern }).first().waitFor();
+  }
+
+  // The browser's own way to wait for a condition evaluates strings, which the page's policy forbids.
+  async until(condition, argument) {
+    const end = Date.now() + 10000;
+    while (!(await this.page.evaluate(condition, argument))) {
+      if (Date.now() > end) {
+        throw new Error(`waited in vain for ${condition}`);
+      }
+      await this.page.waitForTimeout(5);
+    }
   }
 
   pane(name) {

@@ -1,7 +1,7 @@
 // The editor of the source.
 
 import { autocompletion, completionKeymap } from "@codemirror/autocomplete";
-import { defaultKeymap, history, historyKeymap } from "@codemirror/commands";
+import { defaultKeymap, history, historyKeymap, insertNewline } from "@codemirror/commands";
 import { lintKeymap } from "@codemirror/lint";
 import { highlightSelectionMatches, searchKeymap } from "@codemirror/search";
 import { EditorState, type Extension } from "@codemirror/state";
@@ -13,7 +13,7 @@ import type { Client } from "./client";
 import { language } from "./language";
 import { appearance, shadowOf } from "./theme";
 
-export const TAB_HINT = "Tab goes to the next column; Escape, then Tab, leaves the editor.";
+const TAB_HINT = "Tab goes to the next column; Escape, then Tab, leaves the editor.";
 
 export function editorOf(text: string, client: Client, say: (text: string) => void,
                          more: Extension): EditorView {
@@ -27,18 +27,23 @@ export function editorOf(text: string, client: Client, say: (text: string) => vo
         more,
         keymap.of([
           ...commands(client, say), ...completionKeymap, ...searchKeymap, ...historyKeymap, ...lintKeymap,
+          // A line begins with its label, so what the line above begins with does not matter.
+          { key: "Enter", run: insertNewline },
           ...defaultKeymap,
         ]),
         lineNumbers(), history(), highlightActiveLine(), highlightActiveLineGutter(),
         highlightSelectionMatches(),
         // Enter ends a line; it takes a completion only when one has been chosen.
-        autocompletion({ override: [completions(client)], selectOnOpen: false, interactionDelay: 0, icons: false }),
+        autocompletion({
+          override: [completions(client)], selectOnOpen: false, interactionDelay: 0, icons: false,
+        }),
         hoverTooltip(hover(client), { hoverTime: 250 }),
         language,
         appearance,
         EditorState.tabSize.of(8),
         EditorView.contentAttributes.of({
-          "aria-label": "Source", "aria-description": TAB_HINT, autocapitalize: "off", spellcheck: "false",
+          "aria-label": "Source", "aria-description": TAB_HINT, tabindex: "0", autocapitalize: "off",
+          spellcheck: "false",
         }),
       ],
     }),

@@ -114,8 +114,9 @@ export class Problems {
   private item({ diagnostic, fixes }: Problem): HTMLElement {
     const severity = SEVERITIES[diagnostic.severity];
     const { line, character } = diagnostic.range.start;
-    const place = element("button", { type: "button", class: "place" }, `${line + 1}:${character + 1}`);
-    place.setAttribute("aria-label", `Line ${line + 1}, column ${character + 1}`);
+    const short = `${line + 1}:${character + 1}`;
+    const place = element("button", { type: "button", class: "place" }, short);
+    place.setAttribute("aria-label", `${short}, line ${line + 1}, column ${character + 1}`);
     place.addEventListener("click", () => this.goTo(diagnostic));
     const buttons = fixes.map((fix) => {
       const button = element("button", { type: "button", class: "fix" }, fix.title);

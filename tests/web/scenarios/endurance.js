@@ -1,0 +1,55 @@
+// What would take too long, and what happens without a network.
+"use strict";
+
+const assert = require("node:assert/strict");
+const { SUM } = require("../sources");
+
+// Each line reserves a mebibyte, the most that is reserved at once.
+const ENDLESS = `        ORG     0\n${"        RMB     1048576\n".repeat(20000)}`;
+
+exports["the page answers while the assembler works, and stops it"] = async (session) => {
+  const { page } = session;
+  await session.visitWith(SUM);
+  await session.drop("endless.szirpa", ENDLESS);
+  const stop = page.getByRole("button", { name: "Stop" });
+  await stop.waitFor();
+  await session.picture("busy");
+  await session.pane("Options");
+  assert.ok(await page.getByLabel("Name of the source").isVisible());
+  await stop.click();
+  await session.becomes(session.status, /^Stopped/);
+  await session.write(SUM);
+  await session.becomes(session.status, /^No errors · 17 bytes$/);
+};
+
+exports["a block without end is reported at once"] = async (session) => {
+  await session.visitWith("        ORG     0\n        RMB     2000000000\n");
+  await session.becomes(session.status, /^1 error/);
+  await session.write(SUM);
+  await session.becomes(session.status, /^No errors · 17 bytes$/);
+};
+
+exports["the page opens without a network"] = async (session) => {
+  const { page, context } = session;
+  await session.visit();
+  await page.evaluate(() => navigator.serviceWorker.ready);
+  await session.until(() => navigator.serviceWorker.controller !== null);
+  await context.setOffline(true);
+  await session.visitWith(SUM);
+  await session.becomes(session.status, /^No errors · 17 bytes$/);
+  await page.goto(`${session.base}diagnostics.html`);
+  assert.ok(await page.locator("h2#bad-label").isVisible());
+};
+
+exports["nothing but files of the site is asked for, and no cookie is left"] = async (session) => {
+  const asked = [];
+  session.context.on("request", (request) => asked.push(request.url()));
+  await session.visitWith(SUM);
+  await session.becomes(session.status, /^No errors · 17 bytes$/);
+  await session.page.evaluate(() => navigator.serviceWorker.ready);
+  assert.ok(asked.length > 3);
+  assert.deepEqual(asked.filter((address) => !address.startsWith(session.base)), []);
+  assert.deepEqual(await session.context.cookies(), []);
+  await session.text();
+  assert.deepEqual(await session.page.evaluate(() => Object.keys(localStorage)), ["hxzirpa.source"]);
+};
