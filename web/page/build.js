@@ -47,12 +47,19 @@ async function bundle() {
   return metafile;
 }
 
-// The licences of the packages in the bundle.
+// What the module is made of besides the project: libraries of Debian's packages.
+const LIBRARIES = ["nlohmann-json3-dev", "emscripten"];
+
+// The licences of the packages in the bundle, and of the libraries in the module.
 function writeNotices(metafile) {
   const listed = path.join(__dirname, "bundled.json");
   fs.writeFileSync(listed, JSON.stringify(metafile));
   const notices = path.join(top, "editors", "vscode", "notices.js");
   execFileSync(process.execPath, [notices, listed, inSite("NOTICES.txt")], { stdio: "inherit" });
+  for (const name of LIBRARIES) {
+    const text = fs.readFileSync(`/usr/share/doc/${name}/copyright`, "utf8");
+    fs.appendFileSync(inSite("NOTICES.txt"), `\n${"-".repeat(72)}\n\n${name}, in hxzirpa.wasm\n\n${text}`);
+  }
 }
 
 // The chapters of the diagnostics; a link to one ends in its identifier, which is its heading.
@@ -82,7 +89,6 @@ async function keepOffline(files) {
 }
 
 async function main() {
-  fs.rmSync(site, { recursive: true, force: true });
   fs.mkdirSync(site, { recursive: true });
   writeNotices(await bundle());
   writeChapters();

@@ -11,6 +11,7 @@ function fragment(text) {
 
 async function link(session) {
   await session.page.getByRole("button", { name: "Share" }).click();
+  await session.page.locator("#link[open]").waitFor();
   return session.page.getByLabel("Link", { exact: true }).inputValue();
 }
 

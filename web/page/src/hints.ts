@@ -19,7 +19,7 @@ class Label extends WidgetType {
   }
   toDOM(): HTMLElement {
     const dom = document.createElement("span");
-    dom.className = "cm-hint";
+    dom.className = this.text.startsWith("=") ? "cm-hint" : "cm-hint cm-bytes";
     dom.textContent = this.text;
     return dom;
   }

@@ -31,7 +31,8 @@ function say(text: string): void {
 }
 
 function count(number: number, word: string): string {
-  return `${number === 0 ? "No" : number} ${word}${number === 1 ? "" : "s"}`;
+  const figure = number === 0 ? "No" : number.toLocaleString("en");
+  return `${figure} ${word}${number === 1 ? "" : "s"}`;
 }
 
 function summary({ errors, warnings, lines }: Assembly): string {

@@ -128,7 +128,7 @@ export class Problems {
       ...(diagnostic.relatedInformation ?? []).map((note) =>
         element("span", { class: "note" }, `${note.message} (line ${note.location.range.start.line + 1})`),
       ),
-      ...buttons,
+      " ", ...buttons,
     );
   }
 
