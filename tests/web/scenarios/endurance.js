@@ -22,6 +22,20 @@ exports["the page answers while the assembler works, and stops it"] = async (ses
   await session.becomes(session.status, /^No errors · 17 bytes$/);
 };
 
+exports["what takes too long is stopped"] = async (session) => {
+  await session.page.clock.install();
+  await session.visitWith(SUM);
+  await session.drop("endless.szirpa", ENDLESS);
+  await session.becomes(session.said, /is here/);
+  await session.page.getByRole("button", { name: "Stop" }).waitFor();
+  // An answer in between is a sign of life, from which on the time counts anew.
+  for (let turn = 0; turn < 5; ++turn) {
+    await session.page.clock.fastForward(20_000);
+    await session.page.waitForTimeout(200);
+  }
+  await session.becomes(session.status, /^Stopped: it has taken longer than 20 seconds/);
+};
+
 exports["a block without end is reported at once"] = async (session) => {
   await session.visitWith("        ORG     0\n        RMB     2000000000\n");
   await session.becomes(session.status, /^1 error/);

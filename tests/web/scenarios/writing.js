@@ -79,9 +79,8 @@ exports["a name leads to its definition"] = async (session) => {
   await session.visitWith(SUM);
   await session.source.locator(".cm-line", { hasText: "CMPX" }).getByText("TABLE").first().click();
   await session.press("F12");
-  await session.until(
-    () => document.getElementById("editor").shadowRoot.querySelector(".cm-activeLineGutter").textContent === "10",
-  );
+  await session.until(() =>
+    document.getElementById("editor").shadowRoot.querySelector(".cm-activeLineGutter").textContent === "10");
 };
 
 exports["fields are put in columns"] = async (session) => {

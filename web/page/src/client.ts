@@ -2,6 +2,7 @@
 // worker that takes too long.
 
 import type { ContentChange, ServerDiagnostic } from "./protocol";
+import { scriptAt } from "./scripts";
 import type { Calls, Order, Report } from "./messages";
 
 export const SOURCE_URI = "file:///source.szirpa";
@@ -42,7 +43,7 @@ export class Client {
   // ---- The worker's life ----
 
   start(): void {
-    this.worker = new Worker(new URL("engine.js", document.baseURI), { type: "module" });
+    this.worker = new Worker(scriptAt("engine.js"), { type: "module" });
     this.worker.onmessage = ({ data }: MessageEvent<Report>) => this.take(data);
     this.worker.onerror = (event) => this.stop(event.message || "The assembler can't be loaded.");
     const capabilities = { textDocument: { publishDiagnostics: { versionSupport: true } } };

@@ -117,14 +117,15 @@ export class Rows {
 // ---- The pane ----
 
 // What two texts have in common at their ends stays, and with it what is drawn and where it is scrolled to.
-export function replacement(before: string, after: string) {
+function replacement(before: string, after: string) {
   const most = Math.min(before.length, after.length);
   let from = 0;
   while (from < most && before.charCodeAt(from) === after.charCodeAt(from)) {
     ++from;
   }
   let end = 0;
-  while (end < most - from && before.charCodeAt(before.length - 1 - end) === after.charCodeAt(after.length - 1 - end)) {
+  const isSame = () => before.at(-1 - end) === after.at(-1 - end);
+  while (end < most - from && isSame()) {
     ++end;
   }
   return { from, to: before.length - end, insert: after.slice(from, after.length - end) };

@@ -19,6 +19,7 @@ import { Problems } from "./problems";
 import { contentChanges } from "./protocol";
 import { bindScrolling } from "./scrolling";
 import { fragmentOf, sharedIn, sharedOf, type Shared } from "./share";
+import { scriptAt } from "./scripts";
 import { read, write } from "./storage";
 import { onPane, paneShown, showPane, showSource, startTabs } from "./tabs";
 
@@ -124,7 +125,7 @@ function draw(): void {
   } else if (pane === "names") {
     names.show(assembly);
   } else if (pane === "files") {
-    outputs.show(outputsOf(assembly));
+    outputs.show(outputsOf(assembly), assembly.errors > 0);
   }
   markLine();
 }
@@ -301,4 +302,5 @@ client.start();
 byId("title").textContent = `${options().name}.szirpa`;
 void assemble();
 void takeLink();
-navigator.serviceWorker?.register("offline.js").catch(() => undefined); // not every address may have one
+// Not every address may have one.
+navigator.serviceWorker?.register(scriptAt("offline.js")).catch(() => undefined);

@@ -12,7 +12,7 @@ export interface Kept {
 
 const TITLES: Record<string, string> = {
   records: "S-records", listing: "Listing", array: "C array", script: "Simulator script",
-  source: "Source", map: "Memory map",
+  source: "Source",
 };
 
 function save({ name, bytes }: Kept): void {
@@ -35,7 +35,8 @@ class Row {
     button.setAttribute("aria-label", `Download: ${title}`);
     button.addEventListener("click", () => save(this.kept));
     this.text.setAttribute("aria-label", title);
-    this.shown.append(element("summary", {}, element("strong", {}, title), " ", this.name, " ", this.size), this.text);
+    const summary = element("summary", {}, element("strong", {}, title), " ", this.name, " ", this.size);
+    this.shown.append(summary, this.text);
     this.shown.addEventListener("toggle", () => this.fill());
     this.item.append(this.shown, button);
   }
@@ -58,16 +59,20 @@ class Row {
 export class Outputs {
   private readonly list = document.getElementById("outputs")!;
   private readonly rows = new Map<string, Row>();
+  private readonly note = element("li", { class: "note" }, "After errors the listing is the only output.");
 
-  show(all: Kept[]): void {
+  show(all: Kept[], hasErrors: boolean): void {
     const items = all.map((kept) => {
       const row = this.rows.get(kept.kind) ?? new Row(kept.kind);
       this.rows.set(kept.kind, row);
       row.show(kept);
       return row.item;
     });
-    if (items.some((item, index) => this.list.children[index] !== item) || this.list.children.length !== items.length) {
-      this.list.replaceChildren(...items);
+    // An element that stays where it is keeps the focus.
+    const wanted = hasErrors ? [...items, this.note] : items;
+    const there = [...this.list.children];
+    if (there.length !== wanted.length || there.some((item, index) => item !== wanted[index])) {
+      this.list.replaceChildren(...wanted);
     }
   }
 }
