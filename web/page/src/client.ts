@@ -26,9 +26,6 @@ interface Waiting {
   reject(reason: Error): void;
 }
 
-// What is asked of a text that is no longer there has no answer.
-export class NoAnswer extends Error {}
-
 export class Client {
   private worker: Worker | undefined;
   private readonly requests = new Map<number, Waiting>();
@@ -67,7 +64,7 @@ export class Client {
     clearTimeout(this.timer);
     this.timer = undefined;
     for (const waiting of [this.requests, this.calls]) {
-      waiting.forEach((each) => each.reject(new NoAnswer(reason)));
+      waiting.forEach((each) => each.reject(new Error(reason)));
       waiting.clear();
     }
     this.owner.show("stopped", reason);
@@ -138,7 +135,7 @@ export class Client {
     all.delete(id);
     const refusal = answer.error?.message ?? answer.refused;
     if (refusal !== undefined) {
-      waiting?.reject(new NoAnswer(refusal));
+      waiting?.reject(new Error(refusal));
     } else {
       waiting?.resolve(answer.result);
     }
@@ -150,7 +147,7 @@ export class Client {
         all.set(id, { resolve, reject });
         this.watch();
       } else {
-        reject(new NoAnswer("stopped"));
+        reject(new Error("stopped"));
       }
     });
   }

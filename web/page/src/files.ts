@@ -8,7 +8,7 @@ export interface Taken {
   isProgram: boolean;
 }
 
-export const MOST_BYTES = 1 << 20;
+const MOST_BYTES = 1 << 20;
 const PROGRAM = /\.(s19|s28|s37|srec?|mot|hex|fmem|bin|c)$/i;
 
 async function take(file: File): Promise<Taken> {

@@ -38,6 +38,9 @@ export const hintField = StateField.define<DecorationSet>({
 
 export async function showHints(view: EditorView, client: Client, areWanted: boolean): Promise<void> {
   const { state } = view;
+  if (!areWanted && state.field(hintField).size === 0) {
+    return;
+  }
   const { from, to } = view.viewport;
   const range = { start: positionOf(state.doc, from), end: positionOf(state.doc, to) };
   const hints = areWanted ? await client.ask<Hint[]>("inlayHint", { range }) : [];

@@ -42,13 +42,13 @@ function summary({ errors, warnings, lines }: Assembly): string {
   return `${count(errors, "error")}${warned} · ${count(size, "byte")}`;
 }
 
+// What the last run has come to.
+let result = "";
+
 function showState(state: State, reason: string): void {
   byId("stop").hidden = state !== "busy";
-  if (state === "busy") {
-    byId("status").textContent = "Assembling…";
-  } else if (state === "stopped") {
-    byId("status").textContent = reason;
-  }
+  byId("status").textContent =
+    state === "busy" ? "Assembling…" : state === "stopped" ? reason : result;
 }
 
 // ---- The source ----
@@ -144,12 +144,17 @@ async function assemble(): Promise<void> {
     isAssembling = true;
     try {
       latest = await client.call("assemble", view.state.doc.toString(), assemblyOptions());
-      byId("status").textContent = summary(latest);
+      result = summary(latest);
       draw();
     } catch (error) {
-      byId("status").textContent = (error as Error).message;
+      result = (error as Error).message;
     }
+    // What has been stopped is not begun again before there is another text.
+    isDue &&= client.isRunning;
     isAssembling = false;
+    if (client.isRunning) {
+      byId("status").textContent = result;
+    }
   }
 }
 
@@ -242,6 +247,9 @@ async function takeFile(given: Promise<Taken>): Promise<void> {
 }
 
 async function sourceOf(program: Uint8Array): Promise<string> {
+  if (!client.isRunning) {
+    client.start();
+  }
   const { source, faults } = await client.call("disassemble", program, {});
   if (source === undefined) {
     const { line, message } = faults[0];

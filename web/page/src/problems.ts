@@ -36,14 +36,12 @@ export class Problems {
   constructor(private readonly view: EditorView, private readonly client: Client,
               private readonly say: (text: string) => void) {}
 
+  // Problems and fixes are shown together: a list that changes twice after each key is hard to read.
   async take(diagnostics: ServerDiagnostic[]): Promise<void> {
-    this.show(diagnostics.map((diagnostic) => ({ diagnostic, fixes: [] })));
-    if (diagnostics.length > 0) {
-      const actions = await this.fixes();
-      this.show(diagnostics.map((diagnostic) => ({
-        diagnostic, fixes: actions.get(keyOf(diagnostic)) ?? [],
-      })));
-    }
+    const fixes = diagnostics.length > 0 ? await this.fixes() : new Map<string, CodeAction[]>();
+    this.show(diagnostics.map((diagnostic) => ({
+      diagnostic, fixes: fixes.get(keyOf(diagnostic)) ?? [],
+    })));
   }
 
   private async fixes(): Promise<Map<string, CodeAction[]>> {

@@ -6,7 +6,9 @@ export interface Shared {
 }
 
 // A small link may hold a text that fills the memory.
-export const MOST_BYTES = 1 << 20;
+const MOST_BYTES = 1 << 20;
+
+const TOO_LARGE = "the source is too large for a link";
 
 async function through(bytes: Uint8Array, stream: CompressionStream | DecompressionStream, most: number) {
   const reader = new Blob([bytes]).stream().pipeThrough(stream).getReader();
@@ -16,7 +18,7 @@ async function through(bytes: Uint8Array, stream: CompressionStream | Decompress
     size += next.value.length;
     if (size > most) {
       await reader.cancel();
-      throw new Error("the source is too large for a link");
+      throw new Error(TOO_LARGE);
     }
     parts.push(next.value);
   }
@@ -34,6 +36,9 @@ function bytesOf(text: string): Uint8Array {
 
 export async function fragmentOf(shared: Shared): Promise<string> {
   const bytes = new TextEncoder().encode(JSON.stringify(shared));
+  if (bytes.length > MOST_BYTES) {
+    throw new Error(TOO_LARGE);
+  }
   return `#${base64(await through(bytes, new CompressionStream("deflate-raw"), MOST_BYTES))}`;
 }
 
