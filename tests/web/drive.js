@@ -25,7 +25,7 @@ function scenariosOf(names) {
 }
 
 async function carryOut(browser, base, scenario) {
-  const session = await Session.begin(browser, base, results);
+  const session = await Session.begin(browser, site, base, results);
   try {
     await scenario(session);
     return session.complaints.length > 0 ? session.complaints.join("\n") : null;

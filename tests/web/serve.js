@@ -24,6 +24,9 @@ exports.serve = async function (site, base) {
   await new Promise((done) => server.listen(0, "127.0.0.1", done));
   return {
     address: `http://127.0.0.1:${server.address().port}${base}`,
-    close: () => server.close(),
+    close: () => {
+      server.close();
+      server.closeAllConnections();
+    },
   };
 };

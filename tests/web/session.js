@@ -7,9 +7,10 @@ class Session {
   // Errors of the page and what its policy forbids fail a scenario.
   complaints = [];
 
-  static async begin(browser, base, results, options = {}) {
+  static async begin(browser, site, base, results, options = {}) {
     const session = new Session();
     session.browser = browser;
+    session.site = site;
     session.context = await browser.newContext({ viewport: { width: 1200, height: 760 }, ...options });
     session.base = base;
     session.results = results;
@@ -36,7 +37,7 @@ class Session {
 
   // Another user, who has another window.
   async another(options) {
-    this.other = await Session.begin(this.browser, this.base, this.results, options);
+    this.other = await Session.begin(this.browser, this.site, this.base, this.results, options);
     this.other.complaints = this.complaints;
     return this.other;
   }

@@ -76,6 +76,15 @@ def test_everything_is_kept_for_use_without_a_network(seen):
         assert path.name == "offline.js" or f'"{path.name}"' in worker, path.name
 
 
+def test_the_policy_allows_nothing_unsafe_but_webassembly(seen):
+    del seen
+    for path in SITE.glob("*.html"):
+        (policy,) = re.findall(r'Content-Security-Policy" content="([^"]*)"', path.read_text())
+        assert policy.startswith("default-src 'none'; "), path.name
+        assert "unsafe" not in policy.replace("'wasm-unsafe-eval'", ""), path.name
+        assert "http" not in policy and "*" not in policy and "data:" not in policy, path.name
+
+
 def test_licences_of_all_packages_are_listed(seen):
     del seen
     notices = (SITE / "NOTICES.txt").read_text()
