@@ -101,7 +101,10 @@ async function main() {
     fs.copyFileSync(from, inSite(to));
     fs.chmodSync(inSite(to), 0o644);
   }
-  await keepOffline(fs.readdirSync(site).sort());
+  const all = fs.readdirSync(site, { withFileTypes: true });
+  // The npm package may lie there, too, which the page does not need.
+  const own = all.filter((each) => each.isFile() && path.extname(each.name) !== ".tgz");
+  await keepOffline(own.map(({ name }) => name).sort());
 }
 
 main().catch((error) => {

@@ -11,7 +11,7 @@ import re
 import shutil
 
 import pytest
-from running import VERSION, need, need_npm_registry, printed_by
+from running import need, need_npm_registry, printed_by
 
 HERE = pathlib.Path(__file__).parent
 ROOT = HERE.parents[1]
@@ -102,8 +102,3 @@ def test_packages_are_exact_and_name_no_registry(directory):
         assert lock[f"node_modules/{name}"]["version"] == version
     for name, entry in lock.items():
         assert "resolved" not in entry, name
-
-
-def test_the_page_has_the_version_of_the_program():
-    version = json.loads((PAGE / "package.json").read_text())["version"]
-    assert version == f"{VERSION}.0"
