@@ -1,8 +1,10 @@
 #!/usr/bin/env node
 // The program under node. Its calls of the system are carried out as they are, without a file system
 // of its own in between; names and arguments are bytes.
+//
+// The module of node's that is called process is not imported: that would open its streams, which
+// keep descriptors from waiting for whoever reads them.
 import fs from "node:fs";
-import process from "node:process";
 import { isatty } from "node:tty";
 
 // Failures that the program tells apart, as its C library numbers them.
