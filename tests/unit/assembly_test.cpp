@@ -23,7 +23,8 @@ std::string output(const std::string &kind, const std::string &source,
                    const std::string &options = "{}") {
     const web::Answer answer = web::assemble(options, source);
     std::size_t begin = 0;
-    for (const Json &each : Json::parse(answer.json)["outputs"]) {
+    const Json told = Json::parse(answer.json);
+    for (const Json &each : told["outputs"]) {
         const auto size = each["size"].get<std::size_t>();
         if (each["kind"] == kind) {
             return answer.bytes.substr(begin, size);
@@ -50,24 +51,26 @@ TEST(Assembly, LinesBelowTheEndAreNotTold) {
 
 TEST(Assembly, SymbolsHavePlacesAndUses) {
     const Json symbols =
-        assembled("A EQU 5\n LDX #A\n##ifdef D\n##endif\n", R"({"define":["D"]})")["symbols"];
+        assembled("N EQU 5\n LDX #N\n#ifdef FAST\n#endif\n", R"({"define":["FAST"]})")["symbols"];
     EXPECT_EQ(symbols[0], Json::parse(
-                              R"({"name":"D","kind":"option","value":0,
-                                  "uses":[{"kind":"test","line":3,"column":9,"endColumn":10}]})"));
+                              R"({"name":"FAST","kind":"option","value":0,
+                                  "uses":[{"kind":"test","line":3,"column":8,"endColumn":12}]})"));
     EXPECT_EQ(symbols[1], Json::parse(
-                              R"({"name":"A","kind":"constant","value":5,
+                              R"({"name":"N","kind":"constant","value":5,
                                   "line":1,"column":1,"endColumn":2,
                                   "uses":[{"kind":"value","line":2,"column":7,"endColumn":8}]})"));
     EXPECT_EQ(symbols.size(), 2U);
 }
 
 TEST(Assembly, ColumnsCountCharacters) {
-    const Json symbols = assembled("A FCS \"\xC3\xA4\"\n FCB '\xC3\xA4',A\n")["symbols"];
-    EXPECT_EQ(symbols[0]["uses"][0]["column"], 10);
+    const Json told = assembled(" ORG 0\n FCS \"\xC3\xA4\"\n");
+    ASSERT_EQ(told["diagnostics"].size(), 1U);
+    EXPECT_EQ(told["diagnostics"][0]["column"], 7);
+    EXPECT_EQ(told["diagnostics"][0]["endColumn"], 8);
 }
 
 TEST(Assembly, NamesThatAreNotDefinedAreNoSymbols) {
-    EXPECT_TRUE(assembled(" LDX #A\n")["symbols"].empty());
+    EXPECT_TRUE(assembled(" LDX #N\n")["symbols"].empty());
 }
 
 TEST(Assembly, DiagnosticsHaveFixes) {
@@ -96,7 +99,7 @@ TEST(Assembly, AFixThatAddsALineReplacesNothing) {
 
 TEST(Assembly, OutputsAreThoseAskedFor) {
     const std::string source = " ORG $10\n LDX #5\n";
-    EXPECT_EQ(output("records", source), "S1050010900555\r\nS9030010EC\r\n");
+    EXPECT_EQ(output("records", source), "S1050010900555\nS9030010EC\n");
     EXPECT_EQ(output("listing", source), "there is none");
     EXPECT_NE(output("listing", source, R"({"listing":true})").find("10 90 05"), std::string::npos);
     EXPECT_NE(output("script", source).find("#setMemory  11=05"), std::string::npos);
@@ -121,14 +124,14 @@ TEST(Assembly, AFailureLeavesTheListing) {
 }
 
 TEST(Assembly, TheSymbolTableIsAsItIsPrinted) {
-    EXPECT_NE(
-        assembled("A EQU 5\n", R"({"symbols":true})")["symbolTable"].get<std::string>().find("A"),
-        std::string::npos);
-    EXPECT_EQ(assembled("A EQU 5\n")["symbolTable"], "");
+    EXPECT_NE(assembled("N EQU 5\n", R"({"symbols":true})")["symbolTable"].get<std::string>().find(
+                  "0005\tN"),
+              std::string::npos);
+    EXPECT_EQ(assembled("N EQU 5\n")["symbolTable"], "");
 }
 
 TEST(Assembly, SourcesAreAnyBytes) {
-    const Json told = assembled(std::string(" ORG 0\n FCB '\xFF'\n \xFE\n\0", 26));
+    const Json told = assembled(std::string(" ORG 0\n FCS \"\xFF\"\n \xFE\n") + '\0');
     EXPECT_EQ(told["lines"][1]["bytes"], Json::parse("[255]"));
     EXPECT_EQ(told["status"], 1);
 }
@@ -141,7 +144,7 @@ TEST(Assembly, NoLineReservesWithoutBound) {
 TEST(Assembly, SettingsOfAProjectAreOptions) {
     EXPECT_EQ(assembled(" CLRA\n", R"({"allow":["bytes-before-org"]})")["warnings"], 0);
     EXPECT_EQ(assembled(" CLRA\n", R"({"strict":true})")["status"], 1);
-    EXPECT_EQ(assembled("a EQU 1\n FCB A\n", R"({"compatibility":["nocase"]})")["errors"], 0);
+    EXPECT_EQ(assembled("n EQU 1\n FCB N\n", R"({"compatibility":["nocase"]})")["errors"], 0);
 }
 
 TEST(Assembly, WrongOptionsAreRefused) {

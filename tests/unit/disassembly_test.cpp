@@ -10,7 +10,7 @@ namespace {
 
 using Json = nlohmann::json;
 
-constexpr const char *kRecords = "S1050010900555\r\nS9030010EC\r\n";
+constexpr const char *kRecords = "S1050010900555\nS9030010EC\n";
 
 Json disassembled(const std::string &content, const std::string &options = "{}") {
     return Json::parse(web::disassemble(options, content).json);
@@ -45,14 +45,14 @@ TEST(Disassembly, PlainBytesHaveABase) {
 
 TEST(Disassembly, AFormatThatIsNamedCounts) {
     EXPECT_TRUE(has(source_of("S1", R"({"format":"image","data":["0-1"],"bytes":true})"), "53 31"));
-    EXPECT_FALSE(disassembled(kRecords, R"({"format":"script"})")["faults"].empty());
+    EXPECT_FALSE(disassembled(kRecords, R"({"format":"array"})")["faults"].empty());
 }
 
 TEST(Disassembly, HintsCount) {
     EXPECT_TRUE(has(source_of(kRecords, R"({"label":["here=$10"]})"), "here"));
     EXPECT_TRUE(has(source_of(kRecords, R"({"hints":"label there=$10\n"})"), "there"));
     EXPECT_TRUE(has(source_of(kRecords, R"({"data":["$10-$11"]})"), "FCB"));
-    EXPECT_TRUE(has(source_of("\x05\x90\x05", R"({"base":0,"data":["0-2"],"code":[1]})"), "LDX"));
+    EXPECT_TRUE(has(source_of("\x05\x90\x05", R"({"base":0,"data":["0-0"],"code":[1]})"), "LDX"));
 }
 
 TEST(Disassembly, FaultsHaveTheirPlaces) {
