@@ -186,8 +186,10 @@ bool Comparer::leads_to_the_same(const Item &one, const Item &other) const {
 // What is new or gone at a place leaves it the place: a label stays before what is put in after it.
 bool Comparer::is_same_place(std::uint32_t one, std::uint32_t other) const {
     const auto is_kept = [](std::uint32_t address) { return address < kAddresses; };
-    const auto kept = std::find_if(moved_to_.begin() + one, moved_to_.end(), is_kept);
-    const auto matched = std::find(is_matched_.begin() + other, is_matched_.end(), 1);
+    const auto kept = std::find_if(std::next(moved_to_.begin(), static_cast<std::ptrdiff_t>(one)),
+                                   moved_to_.end(), is_kept);
+    const auto matched = std::find(
+        std::next(is_matched_.begin(), static_cast<std::ptrdiff_t>(other)), is_matched_.end(), 1);
     if (kept == moved_to_.end() || matched == is_matched_.end()) {
         return kept == moved_to_.end() && matched == is_matched_.end();
     }

@@ -71,6 +71,12 @@ std::string address_text(std::uint32_t address) { return "$" + hex_address(addre
 
 std::string_view word_of(HintKind kind) { return kWords[static_cast<std::size_t>(kind)]; }
 
+void Hints::add(const Hints &other) {
+    code.insert(code.end(), other.code.begin(), other.code.end());
+    ranges.insert(ranges.end(), other.ranges.begin(), other.ranges.end());
+    names.insert(names.begin(), other.names.begin(), other.names.end());
+}
+
 std::string add_hint(HintKind kind, std::string_view operand, Hints &hints) {
     if (kind == HintKind::kLabel) {
         return add_name(operand, hints);

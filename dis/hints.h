@@ -37,6 +37,9 @@ struct Hints {
     std::vector<std::uint32_t> code;
     std::vector<Range> ranges;
     std::vector<Name> names;
+
+    // What the other says counts where both name an address.
+    void add(const Hints &other);
 };
 
 // Adds a hint; what its operand lacks otherwise.

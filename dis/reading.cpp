@@ -85,4 +85,11 @@ Reading read(std::string_view content, InputFormat format, std::uint32_t base) {
     return reading;
 }
 
+Reading read_program(std::string_view content, std::optional<InputFormat> format,
+                     std::optional<std::uint32_t> base) {
+    const InputFormat looks = format_of(content);
+    const bool is_image = base && looks != InputFormat::kArray;
+    return read(content, format.value_or(is_image ? InputFormat::kImage : looks), base.value_or(0));
+}
+
 } // namespace dis

@@ -7,6 +7,7 @@
 #include "dis/program.h"
 
 #include <cstdint>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -24,6 +25,11 @@ InputFormat format_of(std::string_view content);
 
 // The base is the address of the first byte where the format has no addresses.
 Reading read(std::string_view content, InputFormat format, std::uint32_t base);
+
+// The same where neither may be known. A base says that there are bytes without addresses: those of
+// an array if it looks like one.
+Reading read_program(std::string_view content, std::optional<InputFormat> format,
+                     std::optional<std::uint32_t> base);
 
 // ---- Each format ----
 

@@ -189,7 +189,9 @@ constexpr unsigned kFirstIndexBits = 9;
 std::vector<RecordNumber> symbol_index;
 unsigned index_shift = 0; // from a hash to a place, in bits
 
-std::size_t first_place(std::uint64_t hash) { return hash >> index_shift; }
+std::size_t first_place(std::uint64_t hash) {
+    return static_cast<std::size_t>(hash >> index_shift);
+}
 
 std::size_t next_place(std::size_t place) { return (place + 1) & (symbol_index.size() - 1); }
 

@@ -24,7 +24,7 @@ import running
 
 SHOWN_DIRECTORY = "/home/me/zirpa"
 ASSEMBLY_LANGUAGES = ("szirpa", "asm")
-SOURCE_LANGUAGES = (*ASSEMBLY_LANGUAGES, "c", "cmake", "json", "make")
+SOURCE_LANGUAGES = (*ASSEMBLY_LANGUAGES, "c", "cmake", "js", "json", "make")
 
 # Commands that cannot be carried out within a test, and why. No output may be shown for them.
 NOT_RUN = {
@@ -34,6 +34,7 @@ NOT_RUN = {
     "apt-get": "changes the system",
     "code": "needs an editor with a window",
     "git": "needs the network",
+    "npm": "needs the network",
     "cmake": "builds the project itself; the tests of the CMake module and the package do that",
 }
 

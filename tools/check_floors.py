@@ -19,7 +19,8 @@ import sys
 
 TOP = pathlib.Path(__file__).resolve().parent.parent
 FLOORS = TOP / "tools" / "floors.txt"
-FOLDERS = ["as", "target", "expr", "symtab", "util", "door", "dis", "zirpa", "zirpa/lsp"]
+FOLDERS = ["as", "target", "expr", "symtab", "util", "door", "dis", "zirpa", "zirpa/lsp",
+           "web"]
 INCLUDE = re.compile(r'^#include "((?:%s)/\w+)\.h"' % "|".join(FOLDERS), re.MULTILINE)
 
 

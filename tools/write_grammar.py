@@ -1,10 +1,10 @@
 #!/usr/bin/env python3
 """Writes what the editors know of the language's words from the program's own tables.
 
-    program_words | tools/write_grammar.py editors
+    program_words | tools/write_grammar.py editors web/page
 
-The words are what tools/program_words.cpp prints. Written are the TextMate grammar, as a whole, and
-the words of the Vim syntax and of the Emacs mode.
+The words are what tools/program_words.cpp prints. Written are the TextMate grammar and the words of
+the page, as a whole, and the words of the Vim syntax and of the Emacs mode.
 """
 
 import collections
@@ -143,7 +143,7 @@ def replace_words(path, comment, words):
     path.write_text(before + begin + words + end + after)
 
 
-def write_all(words, editors):
+def write_all(words, editors, page):
     instructions = mnemonics_by_kind(words)
     directives = words_by_kind(words["directives"], directive_kind)
     conditionals = words_by_kind(words["conditionals"], CONDITIONAL_KINDS.__getitem__)
@@ -157,6 +157,11 @@ def write_all(words, editors):
     lists = emacs_words(instructions, directives, conditionals, words["registers"])
     replace_words(editors / "emacs" / "szirpa-mode.el", ";;", lists)
 
+    registers = [name.lower() for name in words["registers"]]
+    kinds = {"instructions": instructions, "directives": directives,
+             "conditionals": conditionals, "registers": registers}  # fmt: skip
+    (page / "src" / "words.json").write_text(json.dumps(kinds, indent=2) + "\n")
+
 
 if __name__ == "__main__":
-    write_all(json.load(sys.stdin), pathlib.Path(sys.argv[1]))
+    write_all(json.load(sys.stdin), pathlib.Path(sys.argv[1]), pathlib.Path(sys.argv[2]))

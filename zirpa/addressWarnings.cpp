@@ -52,7 +52,7 @@ void AddressWarnings::note_second_writing(const door::Line &line) {
     bool is_twice = false;
     const std::uint64_t end =
         std::min<std::uint64_t>(std::uint64_t{line.address} + line.size, kMemory);
-    for (std::uint64_t address = line.address; address < end; ++address) {
+    for (std::size_t address = line.address; address < end; ++address) {
         door::Place &before = writers_[address];
         if (before.line != 0 && !is_twice && !was_twice_) {
             findings.push_back(warning("written-twice", line.operation,

@@ -34,12 +34,11 @@ std::optional<std::string> add_project(const std::string &file, Settings &settin
     return std::nullopt;
 }
 
-// A name that looks like an option would be taken for one.
+} // namespace
+
 std::string as_file_name(const std::string &source) {
     return source.starts_with('-') ? "./" + source : source;
 }
-
-} // namespace
 
 Inspection assemble(const Request &request, const std::string &source, door::Outputs outputs,
                     const door::Listener &also) {

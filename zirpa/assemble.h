@@ -11,5 +11,8 @@ inline constexpr int kUnusable = 2; // status: wrong use, or a file that can't b
 Inspection assemble(const Request &request, const std::string &source, door::Outputs outputs,
                     const door::Listener &also = {});
 
+// A name that looks like an option would be taken for one.
+std::string as_file_name(const std::string &source);
+
 // Diagnostics and their number on standard error; false when that can't be done.
 bool show(const Request &request, const std::vector<FileReport> &reports);

@@ -1,13 +1,10 @@
+#include "zirpa/jsonFormat.h"
+
 #include "zirpa/formats.h"
 
 #include <nlohmann/json.hpp>
 
-namespace {
-
-// Members stay in the order in which they are put here, for people who read it.
-using Json = nlohmann::ordered_json;
-
-constexpr int kIndent = 2;
+using Json = OrderedJson;
 
 void put_place(Json &json, const SourcePlace &place) {
     if (place.line == 0) {
@@ -20,12 +17,18 @@ void put_place(Json &json, const SourcePlace &place) {
     }
 }
 
+namespace {
+
+constexpr int kIndent = 2;
+
 Json json_of(const Note &note) {
     Json json;
     put_place(json, note.place);
     json["message"] = note.message;
     return json;
 }
+
+} // namespace
 
 Json json_of(const Diagnostic &diagnostic) {
     Json json;
@@ -45,6 +48,8 @@ Json json_of(const Diagnostic &diagnostic) {
     }
     return json;
 }
+
+namespace {
 
 Json json_of(const FileReport &report) {
     Json json;

@@ -14,7 +14,7 @@ void MemoryMap::take(const door::Line &line) {
     const std::uint64_t end = std::uint64_t{line.address} + line.size;
     const std::uint64_t last = std::min<std::uint64_t>(end, kCells);
     for (std::uint64_t address = line.address; address < last; ++address) {
-        const std::size_t index = address - line.address;
+        const auto index = static_cast<std::size_t>(address - line.address);
         put(static_cast<std::uint32_t>(address), kind,
             index < line.bytes.size() ? line.bytes[index] : std::uint8_t{0});
     }

@@ -29,8 +29,6 @@ class ProgramInput {
 
   private:
     template <typename Reader> void read_file(const std::string &file, const Reader &reader);
-    void read_program(std::string_view content, dis::Program &program,
-                      std::vector<dis::Fault> &faults) const;
     void read_others(dis::Program &program, dis::Hints &hints);
 
     const ProgramRequest &request_;
@@ -50,18 +48,6 @@ void ProgramInput::read_file(const std::string &file, const Reader &reader) {
     for (const dis::Fault &fault : reader(*content)) {
         diagnostics_.push_back(diagnostic_of(fault, name));
     }
-}
-
-// A base says that there are bytes without addresses: those of an array if it looks like one.
-void ProgramInput::read_program(std::string_view content, dis::Program &program,
-                                std::vector<dis::Fault> &faults) const {
-    const dis::InputFormat looks = dis::format_of(content);
-    const bool is_image = request_.base && looks != dis::InputFormat::kArray;
-    const dis::InputFormat format =
-        request_.format.value_or(is_image ? dis::InputFormat::kImage : looks);
-    dis::Reading reading = dis::read(content, format, request_.base.value_or(0));
-    program = std::move(reading.program);
-    faults = std::move(reading.faults);
 }
 
 void ProgramInput::read_others(dis::Program &program, dis::Hints &hints) {
@@ -88,16 +74,13 @@ void ProgramInput::read_others(dis::Program &program, dis::Hints &hints) {
 std::optional<dis::Listing> ProgramInput::read(const std::string &file) {
     dis::Program program;
     read_file(file, [&](std::string_view content) {
-        std::vector<dis::Fault> faults;
-        read_program(content, program, faults);
-        return faults;
+        dis::Reading reading = dis::read_program(content, request_.format, request_.base);
+        program = std::move(reading.program);
+        return reading.faults;
     });
     dis::Hints hints;
     read_others(program, hints);
-    const dis::Hints &told = request_.hints;
-    hints.code.insert(hints.code.end(), told.code.begin(), told.code.end());
-    hints.ranges.insert(hints.ranges.end(), told.ranges.begin(), told.ranges.end());
-    hints.names.insert(hints.names.begin(), told.names.begin(), told.names.end());
+    hints.add(request_.hints);
     if (!diagnostics_.empty()) {
         (void)show(request_.common, {{file, kUnusable, std::move(diagnostics_)}});
         return std::nullopt;

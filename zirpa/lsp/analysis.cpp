@@ -26,9 +26,9 @@ Analysis::Analysis(std::string_view text, Settings settings) {
     is_caseless_ = std::find(settings.options.begin(), settings.options.end(), "nocase") !=
                    settings.options.end();
     settings.text = std::string(text);
-    settings.outputs = door::Outputs::kNowhere;
     settings.most_reserved = kMostReserved;
     Inspection inspection = inspect(settings, listener());
+    status = inspection.status();
     diagnostics = std::move(inspection.diagnostics);
     result = std::move(inspection.result);
 }

@@ -1,0 +1,3 @@
+import { assemble } from "hxzirpa";
+
+await assemble(" CLRA\n", { listings: true });

@@ -1,0 +1,3 @@
+declare module "examples" {
+  export const examples: Record<string, string>;
+}
