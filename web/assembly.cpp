@@ -97,11 +97,10 @@ void Story::put(Json &json, const door::Place &place) const {
 
 // What goes in ahead of a column replaces nothing.
 Json Story::fix(const Fix &fix) const {
-    const SourcePlace &place = fix.place;
     Json json;
     json["title"] = fix.title;
-    put(json, {place.line, place.first, place.last});
-    if (place.last < place.first) {
+    put(json, fix.place);
+    if (fix.place.last < fix.place.first) {
         json["endColumn"] = json["column"];
     }
     json["text"] = fix.text;
