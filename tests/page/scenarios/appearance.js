@@ -86,6 +86,45 @@ exports["a byte leads to the source on a phone"] = async (session) => {
   assert.equal(await other.line(), "10");
 };
 
+// Each word of a source with the colour that it has by what it is; words side by side of one kind are one.
+const COLOURED = [
+  ["; words", "comment"],
+  ["name: EQU $1F+%101%3", "label directive number quiet number quiet number"],
+  ["  LDX #name ignored", "keyword quiet label comment"],
+  ["  LDA A,X ; why", "keyword register quiet register comment"],
+  ["  BNE name", "keyword label"],
+  ["  CLRA all else", "keyword comment"],
+  ['  FCS "a;b" rest', "directive string comment"],
+  ["  FCB 'A',';' rest", "directive number quiet number comment"],
+  ["  FCB 1;2", "directive number quiet number"],
+  ["  LDAA #1", "error comment"],
+  ["#ifdef name else", "directive label comment"],
+  ["##if name>1", "directive label quiet number"],
+  ["#if name", "directive error comment"],
+  ["#define TWO 2", "directive label number"],
+];
+
+exports["words have the colours of what they are"] = async (session) => {
+  const { page } = session;
+  await session.visitWith(COLOURED.map(([line]) => line).join("\n"));
+  await page.mouse.move(0, 0);
+  const names = "comment label directive number quiet keyword register string error".split(" ");
+  const seen = await page.evaluate((all) => {
+    const probe = document.body.appendChild(document.createElement("i"));
+    const nameOf = Object.fromEntries(all.map((name) => {
+      probe.style.color = `var(--${name})`;
+      return [getComputedStyle(probe).color, name];
+    }));
+    const editor = document.getElementById("editor").shadowRoot;
+    return [...editor.querySelectorAll(".cm-line")].map((line) => {
+      const spans = [...line.querySelectorAll("span")].filter(
+        (span) => span.childElementCount === 0 && span.textContent.trim() !== "");
+      return spans.map((span) => nameOf[getComputedStyle(span).color]).join(" ");
+    });
+  }, names);
+  assert.deepEqual(seen, COLOURED.map(([, colours]) => colours));
+};
+
 exports["colours follow the system, or the switch"] = async (session) => {
   const { page } = session;
   await session.visit();
