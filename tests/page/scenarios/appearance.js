@@ -11,7 +11,8 @@ const MISTAKEN = SUM.replace("CLRA", "CLAR");
 
 async function axeFinds(page, rules) {
   await page.evaluate(AXE);
-  const { violations } = await page.evaluate((some) => axe.run(some ? { runOnly: some } : {}), rules);
+  const options = { resultTypes: ["violations"], ...(rules ? { runOnly: rules } : {}) };
+  const { violations } = await page.evaluate((given) => axe.run(given), options);
   return violations.map(({ id, nodes }) => `${id}: ${nodes.map(({ html }) => html).join(" ")}`);
 }
 
@@ -54,7 +55,7 @@ exports["axe finds nothing on a phone"] = async (session) => {
   await other.visitWith(MISTAKEN);
   await other.page.locator("#problems .fix").first().waitFor();
   assert.deepEqual(await axeFinds(other.page), []);
-  await isAccessible(other, "phone");
+  await isAccessible(other, "phone", ["scrollable-region-focusable", "color-contrast"]);
 };
 
 exports["a phone needs no scrolling to the side"] = async (session) => {
