@@ -1,12 +1,13 @@
-// Writes the names, versions and licences of the packages that the bundle holds, which esbuild has
+// Writes the names, versions and licences of the packages that the bundles hold, which esbuild has
 // listed.
 "use strict";
 
 const fs = require("fs");
 const path = require("path");
 
-const [listed, written] = process.argv.slice(2);
-const inputs = Object.keys(JSON.parse(fs.readFileSync(listed, "utf8")).inputs);
+const listed = process.argv.slice(2);
+const written = listed.pop();
+const inputs = listed.flatMap((file) => Object.keys(JSON.parse(fs.readFileSync(file, "utf8")).inputs));
 const packages = new Set(
   inputs
     .map((input) => /^(.*node_modules\/(?:@[^/]+\/)?[^/]+)\//.exec(input))

@@ -16,6 +16,9 @@ from sources import EDITORS, GOLDEN, ROOT, all_sources, lines_of
 EXTENSION = EDITORS / "vscode"
 HERE = ROOT / "tests" / "editors"
 GRAMMAR = EXTENSION / "syntaxes" / "szirpa.tmLanguage.json"
+BUNDLES = [
+    *"NOTICES.txt browser.js browserServer.js extension.js hxzirpa.wasm server.js".split()
+]
 # Nothing may be fetched once the packages are there.
 OFFLINE = {"npm_config_offline": "true", "https_proxy": "http://127.0.0.1:9"}
 
@@ -39,6 +42,7 @@ def extension(tmp_path_factory):
     copy = tmp_path_factory.mktemp("vscode")
     shutil.copytree(EXTENSION, copy, dirs_exist_ok=True)
     shutil.copy(ROOT / "LICENSE", copy)
+    shutil.copytree(ROOT / "build" / "web" / "package", copy / "hxzirpa")
     need_npm_registry()
     printed_by("npm", "ci", "--silent", cwd=copy)
     return copy
@@ -192,7 +196,7 @@ def bundle(extension):
 
 
 def test_types_are_checked(extension, bundle):
-    source = extension / "src" / "extension.ts"
+    source = extension / "src" / "common.ts"
     text = source.read_text()
     assert "ask<{ svg: string }>" in text
     source.write_text(text.replace("ask<{ svg: string }>", "ask<{ png: string }>"))
@@ -201,12 +205,19 @@ def test_types_are_checked(extension, bundle):
     assert b"error TS2339: Property 'svg' does not exist" in process.stdout
 
 
+@pytest.fixture(scope="module", params=["installed", "own"])
+def kind(request):
+    """The server: that of the program, or the one that comes with the extension."""
+    return request.param
+
+
 @pytest.fixture(scope="module")
-def seen(bundle, zirpa, tmp_path_factory):
-    """What a user sees of the extension, in a stand-in for the editor, with the real server."""
+def seen(bundle, zirpa, kind, tmp_path_factory):
+    """What a user sees of the extension, in a stand-in for the editor, with a real server."""
     directory = tmp_path_factory.mktemp("session")
     (directory / "prog.szirpa").write_text(SOURCE)
-    printed_by("node", SCRIPTS / "extension.js", bundle, zirpa, cwd=directory)
+    servers = [zirpa] if kind == "installed" else []
+    printed_by("node", SCRIPTS / "extension.js", bundle, *servers, cwd=directory)
     found = json.loads((directory / "seen.json").read_text())
     assert "failure" not in found, found["failure"]
     return found
@@ -217,12 +228,13 @@ def test_a_session(seen):
     assert seen["hints"] == ["= 5 ($5)", "10: F0 05"]
 
 
-def test_without_the_server_there_is_one_message(seen):
-    (message,) = seen["told"]
-    assert message.startswith("no-such-program can't be started")
-    assert seen["shown"] == 0
-    # With the server there are no more.
-    assert seen["messages"] == seen["told"]
+def test_who_has_named_a_program_is_told_that_it_is_not_there(seen, kind):
+    if kind == "installed":
+        assert seen["messages"] == []
+    else:
+        named, *_ = seen["messages"]
+        assert named.startswith("no-such-program can't be started")
+        assert sum("no-such-program" in text for text in seen["messages"]) == 1
 
 
 def test_the_listing_stands_beside_its_source(seen):
@@ -238,11 +250,23 @@ def test_the_map_is_a_picture_without_scripts(seen):
     assert "<script" not in seen["map"]
 
 
-def test_assembling_has_the_settings_and_writes_beside_the_source(seen):
-    assert seen["arguments"] == [
-        "build", "--listing", "--define", "FAST", "--allow", "unused-label", "prog.szirpa"
-    ]
+def test_assembling_writes_beside_the_source(seen, kind):
     assert seen["written"] == ["prog.fmem", "prog.lst", "prog.s19", "prog.szirpa"]
+    if kind == "own":
+        assert "prog.s19, prog.lst, prog.fmem: written" in seen["messages"]
+
+
+def test_assembling_has_the_settings(seen, kind):
+    if kind == "installed":
+        assert seen["arguments"] == [
+            "build", "--listing", "--define", "FAST", "--allow", "unused-label", "prog.szirpa"
+        ]
+
+
+def test_a_mistake_leaves_no_program(seen, kind):
+    if kind == "own":
+        assert seen["left"] == ["prog.lst", "prog.szirpa"]
+        assert seen["messages"][-1] == "prog.szirpa: errors: 1"
 
 
 def test_licences_are_listed(bundle):
@@ -267,8 +291,7 @@ def test_extension_packs_without_the_network(extension):
             "extension/language-configuration.json",
             "extension/package.json",
             "extension/README.md",
-            "extension/dist/NOTICES.txt",
-            "extension/dist/extension.js",
+            *(f"extension/dist/{name}" for name in BUNDLES),
             "extension/snippets/szirpa.json",
             "extension/snippets/tasks.json",
             "extension/syntaxes/szirpa.tmLanguage.json",

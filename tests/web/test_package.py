@@ -164,7 +164,7 @@ def test_what_is_packed(installed):
     place = installed / "node_modules" / "hxzirpa"
     assert {path.name for path in place.iterdir()} == {
         *"LICENSE README.md package.json index.mjs index.cjs node.mjs core.mjs program.mjs".split(),
-        *"index.d.mts index.d.cts hxzirpa.wasm program.wasm".split(),
+        *"core.d.mts index.d.mts index.d.cts hxzirpa.wasm program.wasm".split(),
     }
     assert json.loads((place / "package.json").read_text())["version"] == f"{VERSION}.0"
     assert (place / "LICENSE").read_bytes() == (ROOT / "LICENSE").read_bytes()

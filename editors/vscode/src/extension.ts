@@ -1,216 +1,108 @@
-// The extension's own code: the client of zirpa's language server, and three commands. Colours, snippets
-// and problem matchers are files, and work without it.
+// The extension where programs can be started. The server is the program's own; where that is not
+// installed, the one that comes with the extension, in a thread.
 
 import { execFile } from "node:child_process";
+import { readFile } from "node:fs/promises";
 import * as path from "node:path";
 import { promisify } from "node:util";
+import { Worker } from "node:worker_threads";
 import * as vscode from "vscode";
-import { LanguageClient } from "vscode-languageclient/node";
+import {
+  AbstractMessageReader,
+  AbstractMessageWriter,
+  type DataCallback,
+  LanguageClient,
+  type LanguageClientOptions,
+  type Message,
+  type MessageTransports,
+} from "vscode-languageclient/node";
+import { begin, configuration, end, type Host, nameOf } from "./common";
 
-const LANGUAGE = "szirpa";
-const LISTING = "zirpa-listing";
-
-let client: LanguageClient | undefined;
-let isMissingTold = false;
-
-function configuration(): vscode.WorkspaceConfiguration {
-  return vscode.workspace.getConfiguration("zirpa");
-}
+const USUAL = "zirpa";
 
 function program(): string {
-  return configuration().get<string>("path") || "zirpa";
+  return configuration().get<string>("path") || USUAL;
 }
 
-// ---- The server ----
+let told: string | undefined;
 
-// A program that can't be started is told once; the client itself would tell it again and again.
+// Who has named a program is told, once, that it is not used.
 async function isThere(command: string): Promise<boolean> {
   try {
     await promisify(execFile)(command, ["--version"]);
     return true;
   } catch {
-    if (!isMissingTold) {
-      isMissingTold = true;
+    if (command !== USUAL && command !== told) {
+      told = command;
       void vscode.window.showWarningMessage(
-        `${command} can't be started, so there are colours and snippets only. ` +
-          "Install zirpa, or set zirpa.path.",
+        `${command} can't be started, so the server that comes with the extension is used.`,
       );
     }
     return false;
   }
 }
 
-async function start(): Promise<void> {
-  const command = program();
-  if (!(await isThere(command))) {
-    return;
+// ---- The server in a thread ----
+
+class Reader extends AbstractMessageReader {
+  constructor(private readonly worker: Worker) {
+    super();
+    worker.on("error", (error) => this.fireError(error));
+    worker.on("exit", () => this.fireClose());
   }
-  const started = new LanguageClient(
-    "zirpa",
-    "ZIRPA",
-    { command, args: ["lsp"] },
-    {
-      documentSelector: [{ language: LANGUAGE }],
-      initializationOptions: configuration(),
-    },
-  );
-  client = started;
-  await started.start();
-}
-
-async function stop(): Promise<void> {
-  const stopped = client;
-  client = undefined;
-  await stopped?.stop();
-}
-
-// What the server says of the text in an editor, saved or not; undefined without a server.
-async function ask<Result>(method: string, uri: vscode.Uri): Promise<Result | undefined> {
-  return client?.sendRequest<Result>(method, { textDocument: { uri: uri.toString() } });
-}
-
-// ---- Commands ----
-
-// The source in front; undefined, with a message, where there is none.
-function source(): vscode.TextDocument | undefined {
-  const document = vscode.window.activeTextEditor?.document;
-  if (document?.languageId === LANGUAGE) {
-    return document;
+  listen(take: DataCallback): vscode.Disposable {
+    this.worker.on("message", take);
+    return { dispose: () => this.worker.off("message", take) };
   }
-  void vscode.window.showInformationMessage("There is no ZIRPA source in front.");
-  return undefined;
 }
 
-function words(setting: string): string[] {
-  return configuration().get<string[]>(setting, []);
-}
-
-function options(): string[] {
-  const lists: [string, string][] = [
-    ["compatibility", "--compatibility"],
-    ["define", "--define"],
-    ["include", "--include"],
-    ["allow", "--allow"],
-    ["deny", "--deny"],
-    ["warn", "--warn"],
-  ];
-  const found = lists.flatMap(([setting, option]) =>
-    words(setting).flatMap((word) => [option, word]),
-  );
-  return configuration().get<boolean>("strict", false) ? [...found, "--strict"] : found;
-}
-
-// The outputs stand beside the source; the messages are in the terminal of the task, and, by the
-// server, at their lines.
-async function assemble(): Promise<void> {
-  const document = source();
-  if (!document || !(await document.save()) || !(await isThere(program()))) {
-    return;
+class Writer extends AbstractMessageWriter {
+  constructor(private readonly worker: Worker) {
+    super();
   }
-  const file = document.uri.fsPath;
+  async write(message: Message): Promise<void> {
+    this.worker.postMessage(message);
+  }
+  end(): void {
+    void this.worker.terminate();
+  }
+}
+
+async function startThread(): Promise<MessageTransports> {
+  const worker = new Worker(path.join(__dirname, "server.js"));
+  worker.postMessage(new Uint8Array(await readFile(path.join(__dirname, "hxzirpa.wasm"))));
+  return { reader: new Reader(worker), writer: new Writer(worker) };
+}
+
+// ---- The host ----
+
+// The messages are in the terminal of the task, and, by the server, at their lines.
+async function assemble(document: vscode.TextDocument, options: string[]): Promise<boolean> {
+  if (!(await isThere(program()))) {
+    return false;
+  }
+  const name = nameOf(document);
   const task = new vscode.Task(
     { type: "process" },
     vscode.TaskScope.Workspace,
-    `assemble ${path.basename(file)}`,
+    `assemble ${name}`,
     "ZIRPA",
-    new vscode.ProcessExecution(program(), ["build", "--listing", ...options(), path.basename(file)], {
-      cwd: path.dirname(file),
+    new vscode.ProcessExecution(program(), ["build", "--listing", ...options, name], {
+      cwd: path.dirname(document.uri.fsPath),
     }),
   );
   await vscode.tasks.executeTask(task);
+  return true;
 }
 
-// A listing is a document of its own, named after its source, and follows it.
-class Listings implements vscode.TextDocumentContentProvider {
-  private readonly changed = new vscode.EventEmitter<vscode.Uri>();
-  readonly onDidChange = this.changed.event;
+const host: Host = {
+  async client(options: LanguageClientOptions) {
+    const command = program();
+    const server = (await isThere(command)) ? { command, args: ["lsp"] } : startThread;
+    return new LanguageClient("zirpa", "ZIRPA", server, options);
+  },
+  assemble,
+};
 
-  static of(sourceUri: vscode.Uri): vscode.Uri {
-    const name = sourceUri.path.replace(/\.szirpa$/i, "") + ".lst";
-    return sourceUri.with({ scheme: LISTING, path: name, query: sourceUri.toString() });
-  }
-
-  follow(document: vscode.TextDocument): void {
-    if (document.languageId === LANGUAGE) {
-      this.changed.fire(Listings.of(document.uri));
-    }
-  }
-
-  async provideTextDocumentContent(uri: vscode.Uri): Promise<string> {
-    const listing = await ask<{ text: string }>("zirpa/listing", vscode.Uri.parse(uri.query));
-    return listing?.text ?? "";
-  }
-}
-
-async function showListing(): Promise<void> {
-  const document = source();
-  if (!document || !client) {
-    return;
-  }
-  const listing = await vscode.workspace.openTextDocument(Listings.of(document.uri));
-  await vscode.window.showTextDocument(listing, {
-    viewColumn: vscode.ViewColumn.Beside,
-    preserveFocus: true,
-    preview: true,
-  });
-}
-
-function page(svg: string): string {
-  const policy = "default-src 'none'; style-src 'unsafe-inline'";
-  return (
-    `<!DOCTYPE html><html lang="en"><head><meta charset="utf-8">` +
-    `<meta http-equiv="Content-Security-Policy" content="${policy}">` +
-    `<title>Memory map</title><style>body{background:#fff}svg{max-width:100%;height:auto}</style>` +
-    `</head><body>${svg}</body></html>`
-  );
-}
-
-// A map is a picture, and follows its source.
-async function showMap(): Promise<void> {
-  const document = source();
-  if (!document || !client) {
-    return;
-  }
-  const panel = vscode.window.createWebviewPanel(
-    "zirpa.map",
-    `Map of ${path.basename(document.uri.path)}`,
-    { viewColumn: vscode.ViewColumn.Beside, preserveFocus: true },
-    { enableScripts: false },
-  );
-  const draw = async () => {
-    const map = await ask<{ svg: string }>("zirpa/memoryMap", document.uri);
-    panel.webview.html = page(map?.svg ?? "");
-  };
-  const following = vscode.workspace.onDidChangeTextDocument((change) => {
-    if (change.document === document) {
-      draw().catch(() => undefined); // an older text's answer is refused
-    }
-  });
-  panel.onDidDispose(() => following.dispose());
-  await draw();
-}
-
-// ---- Life ----
-
-export async function activate(context: vscode.ExtensionContext): Promise<void> {
-  const listings = new Listings();
-  context.subscriptions.push(
-    vscode.commands.registerCommand("zirpa.assemble", assemble),
-    vscode.commands.registerCommand("zirpa.showListing", showListing),
-    vscode.commands.registerCommand("zirpa.showMap", showMap),
-    vscode.workspace.registerTextDocumentContentProvider(LISTING, listings),
-    vscode.workspace.onDidChangeTextDocument((change) => listings.follow(change.document)),
-    vscode.workspace.onDidChangeConfiguration(async (change) => {
-      if (change.affectsConfiguration("zirpa.path")) {
-        isMissingTold = false;
-        await stop();
-        await start();
-      }
-    }),
-  );
-  await start();
-}
-
-export async function deactivate(): Promise<void> {
-  await stop();
-}
+export const activate = (context: vscode.ExtensionContext) => begin(host, context);
+export const deactivate = end;

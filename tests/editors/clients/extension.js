@@ -1,5 +1,6 @@
-// A session of the VS Code extension in a stand-in for the editor, with the real server; writes what
-// it saw to seen.json in the working directory. Arguments: the bundle, and the server.
+// A session of the VS Code extension in a stand-in for the editor, with a real server; writes what
+// it saw to seen.json in the working directory. Arguments: the bundle, and the program with the server;
+// without it, the server is the one that comes with the extension.
 "use strict";
 
 const fs = require("fs");
@@ -32,16 +33,6 @@ const diagnosticsOf = (document) => state.diagnostics.get(document.uri.toString(
 
 function provider(name) {
   return waitFor(name, () => state.providers[name]);
-}
-
-async function withoutServer(extension) {
-  state.settings = { zirpa: { path: "no-such-program" } };
-  await extension.activate({ subscriptions: [] });
-  await state.commands["zirpa.showListing"]();
-  await state.commands["zirpa.showMap"]();
-  await state.commands["zirpa.assemble"]();
-  seen.told = [...state.messages];
-  seen.shown = state.shown.length + state.panels.length + state.tasks.length;
 }
 
 async function fixJumpAndRename(document) {
@@ -84,10 +75,19 @@ async function runCommands(document) {
   await waitFor("another map", () => state.panels[0].webview.html !== before);
 
   await state.commands["zirpa.assemble"]();
-  const { process: command, args, options: where } = state.tasks[0].execution;
-  seen.arguments = args;
-  seen.printed = execFileSync(command, args, where).toString();
-  seen.written = fs.readdirSync(where.cwd).sort();
+  if (state.tasks.length > 0) {
+    const { process: command, args, options: where } = state.tasks[0].execution;
+    seen.arguments = args;
+    seen.printed = execFileSync(command, args, where).toString();
+  }
+  seen.written = fs.readdirSync(path.dirname(document.uri.fsPath)).sort();
+}
+
+// After a mistake nothing may be left that could be taken for the program.
+async function assembleMistake(document) {
+  await change(document, [{ range: new vscode.Range(5, 0, 5, 0), newText: " WRONG\n" }]);
+  await state.commands["zirpa.assemble"]();
+  seen.left = fs.readdirSync(path.dirname(document.uri.fsPath)).sort();
 }
 
 async function session(extension) {
@@ -96,13 +96,17 @@ async function session(extension) {
     fs.readFileSync("prog.szirpa", "utf8"),
   );
   await open(document);
-  await withoutServer(extension);
-  // The right path starts the server without another message.
-  await configure({ zirpa: { path: server } });
+  // What is installed is used; where there is nothing, what comes with the extension.
+  const name = server ?? "no-such-program";
+  state.settings = { zirpa: { path: name } };
+  await extension.activate({ subscriptions: [] });
   await fixJumpAndRename(document);
   await showHints(document);
-  await configure({ zirpa: { path: server, allow: ["unused-label"], define: ["FAST"] } });
+  await configure({ zirpa: { path: name, allow: ["unused-label"], define: ["FAST"] } });
   await runCommands(document);
+  if (!server) {
+    await assembleMistake(document);
+  }
   seen.messages = state.messages;
   await extension.deactivate();
 }

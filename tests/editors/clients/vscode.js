@@ -3,6 +3,7 @@
 // and does nothing.
 "use strict";
 
+const files = require("fs/promises");
 const { fileURLToPath, pathToFileURL } = require("url");
 
 // ---- Texts ----
@@ -31,6 +32,9 @@ class Uri {
   static parse(text) {
     const [, scheme, rest, query] = /^([a-z-]+):(?:\/\/)?([^?]*)\??(.*)$/.exec(text);
     return new Uri(scheme, decodeURIComponent(rest), decodeURIComponent(query));
+  }
+  static joinPath(uri, ...parts) {
+    return uri.with({ path: require("path").posix.join(uri.path, ...parts) });
   }
   with(parts) {
     return Object.assign(new Uri(this.scheme, this.path, this.query), parts);
@@ -141,6 +145,11 @@ const workspace = filled("workspace", {
   textDocuments: state.documents,
   workspaceFolders: undefined,
   isTrusted: true,
+  fs: {
+    readFile: (uri) => files.readFile(uri.fsPath),
+    writeFile: (uri, bytes) => files.writeFile(uri.fsPath, bytes),
+    delete: (uri) => files.unlink(uri.fsPath),
+  },
   onDidOpenTextDocument: events.opened.event,
   onDidChangeTextDocument: events.changed.event,
   onDidChangeConfiguration: events.configured.event,

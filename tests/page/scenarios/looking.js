@@ -97,7 +97,7 @@ exports["the map tells what bytes are"] = async (session) => {
   assert.equal(await page.locator("#details").textContent(), "$40: 02 written twice, line 14");
 };
 
-exports["names are told with values and uses"] = async (session) => {
+exports["names are shown with values and uses"] = async (session) => {
   const { page } = session;
   await session.visitWith(SUM);
   await session.pane("Names");

@@ -7,7 +7,7 @@ import type { Calls, Order, Report } from "./messages";
 
 export const SOURCE_URI = "file:///source.szirpa";
 
-// After so long people are told that they wait, and then the worker is ended.
+// After so long people see that they wait, and later the worker is ended.
 const PATIENCE_MS = 400;
 const LIMIT_MS = 20_000;
 

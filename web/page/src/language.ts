@@ -6,7 +6,9 @@ import { tags } from "@lezer/highlight";
 import words from "./words.json";
 
 // What is expected next in a line.
-type Field = "operation" | "conditional" | "operand" | "operandGoesOn" | "text" | "name" | "message" | "rest";
+type Field =
+  | "operation" | "conditional" | "operand" | "operandGoesOn" | "text" | "name" | "definition" | "message"
+  | "rest";
 
 interface State {
   field: Field;
@@ -34,7 +36,7 @@ learn(meanings, Object.values(directives).flat(), "definitionKeyword", "operand"
 learn(meanings, directives.text, "definitionKeyword", "text");
 learn(conditionals, words.conditionals.test, "processingInstruction", "operand");
 learn(conditionals, words.conditionals.name, "processingInstruction", "name");
-learn(conditionals, words.conditionals.definition, "processingInstruction", "name");
+learn(conditionals, words.conditionals.definition, "processingInstruction", "definition");
 learn(conditionals, words.conditionals.plain, "processingInstruction", "rest");
 learn(conditionals, words.conditionals.message, "processingInstruction", "message");
 
@@ -117,7 +119,8 @@ function field(stream: StringStream, state: State): string {
       // The first character may be a quote, which then does not close the text.
       return stream.match(/^"(\\.|[^\\])(\\.|[^\\"])*"/) ? "string" : word(stream, state, new Map());
     case "name":
-      state.field = "operand";
+    case "definition":
+      state.field = state.field === "name" ? "rest" : "operand";
       stream.match(WORD);
       return "variableName";
     case "message":
@@ -136,7 +139,9 @@ function token(stream: StringStream, state: State): string | null {
     state.field = state.field === "operandGoesOn" ? "rest" : state.field;
     return null;
   }
-  return stream.match(/^;/) ? rest(stream) : field(stream, state);
+  // Within an operand the sign is one of its characters.
+  const isComment = state.field !== "operandGoesOn" && stream.peek() === ";";
+  return isComment ? rest(stream) : field(stream, state);
 }
 
 const szirpa = StreamLanguage.define<State>({

@@ -1,4 +1,4 @@
-// The page: who is told when something changes.
+// The page: what follows from each change.
 
 import { isolateHistory } from "@codemirror/commands";
 import { EditorView, keymap } from "@codemirror/view";

@@ -1,0 +1,3 @@
+import { type Port, serveOn } from "./serve";
+
+serveOn(globalThis as unknown as Port);
