@@ -80,7 +80,7 @@ class Analysis {
     std::vector<ExpressionFacts> expressions; // likewise
     std::vector<BlockFacts> blocks;
     std::vector<Diagnostic> diagnostics;
-    int status = 0; // 0: all is well
+    int status = 0;   // 0: all is well
     MemoryMap memory; // without the labels
     door::Result result;
 
