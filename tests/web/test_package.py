@@ -29,6 +29,8 @@ def printed_by_use(installed, name):
 
 def test_readme(installed, tmp_path):
     reader = shown.Reader(tmp_path / "nowhere", tmp_path / "reader")
+    # What npm says of a user's own settings is of no interest.
+    reader.environment["npm_config_loglevel"] = "error"
     shutil.copytree(installed, reader.directory, dirs_exist_ok=True, symlinks=True)
     reader.play(installed / "node_modules" / "hxzirpa" / "README.md")
 
