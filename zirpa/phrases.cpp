@@ -12,7 +12,8 @@ std::string in_hexadecimal(std::int64_t value) {
     const auto magnitude =
         value < 0 ? -static_cast<std::uint64_t>(value) : static_cast<std::uint64_t>(value);
     char *end = std::to_chars(digits.data(), digits.data() + digits.size(), magnitude, 16).ptr;
-    return (value < 0 ? "-$" : "$") + door::upper({digits.data(), static_cast<std::size_t>(end - digits.data())});
+    return (value < 0 ? "-$" : "$") +
+           door::upper({digits.data(), static_cast<std::size_t>(end - digits.data())});
 }
 
 std::string in_both_bases(std::int64_t value) {
