@@ -43,7 +43,7 @@ const FileEntry *getCurrentFileInfo(int n) {
 void place_new_run() {
     place_new_pass();
     Line.assign("", 0);
-    Col_Ptr = Line_Ptr;
+    scan_from_start();
 }
 
 void place_new_pass() {

@@ -91,6 +91,9 @@ inline void count_line() {
     ++listline;
 }
 
+// Puts the scan position at the start of the line.
+inline void scan_from_start() { Col_Ptr = Line_Ptr; }
+
 void place_new_run();
 
 // Before passes 0 and 1: empties the file table; no line has been read.

@@ -303,7 +303,7 @@ bool read_source_line() {
         }
     }
     count_line();
-    Col_Ptr = Line_Ptr;
+    scan_from_start();
     const std::size_t length = Line.length();
     if (length > kLineWarningLimit) {
         // Quirk (long-line): the spelling, and a limit three below the room for a line.

@@ -29,6 +29,8 @@ def printed_by_use(installed, name):
 
 def test_readme(installed, tmp_path):
     reader = shown.Reader(tmp_path / "nowhere", tmp_path / "reader")
+    # What npm says of a user's own settings is of no interest.
+    reader.environment["npm_config_loglevel"] = "error"
     shutil.copytree(installed, reader.directory, dirs_exist_ok=True, symlinks=True)
     reader.play(installed / "node_modules" / "hxzirpa" / "README.md")
 
@@ -44,11 +46,11 @@ def test_contents_are_bytes(installed):
 
 def test_after_a_failure_the_next_call_works(installed):
     assert printed_by_use(installed, "memory.mjs").splitlines() == [
-        "out of memory 0",
-        "Error: assemble has failed 0",
-        "Error: disassemble has failed 0",
-        "TypeError: there is no setting listin 0",
-        "TypeError: a text or bytes are expected 0",
+        "out of memory 0 1",
+        "Error: assemble has failed 0 2",
+        "Error: disassemble has failed 0 3",
+        "TypeError: there is no setting listin 0 3",
+        "TypeError: a text or bytes are expected 0 3",
     ]
 
 

@@ -4,6 +4,8 @@
 import { BaseLanguageClient, MessageTransports } from "vscode-languageclient/browser";
 import { AbstractMessageReader, AbstractMessageWriter } from "vscode-jsonrpc/browser";
 
+export { AbstractMessageReader, AbstractMessageWriter };
+
 declare const toServer: (message: string) => Promise<void>;
 
 class Reader extends AbstractMessageReader {

@@ -1,5 +1,6 @@
 // Opens the page in a browser, with the real server at the other end of its messages; writes what was
-// seen to seen.json, and two pictures. Arguments: the server, the source, and where the results go.
+// seen to seen.json, and two pictures. Arguments: the page's script, the server, the source, and where the
+// results go.
 "use strict";
 
 const fs = require("fs");
@@ -9,12 +10,13 @@ const { spawn } = require("child_process");
 const { chromium } = require("playwright-core");
 const { StreamMessageReader, StreamMessageWriter } = require("vscode-jsonrpc/node");
 
-const [program, source, results] = process.argv.slice(2);
+const [script, program, source, results] = process.argv.slice(2);
 const TYPES = { ".css": "text/css", ".js": "text/javascript", ".wasm": "application/wasm" };
 const COLOURS = "[...document.querySelectorAll('.view-line span[class^=mtk]')].map((word) => word.className)";
 const PAGE =
-  '<!DOCTYPE html><link rel="stylesheet" href="main.css"><body style="margin:0">' +
-  '<div id="editor" style="width:760px;height:134px"></div><script type="module" src="main.js"></script>';
+  `<!DOCTYPE html><link rel="stylesheet" href="${script}.css"><body style="margin:0">` +
+  '<div id="editor" style="width:760px;height:134px"></div>' +
+  `<script type="module" src="${script}.js"></script>`;
 
 // Where the page's addresses lead: to its bundle, the extension, and what packages ask for by themselves.
 const THEMES = "node_modules/@codingame/monaco-vscode-theme-defaults-default-extension";

@@ -21,7 +21,7 @@ import "@codingame/monaco-vscode-theme-defaults-default-extension";
 import "vscode/localExtensionHost";
 
 import manifest from "../vscode/package.json";
-import * as extension from "../vscode/src/extension";
+import * as extension from "extension";
 
 const WORKERS: Record<string, string> = { TextMateWorker: "textmate.worker.js" };
 self.MonacoEnvironment = {
@@ -65,8 +65,10 @@ async function start(source: string): Promise<void> {
   await updateUserConfiguration(
     JSON.stringify({ "editor.inlayHints.enabled": "on", "workbench.colorTheme": "Default Dark Modern" }),
   );
+  // The code is part of this page, and started below.
+  const { main: _main, browser: _browser, ...rest } = manifest;
   const { getApi, setAsDefaultApi, whenReady, registerFileUrl } = registerExtension(
-    manifest as any,
+    rest as any,
     ExtensionHostKind.LocalProcess,
   );
   for (const name of ["language-configuration.json", "syntaxes/szirpa.tmLanguage.json"]) {
@@ -86,7 +88,16 @@ async function start(source: string): Promise<void> {
     renderLineHighlight: "none", overviewRulerLanes: 0, automaticLayout: true,
     guides: { indentation: false },
   });
-  await extension.activate({ subscriptions: [] } as any);
+  // In a browser an extension's own files have addresses, which the editor reads.
+  const nothing = () => ({ dispose() {} });
+  vscode.workspace.registerFileSystemProvider("http", {
+    readFile: async (file: any) =>
+      new Uint8Array(await (await fetch(file.toString(true))).arrayBuffer()),
+    onDidChangeFile: nothing, watch: nothing, stat: nothing, readDirectory: nothing,
+    createDirectory: nothing, writeFile: nothing, delete: nothing, rename: nothing,
+  });
+  const extensionUri = vscode.Uri.parse(new URL("vscode", location.href).href);
+  await extension.activate({ subscriptions: [], extensionUri } as any);
 }
 
 async function seeMistake(): Promise<unknown> {
