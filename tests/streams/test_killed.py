@@ -100,7 +100,11 @@ def test_killed_run_leaves_no_output_in_pieces(place, long_source, state, moment
         with place.start(*EVERY_OUTPUT, "prog.szirpa", stdout=subprocess.DEVNULL) as process:
             time.sleep(seconds * moment / moments)
             process.kill()
-        killed += process.returncode == -signal.SIGKILL
+        if process.returncode == -signal.SIGKILL:
+            killed += 1
+        else:
+            # The machine has less other work than when the time was taken.
+            seconds *= 0.9
         assert_nothing_in_pieces(place, state, whole)
     assert killed > moments / 2
 
