@@ -14,6 +14,7 @@ def pytest_addoption(parser):
     parser.addoption("--topic", help="run the golden cases of one topic only")
     parser.addoption("--all", action="store_true", help="inject every fault, compare every build")
     parser.addoption("--node", action="store_true", help="the assembler is the one under node")
+    parser.addoption("--every", type=int, default=1, help="of many cases, one in so many")
     parser.addoption("--words", type=pathlib.Path, help="the built tools/program_words.cpp")
 
 
@@ -29,6 +30,7 @@ def pytest_collection_modifyitems(config, items):
         import differences
 
         differences.mark(items)
+        items[:] = items[:: config.option.every]
 
 
 @pytest.fixture(scope="session")

@@ -8,10 +8,6 @@ import pytest
 OF_CASES = ["test_alarms.py", "test_dis.py", "test_golden_build.py"]
 
 
-def pytest_addoption(parser):
-    parser.addoption("--every", type=int, default=1, help="of the golden cases, one in so many")
-
-
 def pytest_collection_modifyitems(config, items):
     of_cases = [
         item
